@@ -1,0 +1,55 @@
+# libqor_ark_base: the same sources once per instruction level, each level a library of its own.
+#
+# The build tree is laid out like the install tree (lib/ and lib/glibc-hwcaps/...), and
+# levels/<level>/ holds a link to one level each, so that a test can pin it with LD_LIBRARY_PATH.
+
+set(QOR_BUILD_LIB ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
+
+function(qor_export_map out)
+  # The exported names, from the row list and the lists of plain entries, by the C preprocessor.
+  set(map ${CMAKE_BINARY_DIR}/qor_ark_base.map)
+  set(inputs ${CMAKE_SOURCE_DIR}/frame/exports.map.h ${CMAKE_SOURCE_DIR}/include/qor/vector_math_rows.h)
+  add_custom_command(OUTPUT ${map}
+    COMMAND ${CMAKE_C_COMPILER} -E -P -x c -I${CMAKE_SOURCE_DIR}/include
+            ${CMAKE_SOURCE_DIR}/frame/exports.map.h -o ${map}
+    DEPENDS ${inputs} VERBATIM)
+  add_custom_target(qor_export_map DEPENDS ${map})
+  set(${out} ${map} PARENT_SCOPE)
+endfunction()
+
+function(qor_add_kernel_library)
+  file(GLOB sources CONFIGURE_DEPENDS
+    ${CMAKE_SOURCE_DIR}/frame/*.cpp ${CMAKE_SOURCE_DIR}/frame/*.S
+    ${CMAKE_SOURCE_DIR}/kernels/*.cpp ${CMAKE_SOURCE_DIR}/kernels/tables/*.cpp
+    ${CMAKE_SOURCE_DIR}/services/*.cpp
+    ${CMAKE_SOURCE_DIR}/streams/*.cpp ${CMAKE_SOURCE_DIR}/streams/generators/*.cpp
+    ${CMAKE_SOURCE_DIR}/distributions/*.cpp ${CMAKE_SOURCE_DIR}/fitting/*.cpp
+    ${CMAKE_SOURCE_DIR}/statistics/*.cpp)
+  qor_export_map(map)
+  foreach(level IN LISTS QOR_LEVELS)
+    qor_level_options(${level} options)
+    qor_level_folder(${level} folder)
+    set(target qor_ark_base_${level})
+    add_library(${target} SHARED ${sources})
+    add_dependencies(${target} qor_export_map)
+    target_include_directories(${target}
+      PUBLIC $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>
+      PRIVATE ${CMAKE_SOURCE_DIR})
+    target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${options}>
+      $<$<COMPILE_LANGUAGE:CXX>:-fvisibility=hidden -fvisibility-inlines-hidden -fno-exceptions
+      -fno-rtti>)
+    target_link_libraries(${target} PRIVATE qor_warnings qor_arithmetic Threads::Threads
+      PUBLIC qor_core)
+    target_link_options(${target} PRIVATE -Wl,--version-script=${map} -Wl,-Bsymbolic)
+    set_target_properties(${target} PROPERTIES
+      OUTPUT_NAME qor_ark_base VERSION ${PROJECT_VERSION} SOVERSION 1 LINK_DEPENDS ${map}
+      LIBRARY_OUTPUT_DIRECTORY ${QOR_BUILD_LIB}${folder}
+      INSTALL_RPATH "$ORIGIN" BUILD_RPATH ${QOR_BUILD_LIB})
+    file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/levels/${level})
+    file(CREATE_LINK ${QOR_BUILD_LIB}${folder}/libqor_ark_base.so.1
+      ${CMAKE_BINARY_DIR}/levels/${level}/libqor_ark_base.so.1 SYMBOLIC)
+  endforeach()
+  # What others link against; which level then runs is the loader's choice.
+  list(GET QOR_LEVELS 0 first)
+  add_library(qor_ark_base ALIAS qor_ark_base_${first})
+endfunction()

@@ -1,0 +1,61 @@
+/* Services: what qor_ark_base asks of its host. libqor_core implements them; a host may bring a
+   library of its own in its place, as long as these functions keep their meaning. */
+#ifndef QOR_SERVICES_H
+#define QOR_SERVICES_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Memory.
+   Returns a block of at least `size` bytes whose address is a multiple of `alignment` (a power of
+   two), or null when there is none. A size of 0 gives a block of its own. Any thread. */
+void* qor_serv_allocate(size_t size, size_t alignment);
+
+/* Gives back a block of qor_serv_allocate; null does nothing. Any thread. */
+void qor_serv_deallocate(void* block);
+
+/* Copies `count` bytes. Returns 0; or 22 when a pointer is null, 34 when `count` exceeds
+   `destination_size` (in both cases the destination, where there is one, is cleared and nothing is
+   copied). A count of 0 copies nothing and returns 0. The ranges must not overlap. */
+int qor_serv_memcpy_s(void* destination, size_t destination_size, const void* source, size_t count);
+
+/* Locks. A lock is a 32-bit word, 0 when free; one thread holds it at a time, not recursively.
+   A waiting thread spins for a while, then yields its processor. */
+void qor_serv_lock(int32_t* word);
+void qor_serv_unlock(int32_t* word);
+
+/* Environment.
+   Copies the value of the variable `name`, with its terminating zero, into `buffer` of `size` bytes
+   and returns its length. Returns 0, with an empty buffer, when the variable is unset or its value
+   does not fit. */
+int qor_serv_getenv(const char* name, char* buffer, int size);
+
+/* Messages.
+   Prints the numbered message on standard error, one line, with `count` arguments behind, whose
+   types the message fixes: 748 name and index; 749 to 754 name; 755 to 766 index and value; 773
+   none (name: const char *, index: int, value: double). A `level` below 1 prints nothing. An
+   unknown number prints itself, and its arguments are not looked at. */
+void qor_serv_print(int level, int message, int count, ...);
+
+/* Ends the process with the status, as exit() does. */
+void qor_serv_exit(int status);
+
+/* Returns 1 once the process has begun to end, when other threads may still be at work and nothing
+   that they use may be freed; else 0. */
+int qor_serv_process_ending(void);
+
+/* Processor.
+   Returns 1 when the processor (and the system's saving of its registers) has the feature, else 0:
+   0 SSE2, 1 AES rounds, 2 AVX2 with FMA, 3 AVX-512 F, BW, CD, DQ and VL, 4 vector AES rounds,
+   5 RDRAND. Any other number gives 0. */
+int qor_serv_cpu_feature_test(int feature);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

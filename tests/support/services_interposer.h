@@ -1,0 +1,33 @@
+// The services as a host's own: this program's qor_serv_* stand in front of those of qor_core, so
+// that a test can make an allocation fail, count blocks and read what was printed.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace qor::test {
+
+struct PrintedMessage {
+  int level, number, count;
+};
+
+// While one of these lives, the allocation with this number (counted from 0, on any thread) and all
+// that follow it fail; a number below 0 lets all pass.
+class FailingAllocations {
+ public:
+  explicit FailingAllocations(long first_failing);
+  ~FailingAllocations();
+  FailingAllocations(const FailingAllocations&) = delete;
+  FailingAllocations& operator=(const FailingAllocations&) = delete;
+
+  // Allocations asked for since the construction.
+  long asked() const;
+};
+
+// Blocks of qor_serv_allocate that live now.
+long live_blocks();
+
+// Messages printed since the last call.
+std::vector<PrintedMessage> take_printed_messages();
+
+}  // namespace qor::test
