@@ -9,9 +9,7 @@
 namespace qor::frame {
 namespace {
 
-[[gnu::constructor]] void on_load() {
-  library_entry(nullptr, Notice::process_attach, nullptr);
-}
+[[gnu::constructor]] void on_load() { library_entry(nullptr, Notice::process_attach, nullptr); }
 
 // At the end of the process other threads may be inside a kernel: a non-null argument frees
 // nothing.

@@ -5,27 +5,17 @@
 
 using namespace qor::frame;
 
-uint32_t qor_ark_kernel_GetMode() {
-  return mode();
-}
-uint32_t qor_ark_kernel_SetMode(uint32_t newMode) {
-  return merge_mode(thread_state(), newMode);
-}
+uint32_t qor_ark_kernel_GetMode() { return mode(); }
+uint32_t qor_ark_kernel_SetMode(uint32_t newMode) { return merge_mode(thread_state(), newMode); }
 
 int32_t qor_ark_kernel_GetTTableIndexM(uint32_t /*ignored*/, uint32_t mode) {
   return static_cast<int32_t>(mode & QOR_MODE_ACCURACY) - 1;
 }
-int32_t qor_ark_kernel_GetTTableIndex() {
-  return qor_ark_kernel_GetTTableIndexM(0, mode());
-}
+int32_t qor_ark_kernel_GetTTableIndex() { return qor_ark_kernel_GetTTableIndexM(0, mode()); }
 
-int32_t dll_cpu_version() {
-  return 2;
-}
+int32_t dll_cpu_version() { return 2; }
 
-int32_t qor_ark_kernel_GetErrStatus() {
-  return thread_state().errStatus;
-}
+int32_t qor_ark_kernel_GetErrStatus() { return thread_state().errStatus; }
 
 int32_t qor_ark_kernel_SetErrStatus(int32_t status) {
   ThreadState& state = thread_state();
@@ -34,13 +24,9 @@ int32_t qor_ark_kernel_SetErrStatus(int32_t status) {
   return old;
 }
 
-int32_t qor_ark_kernel_ClearErrStatus() {
-  return qor_ark_kernel_SetErrStatus(QOR_ERROR_NONE);
-}
+int32_t qor_ark_kernel_ClearErrStatus() { return qor_ark_kernel_SetErrStatus(QOR_ERROR_NONE); }
 
-qor_error_callback qor_ark_kernel_GetErrorCallBack() {
-  return thread_state().errCallback;
-}
+qor_error_callback qor_ark_kernel_GetErrorCallBack() { return thread_state().errCallback; }
 
 qor_error_callback qor_ark_kernel_SetErrorCallBack(qor_error_callback callback) {
   constexpr uint32_t kBit = QOR_MODE_ERRORS_CALLBACK;
@@ -60,30 +46,16 @@ const void* qor_ark_kernel_SetInterfInputVectorPointer(const void* pointer) {
   return thread_state().interfInputVector = pointer;
 }
 
-uint32_t _arkGetMode() {
-  return qor_ark_kernel_GetMode();
-}
-uint32_t _arkSetMode(uint32_t newMode) {
-  return qor_ark_kernel_SetMode(newMode);
-}
-int32_t _arkGetErrStatus() {
-  return qor_ark_kernel_GetErrStatus();
-}
-int32_t _arkSetErrStatus(int32_t status) {
-  return qor_ark_kernel_SetErrStatus(status);
-}
-int32_t _arkClearErrStatus() {
-  return qor_ark_kernel_ClearErrStatus();
-}
-qor_error_callback _arkGetErrorCallBack() {
-  return qor_ark_kernel_GetErrorCallBack();
-}
+uint32_t _arkGetMode() { return qor_ark_kernel_GetMode(); }
+uint32_t _arkSetMode(uint32_t newMode) { return qor_ark_kernel_SetMode(newMode); }
+int32_t _arkGetErrStatus() { return qor_ark_kernel_GetErrStatus(); }
+int32_t _arkSetErrStatus(int32_t status) { return qor_ark_kernel_SetErrStatus(status); }
+int32_t _arkClearErrStatus() { return qor_ark_kernel_ClearErrStatus(); }
+qor_error_callback _arkGetErrorCallBack() { return qor_ark_kernel_GetErrorCallBack(); }
 qor_error_callback _arkSetErrorCallBack(qor_error_callback callback) {
   return qor_ark_kernel_SetErrorCallBack(callback);
 }
-qor_error_callback _arkClearErrorCallBack() {
-  return qor_ark_kernel_ClearErrorCallBack();
-}
+qor_error_callback _arkClearErrorCallBack() { return qor_ark_kernel_ClearErrorCallBack(); }
 const void* _arkSetInterfInputVectorPointer(const void* pointer) {
   return qor_ark_kernel_SetInterfInputVectorPointer(pointer);
 }

@@ -53,9 +53,7 @@ const Keyword* keyword_at(const char* text, int position) {
 
 constexpr int kNameLength = 12;
 
-constexpr char mask(int i) {
-  return static_cast<char>((2 * i) % 5 + 1);
-}
+constexpr char mask(int i) { return static_cast<char>((2 * i) % 5 + 1); }
 
 // The variable's name, which the library does not hold in plain.
 consteval std::array<char, kNameLength + 1> scrambled(const char (&name)[kNameLength + 1]) {

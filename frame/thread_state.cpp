@@ -25,9 +25,7 @@ std::atomic<PrivateHeap*> heap{nullptr};
 int32_t slot_lock = 0;
 int32_t heap_lock = 0;
 
-void print_no_state() {
-  qor_serv_print(1, kMessageNoState, 0);
-}
+void print_no_state() { qor_serv_print(1, kMessageNoState, 0); }
 
 void free_block_at_thread_end(void* block) {
   PrivateHeap* owner = heap.load(std::memory_order_acquire);

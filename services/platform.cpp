@@ -11,9 +11,7 @@ ThreadSlot create_thread_slot(void (*at_thread_end)(void* value)) {
   return pthread_key_create(&slot, at_thread_end) == 0 ? slot : no_thread_slot;
 }
 
-void delete_thread_slot(ThreadSlot slot) {
-  pthread_key_delete(slot);
-}
+void delete_thread_slot(ThreadSlot slot) { pthread_key_delete(slot); }
 
 bool set_thread_slot_value(ThreadSlot slot, void* value) {
   return pthread_setspecific(slot, value) == 0;

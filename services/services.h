@@ -33,9 +33,7 @@ inline constexpr ThreadSlot no_thread_slot = ~ThreadSlot{0};
 // no_thread_slot.
 ThreadSlot create_thread_slot(void (*at_thread_end)(void* value));
 void delete_thread_slot(ThreadSlot slot);
-inline void* thread_slot_value(ThreadSlot slot) {
-  return pthread_getspecific(slot);
-}
+inline void* thread_slot_value(ThreadSlot slot) { return pthread_getspecific(slot); }
 bool set_thread_slot_value(ThreadSlot slot, void* value);
 
 // A private heap: zeroed blocks of its own, all of which go when the heap goes. Any thread.

@@ -13,7 +13,9 @@
 #define QOR_VECTOR_MATH_ROWS_H
 
 /* clang-format off */
-#define QOR_FUNCTION_ROWS(X)
+#define QOR_FUNCTION_ROWS(X) \
+  X(s, Exp,    unary, A, A, A, 15.62, 15.62, 15.62) \
+  X(d, Exp,    unary, A, A, A, 1.0, 1.0, 1.0)
 
 /* X(t, name, shape, kernel type, cost): the kernel may be that of another type of the same size. */
 #define QOR_PACK_ROWS(X)

@@ -46,13 +46,9 @@ std::atomic<int> process_ending{0};
 
 }  // namespace
 
-int qor_serv_process_ending() {
-  return process_ending.load(std::memory_order_relaxed);
-}
+int qor_serv_process_ending() { return process_ending.load(std::memory_order_relaxed); }
 
-void qor_serv_exit(int status) {
-  std::exit(status);
-}
+void qor_serv_exit(int status) { std::exit(status); }
 
 int qor_serv_cpu_feature_test(int feature) {
   __builtin_cpu_init();

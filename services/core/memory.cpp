@@ -10,9 +10,7 @@ namespace {
 constexpr int kInvalidArgument = 22;
 constexpr int kOutOfRange = 34;
 
-bool power_of_two(size_t value) {
-  return value != 0 && (value & (value - 1)) == 0;
-}
+bool power_of_two(size_t value) { return value != 0 && (value & (value - 1)) == 0; }
 
 }  // namespace
 
@@ -23,9 +21,7 @@ void* qor_serv_allocate(size_t size, size_t alignment) {
   return posix_memalign(&block, alignment, size == 0 ? 1 : size) == 0 ? block : nullptr;
 }
 
-void qor_serv_deallocate(void* block) {
-  std::free(block);
-}
+void qor_serv_deallocate(void* block) { std::free(block); }
 
 int qor_serv_memcpy_s(void* destination, size_t destination_size, const void* source,
                       size_t count) {

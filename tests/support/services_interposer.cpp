@@ -31,16 +31,10 @@ FailingAllocations::FailingAllocations(long first_failing) {
   asked_allocations = 0;
   first_failing_allocation = first_failing;
 }
-FailingAllocations::~FailingAllocations() {
-  first_failing_allocation = kNever;
-}
-long FailingAllocations::asked() const {
-  return asked_allocations;
-}
+FailingAllocations::~FailingAllocations() { first_failing_allocation = kNever; }
+long FailingAllocations::asked() const { return asked_allocations; }
 
-long live_blocks() {
-  return blocks;
-}
+long live_blocks() { return blocks; }
 
 std::vector<PrintedMessage> take_printed_messages() {
   std::lock_guard guard(messages_mutex);
