@@ -87,6 +87,10 @@ QOR_API int32_t qor_ark_kernel_GetTTableIndexM(uint32_t ignored, uint32_t mode);
 /* Always 2. */
 QOR_API int32_t dll_cpu_version(void);
 
+/* The rows are weak to a program (see api.h), which alone would not make a linker keep the library
+   for a program that uses nothing but rows. */
+__asm__(".globl dll_cpu_version");
+
 /* ---- Errors --------------------------------------------------------------------------------- */
 
 enum {
