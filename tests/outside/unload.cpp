@@ -52,7 +52,7 @@ void unload_under_a_thread(const char* path) {
 }
 
 // Leaves a thread at work; the process may now end.
-void end_inside_a_kernel(const char* path) {
+[[maybe_unused]] void end_inside_a_kernel(const char* path) {
   Exp exp = nullptr;
   load(path, exp);
   static std::atomic<bool> running{false};
