@@ -1,18 +1,9 @@
-/* What every public header needs: the mark of an exported name. */
+/* What every public header needs: the mark of an exported name.
+   Exported data carries it too. A program that is not compiled with -fPIC may get its own copy of
+   exported data from the linker, made when the program starts; the library uses the original. */
 #ifndef QOR_API_H
 #define QOR_API_H
 
 #define QOR_API __attribute__((visibility("default")))
-
-/* Exported data: callers reach it where it lies in the library, never through a copy of their own.
- */
-#if defined(__has_attribute)
-#if __has_attribute(nodirect_extern_access)
-#define QOR_API_DATA QOR_API __attribute__((nodirect_extern_access))
-#endif
-#endif
-#ifndef QOR_API_DATA
-#define QOR_API_DATA QOR_API
-#endif
 
 #endif
