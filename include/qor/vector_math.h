@@ -190,13 +190,8 @@ QOR_API const void* qor_ark_kernel_SetInterfInputVectorPointer(const void* point
 #define QOR_ENTRIES_c(f, P) QOR_ENTRIES_s(f, P)
 #define QOR_ENTRIES_z(f, P) QOR_ENTRIES_d(f, P)
 #define QOR_ROW(t, f, P) \
-<<<<<<< HEAD
   extern QOR_API_DATA __attribute__((aligned(sizeof(void *)))) void (*qor_ark_kernel_##f##_ttab[3]) P; \
   extern QOR_API_DATA float qor_ark_kernel_##f##_ctab[3]; \
-=======
-  extern QOR_API void (*qor_ark_kernel_##f##_ttab[3]) P; \
-  extern QOR_API float qor_ark_kernel_##f##_ctab[3]; \
->>>>>>> cli
   QOR_ENTRIES_##t(f, P)
 /* clang-format on */
 
