@@ -287,6 +287,47 @@ inline Two<f64> gather_rows<double>(const Row<double>* table, i64 index) {
 }
 #endif
 
+// Whether lookup16 reads from registers.
+#if QOR_LANES_512
+inline constexpr bool has_register_tables = true;
+#else
+inline constexpr bool has_register_tables = false;
+#endif
+
+// Elements of a table of 16, by the low four bits of the index.
+inline f64 lookup16(const double* table, i64 index) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(_mm512_permutex2var_pd(
+      _mm512_loadu_pd(table), std::bit_cast<__m512i>(index), _mm512_loadu_pd(table + 8)));
+#else
+  return gather(table, index & 15);
+#endif
+}
+
+// ---- Parts of a number ----------------------------------------------------------------------
+
+// floor(log2 x), for normal x > 0.
+inline f64 exponent(f64 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(_mm512_maskz_getexp_pd(0xFF, std::bit_cast<__m512d>(x)));
+#else
+  constexpr double shifter = 0x1p+52;
+  const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
+  return from_image(biased | std::bit_cast<int64_t>(shifter)) - (shifter + 1023);
+#endif
+}
+
+// x times a power of 2, in [0.75, 1.5), for normal x > 0.
+inline f64 mantissa_around_one(f64 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(_mm512_maskz_getmant_pd(0xFF, std::bit_cast<__m512d>(x),
+                                                    _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero));
+#else
+  const f64 m = from_image((image(x) & 0xFFFFFFFFFFFFF) | 0x3FF0000000000000);
+  return m < 1.5 ? m : m * 0.5;
+#endif
+}
+
 // ---- Loads and stores -----------------------------------------------------------------------
 
 template <class T>
