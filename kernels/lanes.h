@@ -348,6 +348,30 @@ inline f64 look_up(const double (&table)[16], i64 index) {
 #endif
 }
 
+// ---- Parts of a number ----------------------------------------------------------------------
+
+// floor(log2 x), for normal x > 0.
+inline f64 exponent(f64 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(_mm512_maskz_getexp_pd(0xFF, std::bit_cast<__m512d>(x)));
+#else
+  constexpr double shifter = 0x1p+52;
+  const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
+  return from_image(biased | std::bit_cast<int64_t>(shifter)) - (shifter + 1023);
+#endif
+}
+
+// x times a power of 2, in [0.75, 1.5), for normal x > 0.
+inline f64 mantissa_around_one(f64 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(_mm512_maskz_getmant_pd(0xFF, std::bit_cast<__m512d>(x),
+                                                    _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero));
+#else
+  const f64 m = from_image((image(x) & 0xFFFFFFFFFFFFF) | 0x3FF0000000000000);
+  return m < 1.5 ? m : m * 0.5;
+#endif
+}
+
 // ---- Loads and stores -----------------------------------------------------------------------
 
 template <class T>
