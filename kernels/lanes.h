@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 namespace qor::lanes {
@@ -88,6 +89,16 @@ inline typename Lanes<T>::V all(T x) {
 inline f32 abs(f32 x) { return from_image(image(x) & 0x7FFFFFFF); }
 inline f64 abs(f64 x) { return from_image(image(x) & 0x7FFFFFFFFFFFFFFF); }
 
+// The sign bit alone, and a magnitude (or any value without a sign) with that of `sign`.
+inline i32 sign_bit(f32 x) { return image(x) & std::numeric_limits<int32_t>::min(); }
+inline i64 sign_bit(f64 x) { return image(x) & std::numeric_limits<int64_t>::min(); }
+inline f32 with_sign(f32 magnitude, f32 sign) {
+  return from_image(image(magnitude) | sign_bit(sign));
+}
+inline f64 with_sign(f64 magnitude, f64 sign) {
+  return from_image(image(magnitude) | sign_bit(sign));
+}
+
 // ---- Masks ----------------------------------------------------------------------------------
 
 // The lane mask as bits, bit i for lane i.
@@ -150,6 +161,55 @@ inline Doubt<double> high_word_above(i64 left, int32_t right) {
 #else
   // There is no 64-bit compare at the lowest level, and none is needed: the high word decides.
   return {std::bit_cast<Lanes<double>::M>(std::bit_cast<i32>(left) > right)};
+#endif
+}
+
+// Magnitudes whose image (of a double the high word) is not within first to last.
+inline Doubt<float> magnitude_outside(f32 x, int32_t first, int32_t last) {
+  constexpr uint32_t sign = 0x80000000;  // turns the signed compare into an unsigned one
+  const u32 moved = std::bit_cast<u32>(abs(x)) + (sign - static_cast<uint32_t>(first));
+  return above(std::bit_cast<i32>(moved),
+               static_cast<int32_t>(sign + static_cast<uint32_t>(last - first)));
+}
+inline Doubt<double> magnitude_outside(f64 x, int32_t first, int32_t last) {
+  constexpr uint32_t sign = 0x80000000;
+  const uint64_t move = static_cast<uint64_t>(sign - static_cast<uint32_t>(first)) << 32;
+  const i64 moved = std::bit_cast<i64>(std::bit_cast<u64>(abs(x)) + move);
+  return high_word_above(moved, static_cast<int32_t>(sign + static_cast<uint32_t>(last - first)));
+}
+
+// Infinities and NaN.
+inline Doubt<float> not_finite(f32 x) { return above(image(abs(x)), 0x7F7FFFFF); }
+inline Doubt<double> not_finite(f64 x) { return high_word_above(image(abs(x)), 0x7FEFFFFF); }
+
+// Lanes with x equal to y; a quiet NaN is equal to nothing and raises nothing.
+inline Doubt<float> equal(f32 x, f32 y) {
+#if QOR_LANES_512
+  return {_mm512_cmp_ps_mask(std::bit_cast<__m512>(x), std::bit_cast<__m512>(y), _CMP_EQ_OQ)};
+#else
+  return {x == y};
+#endif
+}
+inline Doubt<double> equal(f64 x, f64 y) {
+#if QOR_LANES_512
+  return {_mm512_cmp_pd_mask(std::bit_cast<__m512d>(x), std::bit_cast<__m512d>(y), _CMP_EQ_OQ)};
+#else
+  return {x == y};
+#endif
+}
+
+// Whole-lane mask of the magnitudes at or above a power of two, infinity and NaN included; raises
+// no flag.
+inline Lanes<float>::M magnitude_from(f32 magnitude, float power) {
+  return image(magnitude) > std::bit_cast<int32_t>(power) - 1;
+}
+inline Lanes<double>::M magnitude_from(f64 magnitude, double power) {
+#if QOR_LANES_512 || QOR_LANES_256
+  return image(magnitude) > std::bit_cast<int64_t>(power) - 1;
+#else
+  const auto high = static_cast<int32_t>(std::bit_cast<int64_t>(power) >> 32);
+  const i32 words = std::bit_cast<i32>(magnitude) > high - 1;
+  return std::bit_cast<i64>(_mm_shuffle_epi32(std::bit_cast<__m128i>(words), 0xF5));
 #endif
 }
 
@@ -233,6 +293,129 @@ inline f64 sqrt(f64 x) {
   return std::bit_cast<f64>(_mm_sqrt_pd(std::bit_cast<__m128d>(x)));
 #endif
 }
+
+// a + b and a * b with the operands in this order, so that of two NaN the first is the result
+// wherever the element stands: the compiler is free to swap the operands of + and *.
+inline f32 ordered_sum(f32 a, f32 b) {
+#if QOR_LANES_512
+  asm("vaddps %1, %0, %0" : "+v"(a) : "v"(b));
+#elif QOR_LANES_256
+  asm("vaddps %1, %0, %0" : "+x"(a) : "x"(b));
+#else
+  asm("addps %1, %0" : "+x"(a) : "x"(b));
+#endif
+  return a;
+}
+inline f64 ordered_sum(f64 a, f64 b) {
+#if QOR_LANES_512
+  asm("vaddpd %1, %0, %0" : "+v"(a) : "v"(b));
+#elif QOR_LANES_256
+  asm("vaddpd %1, %0, %0" : "+x"(a) : "x"(b));
+#else
+  asm("addpd %1, %0" : "+x"(a) : "x"(b));
+#endif
+  return a;
+}
+inline f32 ordered_product(f32 a, f32 b) {
+#if QOR_LANES_512
+  asm("vmulps %1, %0, %0" : "+v"(a) : "v"(b));
+#elif QOR_LANES_256
+  asm("vmulps %1, %0, %0" : "+x"(a) : "x"(b));
+#else
+  asm("mulps %1, %0" : "+x"(a) : "x"(b));
+#endif
+  return a;
+}
+inline f64 ordered_product(f64 a, f64 b) {
+#if QOR_LANES_512
+  asm("vmulpd %1, %0, %0" : "+v"(a) : "v"(b));
+#elif QOR_LANES_256
+  asm("vmulpd %1, %0, %0" : "+x"(a) : "x"(b));
+#else
+  asm("mulpd %1, %0" : "+x"(a) : "x"(b));
+#endif
+  return a;
+}
+
+// The processor's maximum and minimum: of equal operands (zeros of either sign) the second. (The
+// masked forms at 512 bits are the same instruction; g++ 12 warns in its own header at the others.)
+inline f32 maximum(f32 a, f32 b) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(
+      _mm512_maskz_max_ps(0xFFFF, std::bit_cast<__m512>(a), std::bit_cast<__m512>(b)));
+#elif QOR_LANES_256
+  return std::bit_cast<f32>(_mm256_max_ps(std::bit_cast<__m256>(a), std::bit_cast<__m256>(b)));
+#else
+  return std::bit_cast<f32>(_mm_max_ps(std::bit_cast<__m128>(a), std::bit_cast<__m128>(b)));
+#endif
+}
+inline f64 maximum(f64 a, f64 b) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(
+      _mm512_maskz_max_pd(0xFF, std::bit_cast<__m512d>(a), std::bit_cast<__m512d>(b)));
+#elif QOR_LANES_256
+  return std::bit_cast<f64>(_mm256_max_pd(std::bit_cast<__m256d>(a), std::bit_cast<__m256d>(b)));
+#else
+  return std::bit_cast<f64>(_mm_max_pd(std::bit_cast<__m128d>(a), std::bit_cast<__m128d>(b)));
+#endif
+}
+inline f32 minimum(f32 a, f32 b) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(
+      _mm512_maskz_min_ps(0xFFFF, std::bit_cast<__m512>(a), std::bit_cast<__m512>(b)));
+#elif QOR_LANES_256
+  return std::bit_cast<f32>(_mm256_min_ps(std::bit_cast<__m256>(a), std::bit_cast<__m256>(b)));
+#else
+  return std::bit_cast<f32>(_mm_min_ps(std::bit_cast<__m128>(a), std::bit_cast<__m128>(b)));
+#endif
+}
+inline f64 minimum(f64 a, f64 b) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(
+      _mm512_maskz_min_pd(0xFF, std::bit_cast<__m512d>(a), std::bit_cast<__m512d>(b)));
+#elif QOR_LANES_256
+  return std::bit_cast<f64>(_mm256_min_pd(std::bit_cast<__m256d>(a), std::bit_cast<__m256d>(b)));
+#else
+  return std::bit_cast<f64>(_mm_min_pd(std::bit_cast<__m128d>(a), std::bit_cast<__m128d>(b)));
+#endif
+}
+
+// To an integer in the direction given, by one instruction, where the level has it: the sign stays,
+// NaN is quieted, the inexact flag says that the value changed.
+enum class Direction {
+  nearest = _MM_FROUND_TO_NEAREST_INT,
+  down = _MM_FROUND_TO_NEG_INF,
+  up = _MM_FROUND_TO_POS_INF,
+  to_zero = _MM_FROUND_TO_ZERO
+};
+#if QOR_LANES_512
+inline constexpr bool has_round = true;
+template <Direction direction>
+inline f32 round_to(f32 x) {
+  return std::bit_cast<f32>(
+      _mm512_maskz_roundscale_ps(0xFFFF, std::bit_cast<__m512>(x), static_cast<int>(direction)));
+}
+template <Direction direction>
+inline f64 round_to(f64 x) {
+  return std::bit_cast<f64>(
+      _mm512_maskz_roundscale_pd(0xFF, std::bit_cast<__m512d>(x), static_cast<int>(direction)));
+}
+#elif QOR_LANES_256
+inline constexpr bool has_round = true;
+template <Direction direction>
+inline f32 round_to(f32 x) {
+  return std::bit_cast<f32>(_mm256_round_ps(std::bit_cast<__m256>(x), static_cast<int>(direction)));
+}
+template <Direction direction>
+inline f64 round_to(f64 x) {
+  return std::bit_cast<f64>(
+      _mm256_round_pd(std::bit_cast<__m256d>(x), static_cast<int>(direction)));
+}
+#else
+inline constexpr bool has_round = false;
+template <Direction direction, class V>
+V round_to(V x);  // never asked for
+#endif
 
 // An estimate of 1 / x, relative error below 1.5 * 2^-12 (the same instruction family at all
 // levels, not the same bits).
