@@ -14,8 +14,22 @@
 
 /* clang-format off */
 #define QOR_FUNCTION_ROWS(X) \
+  X(s, Sqrt,   unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(s, InvSqrt, unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Cbrt,   unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(s, InvCbrt, unary, A, A, A, 1.0, 1.0, 1.0) \
   X(s, Exp,    unary, A, A, A, 15.62, 15.62, 15.62) \
-  X(d, Exp,    unary, A, A, A, 1.0, 1.0, 1.0)
+  X(s, Pow3o2, unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Pow2o3, unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Sqrt,   unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, InvSqrt, unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Cbrt,   unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, InvCbrt, unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Exp,    unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Pow3o2, unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Pow2o3, unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Hypot,  binary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Hypot,  binary, A, A, A, 1.0, 1.0, 1.0)
 
 /* X(t, name, shape, kernel type, cost): the kernel may be that of another type of the same size. */
 #define QOR_PACK_ROWS(X)
