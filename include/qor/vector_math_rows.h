@@ -23,11 +23,17 @@
   X(s, Trunc,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Abs,        unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Inv,        unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Sqrt,       unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(s, InvSqrt,    unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Cbrt,       unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(s, InvCbrt,    unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Exp,        unary,           A, A, A, 15.62, 15.62, 15.62) \
   X(s, Ln,         unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Log10,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Sqr,        unary,           A, A, A, 1111.0, 1111.0, 1111.0) \
   X(s, Log1p,      unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Pow3o2,     unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Pow2o3,     unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Log2,       unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(s, Logb,       unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(d, Ceil,       unary,           A, A, A, 1.0, 1.0, 1.0) \
@@ -39,14 +45,21 @@
   X(d, Trunc,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Abs,        unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Inv,        unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Sqrt,       unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(d, InvSqrt,    unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Cbrt,       unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(d, InvCbrt,    unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Exp,        unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Ln,         unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Log10,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Sqr,        unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Log1p,      unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Pow3o2,     unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Pow2o3,     unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Log2,       unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(d, Logb,       unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(s, Div,        binary,          A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Hypot,      binary,          A, A, A, 1.0, 1.0, 1.0) \
   X(s, Add,        binary,          A, A, A, 0.79, 0.79, 0.79) \
   X(s, Sub,        binary,          A, A, A, 0.79, 0.79, 0.79) \
   X(s, Mul,        binary,          A, A, A, 0.79, 0.79, 0.79) \
@@ -60,6 +73,7 @@
   X(s, Remainder,  binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(s, Fmod,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, Div,        binary,          A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Hypot,      binary,          A, A, A, 1.0, 1.0, 1.0) \
   X(d, Add,        binary,          A, A, A, 1.85, 1.85, 1.85) \
   X(d, Sub,        binary,          A, A, A, 1.0, 1.0, 1.0) \
   X(d, Mul,        binary,          A, A, A, 1.0, 1.0, 1.0) \
