@@ -1,6 +1,6 @@
 /* What every public header needs: the mark of an exported name.
    Exported data carries it too. A program that is not compiled with -fPIC may get its own copy of
-   exported data from the linker, made when the program starts; the library uses the original. */
+   exported data from the linker; the library then works with that copy. */
 #ifndef QOR_API_H
 #define QOR_API_H
 
