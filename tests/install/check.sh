@@ -98,7 +98,7 @@ check_names() {
     for name in "_ark$function$la" "_ark$function$ep"; do
       [[ -n ${at[$name]-} ]] || fail "no entry $name in $file"
     done
-  done < <("$CC" -E -P -I"$prefix/include" "$QOR_SOURCES/tests/install/names.h" | tr -d '\n' |
+  done < <("$CC" -E -P -x c -I"$prefix/include" "$QOR_SOURCES/tests/install/names.in" | tr -d '\n' |
     tr '@' '\n' && echo)
   echo "$((offset / 40)) rows in their places in $file"
 }
