@@ -35,8 +35,10 @@ install_packages() {
   echo "installing with apt-get, $why: ${missing[*]}"
   if [[ ${missing[*]} == *:i386* ]] && ! dpkg --print-foreign-architectures | grep -qx i386; then
     as_root dpkg --add-architecture i386
+    lists_read=
   fi
-  stage "package lists" as_root apt-get update
+  [[ -n ${lists_read-} ]] || stage "package lists" as_root apt-get update
+  lists_read=yes
   stage "packages" as_root env DEBIAN_FRONTEND=noninteractive \
     apt-get install -y --no-install-recommends "${missing[@]}"
 }

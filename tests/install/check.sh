@@ -41,7 +41,7 @@ check_files() {
 }
 
 check_cmake_project() {
-  "$CMAKE" -S "$QOR_SOURCES/tests/install/consumer" -B "$work/consumer" \
+  "$CMAKE" -G Ninja -S "$QOR_SOURCES/tests/install/consumer" -B "$work/consumer" \
     -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX" \
     >"$work/cmake.log" || fail "find_package: $(cat "$work/cmake.log")"
   "$CMAKE" --build "$work/consumer" >"$work/build.log" 2>&1 || fail "$(cat "$work/build.log")"
