@@ -10,8 +10,8 @@
 //   Doubt<Real> care(V x) const               lanes that the vector path cannot do, from the input
 //   Outcome<Real> scalar(Real x) const        such a lane: correctly signalled value, and a code
 //
-// and, where they differ from the usual: environment, strided_environment, registers (of a block),
-// settle (see settle_lanes). A function without `care` has no side path.
+// and, where they differ from the usual: environment, strided_environment, settle (see
+// settle_lanes). A function without `care` has no side path.
 #pragma once
 
 #include <bit>
@@ -47,7 +47,6 @@ struct Function {
   using Doubt = lanes::Doubt<T>;
   static constexpr int inputs = input_count;
   static constexpr int outputs = output_count;
-  static constexpr int registers = 1;
   static constexpr T filler = static_cast<T>(0.75);
   static constexpr Environment environment{};
   static constexpr Environment strided_environment{};
@@ -247,19 +246,34 @@ template <class F, class Vectors>
   return results.block();
 }
 
-// The outputs of a block, whatever its lanes need.
-template <class F, class Vectors>
-inline Outputs<F> run_block(const F& f, const Vectors& vectors, int64_t i, const Inputs<F>& x,
-                            uint32_t mode) {
+// ---- Lane loop ------------------------------------------------------------------------------
+
+// Lanes of a block that need care, as bits.
+template <class F>
+inline uint32_t careful_lanes(const F& f, const Inputs<F>& x) {
   if constexpr (has_side_path<F>) {
-    const uint32_t careful = lanes::bits(care(f, x));
-    if (careful != 0) [[unlikely]]
-      return careful_block(f, vectors, i, x, careful, mode);
+    return lanes::bits(care(f, x));
+  } else {
+    return 0;
   }
-  return compute(f, x);
 }
 
-// ---- Lane loop ------------------------------------------------------------------------------
+// Runs whole blocks from element i on, up to one with a lane that needs care; returns where it
+// stopped. A function of its own without any call in its loop, so that constants stay in registers
+// (no vector register survives a call).
+template <class F, class Vectors>
+[[gnu::noinline]] int64_t run_calm_blocks(const F f, const Vectors vectors, int64_t i, int64_t n) {
+  constexpr int width = lanes::Lanes<typename F::Real>::count;
+  for (; i + width <= n; i += width) {
+    Inputs<F> x;
+    for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i);
+    if (careful_lanes(f, x) != 0) [[unlikely]]
+      return i;
+    const Outputs<F> y = compute(f, x);
+    for (int k = 0; k < F::outputs; ++k) vectors.store(k, i, y.at[k]);
+  }
+  return i;
+}
 
 // Never inlined: its arithmetic stays between the environment's steps.
 template <class F, class Vectors>
@@ -267,16 +281,27 @@ template <class F, class Vectors>
   constexpr int width = lanes::Lanes<typename F::Real>::count;
   int64_t i = 0;
   for (; i + width <= n; i += width) {
-    Inputs<F> x;
-    for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i);
-    const Outputs<F> y = run_block(f, vectors, i, x, mode);
-    for (int k = 0; k < F::outputs; ++k) vectors.store(k, i, y.at[k]);
+    i = run_calm_blocks<F, Vectors>(f, vectors, i, n);
+    if (i + width > n) break;
+    if constexpr (has_side_path<F>) {
+      Inputs<F> x;
+      for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i);
+      const Outputs<F> y = careful_block(f, vectors, i, x, careful_lanes(f, x), mode);
+      for (int k = 0; k < F::outputs; ++k) vectors.store(k, i, y.at[k]);
+    }
   }
   if (i >= n) return;
   const int left = static_cast<int>(n - i);
   Inputs<F> x;
   for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load_first(k, i, left);
-  const Outputs<F> y = run_block(f, vectors, i, x, mode);
+  const uint32_t careful = careful_lanes(f, x);
+  const Outputs<F> y = [&] {
+    if constexpr (has_side_path<F>) {
+      if (careful != 0) [[unlikely]]
+        return careful_block(f, vectors, i, x, careful, mode);
+    }
+    return compute(f, x);
+  }();
   for (int k = 0; k < F::outputs; ++k) vectors.store_first(k, i, left, y.at[k]);
 }
 
