@@ -1,0 +1,31 @@
+// The two storages of function values: element j of function f.
+#pragma once
+
+#include <cstdint>
+
+#include "fitting/task.h"
+
+namespace qor::fitting {
+
+// An array for each function.
+template <class Real>
+struct SeparateValues {
+  const Real* values;
+
+  SeparateValues(const DFTask& task, int64_t function)
+      : values(static_cast<const Real*>(task.y[function])) {}
+  Real operator[](int64_t j) const { return values[j]; }
+};
+
+// One array for all functions, element after element.
+template <class Real>
+struct InterleavedValues {
+  const Real* values;
+  int64_t functions;
+
+  InterleavedValues(const DFTask& task, int64_t function)
+      : values(static_cast<const Real*>(task.y[0]) + function), functions(task.ny) {}
+  Real operator[](int64_t j) const { return values[j * functions]; }
+};
+
+}  // namespace qor::fitting
