@@ -17,6 +17,19 @@ struct SeparateValues {
   Real operator[](int64_t j) const { return values[j]; }
 };
 
+// Either storage, for where its cost does not matter.
+template <class Real>
+struct StridedValues {
+  const Real* values;
+  int64_t stride;
+
+  StridedValues(const DFTask& task, int64_t function)
+      : values(task.yhint == QOR_DF_INTERLEAVED ? static_cast<const Real*>(task.y[0]) + function
+                                                : static_cast<const Real*>(task.y[function])),
+        stride(task.yhint == QOR_DF_INTERLEAVED ? task.ny : 1) {}
+  Real operator[](int64_t j) const { return values[j * stride]; }
+};
+
 // One array for all functions, element after element.
 template <class Real>
 struct InterleavedValues {

@@ -12,9 +12,8 @@
 // so that no pivoting is needed. The end conditions give t[0] and t[n] in terms of their neighbours
 // and are put in; a periodic spline, t[0] = t[n], leads to a cyclic system of n rows.
 
-#include "fitting/quadratic.h"
-
 #include "fitting/construction.h"
+#include "fitting/quadratic.h"
 #include "fitting/scratch.h"
 #include "fitting/tridiagonal.h"
 
