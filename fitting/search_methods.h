@@ -108,6 +108,7 @@ void search_sorted(int64_t nx, const Real* x, int64_t nsite, const Real* site, i
     const Real above = x[c];
     while (i + 1 < nsite && site[i + 1] < above && site[i + 1] >= first) cell[++i] = c;
   }
+  *last_cell = c;
 }
 
 // The cell that bisection down to a window of `width`, every comparison being false, leaves.

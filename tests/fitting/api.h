@@ -110,7 +110,7 @@ class Task {
 
   struct Sites {
     int64_t type = 0, hint = 0;
-    std::vector<int64_t> derivatives;
+    std::vector<int64_t> derivatives = {};
     const Real* data_hint = nullptr;
     int64_t layout = 0;
     int32_t* cell = nullptr;
