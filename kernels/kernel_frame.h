@@ -6,12 +6,14 @@
 //   static constexpr int inputs, outputs;     1 or 2 each
 //   static constexpr const char* name;        reported name; strided_name where that differs
 //   static constexpr Real filler;             an argument of the fast path, for lanes not in use
-//   V core(V x) const                         the vector path, no branch (Two<V> for two outputs)
+//   V core(V x) const                         the vector path, no branch (Two<V> for two outputs,
+//                                             Provisional<Real> when it finds doubtful lanes
+//                                             itself)
 //   Doubt<Real> care(V x) const               lanes that the vector path cannot do, from the input
 //   Outcome<Real> scalar(Real x) const        such a lane: correctly signalled value, and a code
 //
-// and, where they differ from the usual: environment, strided_environment, registers (of a block),
-// settle (see settle_lanes). A function without `care` has no side path.
+// and, where they differ from the usual: environment, strided_environment, settle (see
+// settle_lanes). A function without `care` has no side path.
 #pragma once
 
 #include <bit>
@@ -36,6 +38,14 @@ struct TwoOutcomes {
   int32_t code = QOR_ERROR_NONE;
 };
 
+// What a core answers that finds out on its way which lanes it cannot do, from an intermediate
+// value that the input decides. Such lanes must raise no flag of their own.
+template <class T>
+struct Provisional {
+  typename lanes::Lanes<T>::V value;
+  lanes::Doubt<T> doubt;
+};
+
 // Constants that most functions share; a function's struct takes them from here and hides what it
 // has otherwise.
 template <class T, int input_count, int output_count>
@@ -47,7 +57,6 @@ struct Function {
   using Doubt = lanes::Doubt<T>;
   static constexpr int inputs = input_count;
   static constexpr int outputs = output_count;
-  static constexpr int registers = 1;
   static constexpr T filler = static_cast<T>(0.75);
   static constexpr Environment environment{};
   static constexpr Environment strided_environment{};
@@ -138,8 +147,15 @@ struct Strided {
 
 // ---- Arity ----------------------------------------------------------------------------------
 
+// A block's results, and the lanes that its core could not do, as bits.
 template <class F>
-inline Outputs<F> compute(const F& f, const Inputs<F>& x) {
+struct Computed {
+  Outputs<F> y;
+  uint32_t careful = 0;
+};
+
+template <class F>
+inline Computed<F> compute(const F& f, const Inputs<F>& x) {
   const auto y = [&] {
     if constexpr (F::inputs == 1) {
       return f.core(x.at[0]);
@@ -147,10 +163,12 @@ inline Outputs<F> compute(const F& f, const Inputs<F>& x) {
       return f.core(x.at[0], x.at[1]);
     }
   }();
-  if constexpr (F::outputs == 1) {
-    return {{y}};
-  } else {
+  if constexpr (F::outputs == 2) {
     return {{y.first, y.second}};
+  } else if constexpr (requires { y.doubt; }) {
+    return {{y.value}, lanes::bits(y.doubt)};
+  } else {
+    return {{y}};
   }
 }
 
@@ -233,7 +251,8 @@ template <class F, class Vectors>
   for (uint32_t rest = careful; rest != 0; rest &= rest - 1) {
     for (auto& row : calm.at) row[std::countr_zero(rest)] = F::filler;
   }
-  Outputs<F> y = compute(f, calm.block());
+  auto [y, more] = compute(f, calm.block());
+  careful |= more;
   careful = settle_lanes(f, mode, x, y, careful);
   LaneBuffer<typename F::Real, F::outputs> results(y);
   for (uint32_t rest = careful; rest != 0; rest &= rest - 1) {
@@ -247,19 +266,36 @@ template <class F, class Vectors>
   return results.block();
 }
 
-// The outputs of a block, whatever its lanes need.
-template <class F, class Vectors>
-inline Outputs<F> run_block(const F& f, const Vectors& vectors, int64_t i, const Inputs<F>& x,
-                            uint32_t mode) {
+// ---- Lane loop ------------------------------------------------------------------------------
+
+// Lanes of a block that need care, as bits.
+template <class F>
+inline uint32_t careful_lanes(const F& f, const Inputs<F>& x) {
   if constexpr (has_side_path<F>) {
-    const uint32_t careful = lanes::bits(care(f, x));
-    if (careful != 0) [[unlikely]]
-      return careful_block(f, vectors, i, x, careful, mode);
+    return lanes::bits(care(f, x));
+  } else {
+    return 0;
   }
-  return compute(f, x);
 }
 
-// ---- Lane loop ------------------------------------------------------------------------------
+// Runs whole blocks from element i on, up to one with a lane that needs care; returns where it
+// stopped. A function of its own without any call in its loop, so that constants stay in registers
+// (no vector register survives a call).
+template <class F, class Vectors>
+[[gnu::noinline]] int64_t run_calm_blocks(const F f, const Vectors vectors, int64_t i, int64_t n) {
+  constexpr int width = lanes::Lanes<typename F::Real>::count;
+  for (; i + width <= n; i += width) {
+    Inputs<F> x;
+    for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i);
+    if (careful_lanes(f, x) != 0) [[unlikely]]
+      return i;
+    const Computed<F> block = compute(f, x);
+    if (block.careful != 0) [[unlikely]]
+      return i;
+    for (int k = 0; k < F::outputs; ++k) vectors.store(k, i, block.y.at[k]);
+  }
+  return i;
+}
 
 // Never inlined: its arithmetic stays between the environment's steps.
 template <class F, class Vectors>
@@ -267,16 +303,32 @@ template <class F, class Vectors>
   constexpr int width = lanes::Lanes<typename F::Real>::count;
   int64_t i = 0;
   for (; i + width <= n; i += width) {
-    Inputs<F> x;
-    for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i);
-    const Outputs<F> y = run_block(f, vectors, i, x, mode);
-    for (int k = 0; k < F::outputs; ++k) vectors.store(k, i, y.at[k]);
+    i = run_calm_blocks<F, Vectors>(f, vectors, i, n);
+    if (i + width > n) break;
+    if constexpr (has_side_path<F>) {
+      Inputs<F> x;
+      for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i);
+      const Outputs<F> y = careful_block(f, vectors, i, x, careful_lanes(f, x), mode);
+      for (int k = 0; k < F::outputs; ++k) vectors.store(k, i, y.at[k]);
+    }
   }
   if (i >= n) return;
   const int left = static_cast<int>(n - i);
   Inputs<F> x;
   for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load_first(k, i, left);
-  const Outputs<F> y = run_block(f, vectors, i, x, mode);
+  const uint32_t careful = careful_lanes(f, x);
+  const Outputs<F> y = [&] {
+    if constexpr (has_side_path<F>) {
+      if (careful == 0) {
+        const Computed<F> block = compute(f, x);
+        if (block.careful == 0) [[likely]]
+          return block.y;
+      }
+      return careful_block(f, vectors, i, x, careful, mode);
+    } else {
+      return compute(f, x).y;
+    }
+  }();
   for (int k = 0; k < F::outputs; ++k) vectors.store_first(k, i, left, y.at[k]);
 }
 
