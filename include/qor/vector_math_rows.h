@@ -15,7 +15,11 @@
 /* clang-format off */
 #define QOR_FUNCTION_ROWS(X) \
   X(s, Exp,    unary, A, A, A, 15.62, 15.62, 15.62) \
-  X(d, Exp,    unary, A, A, A, 1.0, 1.0, 1.0)
+  X(s, Exp2,   unary, A, A, A, 220.3, 220.3, 220.3) \
+  X(s, Exp10,  unary, A, A, A, 220.3, 220.3, 220.3) \
+  X(d, Exp,    unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Exp2,   unary, A, A, A, 220.3, 220.3, 220.3) \
+  X(d, Exp10,  unary, A, A, A, 220.3, 220.3, 220.3)
 
 /* X(t, name, shape, kernel type, cost): the kernel may be that of another type of the same size. */
 #define QOR_PACK_ROWS(X)
