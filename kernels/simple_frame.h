@@ -35,7 +35,7 @@ inline void run_registers(const F& f, const Contiguous<F>& vectors, int64_t i, i
   for (int r = 0; r < count; ++r) {
     Inputs<F> x;
     for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i + r * step);
-    vectors.store(0, i + r * step, compute(f, x).at[0]);
+    vectors.store(0, i + r * step, compute(f, x).y.at[0]);
   }
 }
 
@@ -44,7 +44,7 @@ template <class F>
 inline void run_part(const F& f, const Contiguous<F>& vectors, int64_t i, int count) {
   Inputs<F> x;
   for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load_first(k, i, count);
-  vectors.store_first(0, i, count, compute(f, x).at[0]);
+  vectors.store_first(0, i, count, compute(f, x).y.at[0]);
 }
 
 // Never inlined: its arithmetic stays between the environment's steps.
