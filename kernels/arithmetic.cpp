@@ -51,8 +51,8 @@ struct Sqr : Arithmetic<T, 1> {
 };
 
 template <class T>
-struct Abs : Unary<T> {
-  using typename Unary<T>::V;
+struct Abs : Simple<T, 1> {
+  using typename Simple<T, 1>::V;
   static constexpr Environment environment{X87::masks, Mxcsr::mask};
 
   V core(V x) const { return x * lanes::with_sign(lanes::all(T{1}), x); }

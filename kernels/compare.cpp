@@ -19,6 +19,7 @@ template <class T>
 struct Comparison : Binary<T> {
   using typename Binary<T>::V;
   using typename Binary<T>::Doubt;
+  static constexpr int registers = 4;
   Doubt care(V a, V b) const { return lanes::not_finite(a) | lanes::not_finite(b); }
 };
 

@@ -28,6 +28,7 @@ template <class T>
 struct Inv : Unary<T> {
   using typename Unary<T>::V;
   using typename Unary<T>::Doubt;
+  static constexpr int registers = 4;
   static constexpr bool is_single = sizeof(T) == sizeof(float);
   static constexpr const char* name = is_single ? "vsInv" : "vdInv";
   static constexpr const char* strided_name = is_single ? "vsInvI" : "vdInvI";
@@ -42,6 +43,7 @@ template <class T>
 struct Div : Binary<T> {
   using typename Binary<T>::V;
   using typename Binary<T>::Doubt;
+  static constexpr int registers = 4;
   static constexpr bool is_single = sizeof(T) == sizeof(float);
   static constexpr const char* name = is_single ? "vsDiv" : "vdDiv";
   static constexpr const char* strided_name = is_single ? "vsDivI" : "vdDivI";

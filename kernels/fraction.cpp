@@ -31,6 +31,7 @@ template <class T>
 struct Frac : Unary<T> {
   using typename Unary<T>::V;
   using typename Unary<T>::Doubt;
+  static constexpr int registers = 4;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsFrac" : "vdFrac";
 
   V core(V x) const { return finite_parts(x).second; }
@@ -42,6 +43,7 @@ template <class T>
 struct Modf : Function<T, 1, 2> {
   using typename Function<T, 1, 2>::V;
   using typename Function<T, 1, 2>::Doubt;
+  static constexpr int registers = 4;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsModf" : "vdModf";
 
   lanes::Two<V> core(V x) const { return finite_parts(x); }

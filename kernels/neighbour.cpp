@@ -11,13 +11,14 @@
 
 #include "kernels/rows.h"
 #include "kernels/signals.h"
+#include "kernels/simple_frame.h"
 
 namespace qor::kernels {
 namespace {
 
 template <class T>
-struct CopySign : Binary<T> {
-  using typename Binary<T>::V;
+struct CopySign : Simple<T, 2> {
+  using typename Simple<T, 2>::V;
   V core(V a, V b) const { return lanes::with_sign(lanes::abs(a), b); }
 };
 
@@ -45,6 +46,7 @@ struct NextAfter : Binary<T> {
   using typename Binary<T>::V;
   using typename Binary<T>::I;
   using typename Binary<T>::Doubt;
+  static constexpr int registers = 4;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsNextAfter" : "vdNextAfter";
 
   V core(V x, V y) const {

@@ -121,6 +121,7 @@ template <int size>
 void pack_index(int64_t n, const void* a, const void* ia, void* y, int32_t flag) {
   with_integers(ia, flag, [=](const auto* index) {
     Byte* to = bytes_of(y);
+#pragma GCC unroll 4
     for (int64_t i = 0, count = integer_of_flag(n, flag); i < count; ++i, to += size) {
       move_element<size>(to, bytes_of(a) + int64_t{index[i]} * size);
     }
@@ -131,6 +132,7 @@ template <int size>
 void unpack_index(int64_t n, const void* a, void* y, const void* iy, int32_t flag) {
   with_integers(iy, flag, [=](const auto* index) {
     const Byte* from = bytes_of(a);
+#pragma GCC unroll 4
     for (int64_t i = 0, count = integer_of_flag(n, flag); i < count; ++i, from += size) {
       move_element<size>(bytes_of(y) + int64_t{index[i]} * size, from);
     }

@@ -133,6 +133,7 @@ struct Fmod : Binary<T> {
   using typename Binary<T>::V;
   using typename Binary<T>::M;
   using typename Binary<T>::Doubt;
+  static constexpr int registers = 2;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsFmod" : "vdFmod";
 
   V core(V x, V y) const {
@@ -158,6 +159,7 @@ struct Remainder : Binary<T> {
   using typename Binary<T>::V;
   using typename Binary<T>::M;
   using typename Binary<T>::Doubt;
+  static constexpr int registers = 2;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsRemainder" : "vdRemainder";
   static constexpr T nan_factor = static_cast<T>(1.7);  // any factor quiets a NaN
 

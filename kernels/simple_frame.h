@@ -1,4 +1,5 @@
-// The simple form of the lane loop, for plain arithmetic: no side path, aligned stores.
+// The simple form of the lane loop, for functions of a few instructions that have no side path:
+// several registers a step, aligned stores.
 //
 // A function takes it by deriving from Simple. Peeling to the alignment of the output changes no
 // result: an element's value depends on its operands only.
