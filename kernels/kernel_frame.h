@@ -294,7 +294,7 @@ inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i, in
     if (lanes::bits(doubt) != 0) [[unlikely]]
       return i;
     for (int r = 0; r < F::registers; ++r) {
-      const Outputs<F> y = compute(f, x[r]);
+      const Outputs<F> y = compute(f, x[r]).y;
       for (int k = 0; k < F::outputs; ++k) vectors.store(k, i + r * width, y.at[k]);
     }
   }
