@@ -1,0 +1,78 @@
+// Vectors of 64-bit lanes, as wide as the level has them, for the block forms of generators.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+namespace qor::streams {
+
+#if defined(__AVX512DQ__) && defined(__AVX512VL__)
+inline constexpr int wide_bytes = 64;
+#elif defined(__AVX2__)
+inline constexpr int wide_bytes = 32;
+#else
+inline constexpr int wide_bytes = 16;
+#endif
+inline constexpr int wide_lanes = wide_bytes / 8;
+
+using Wide [[gnu::vector_size(wide_bytes)]] = uint64_t;
+using WideWords [[gnu::vector_size(wide_bytes)]] = uint32_t;
+
+// The product of the low halves of each lane.
+inline Wide mul_low(Wide a, Wide b) {
+#if defined(__AVX512DQ__) && defined(__AVX512VL__)
+  // The masked form: the plain one warns in the compiler's own header.
+  return reinterpret_cast<Wide>(
+      _mm512_maskz_mul_epu32(0xFF, reinterpret_cast<__m512i>(a), reinterpret_cast<__m512i>(b)));
+#elif defined(__AVX2__)
+  return reinterpret_cast<Wide>(
+      _mm256_mul_epu32(reinterpret_cast<__m256i>(a), reinterpret_cast<__m256i>(b)));
+#else
+  return reinterpret_cast<Wide>(
+      _mm_mul_epu32(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
+#endif
+}
+
+inline Wide wide(uint64_t value) {
+  return value - Wide{};
+}
+
+// d, or d + m in lanes where d, taken as signed, is below 0.
+inline Wide add_where_negative(Wide d, uint64_t m) {
+#if defined(__AVX512DQ__) && defined(__AVX512VL__)
+  // Below 0 is above everything when unsigned.
+  return reinterpret_cast<Wide>(
+      _mm512_maskz_min_epu64(0xFF, reinterpret_cast<__m512i>(d), reinterpret_cast<__m512i>(d + m)));
+#else
+  return d + (m & (Wide{} - (d >> 63)));
+#endif
+}
+
+// t mod m for t below 2 m.
+inline Wide subtract_once(Wide t, uint64_t m) {
+  return add_where_negative(t - m, m);
+}
+
+// Lanes shift, ..., last of a, then the first of b.
+template <int shift>
+Wide shift_in(Wide a, Wide b) {
+  return [=]<int... i>(std::integer_sequence<int, i...>) {
+    return __builtin_shufflevector(a, b, (i + shift)...);
+  }
+  (std::make_integer_sequence<int, wide_lanes>{});
+}
+
+// The low halves of the lanes of a, then of b, to 2 * wide_lanes words at r.
+inline void store_low(Wide a, Wide b, void* r) {
+  const WideWords words = [=]<int... i>(std::integer_sequence<int, i...>) {
+    return __builtin_shufflevector(reinterpret_cast<WideWords>(a), reinterpret_cast<WideWords>(b),
+                                   (2 * i)...);
+  }
+  (std::make_integer_sequence<int, 2 * wide_lanes>{});
+  std::memcpy(r, &words, sizeof words);
+}
+
+}  // namespace qor::streams
