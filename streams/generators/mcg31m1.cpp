@@ -52,7 +52,8 @@ int32_t fill_blocks(State& state, int32_t n, void* r) {
   int32_t i = 0;
   for (; i + kLanes <= n; i += kLanes) {
     for (int v = 0; v < kVectors; v += 2) {
-      store_low(x[v], x[v + 1], at<uint32_t>(r, i + v * wide_lanes));
+      const WideWords words = low_halves(x[v], x[v + 1]);
+      std::memcpy(at<uint32_t>(r, i + v * wide_lanes), &words, sizeof words);
       x[v] = multiply(x[v], jump);
       x[v + 1] = multiply(x[v + 1], jump);
     }

@@ -51,21 +51,30 @@ constexpr int kVectors = kLanes / wide_lanes;
 constexpr uint64_t kX0 = 736416029, kMinusX1 = 1333150987, kX2 = 342112271;
 constexpr uint64_t kY0 = 818368950, kMinusY1 = 504169876, kMinusY2 = 752600334;
 
-template <uint64_t m, uint64_t fold>
+// As the scalar form; the subtraction of m is an addition of `fold` whose carry out of 32 bits says
+// whether it was due. The result is the low half of a lane.
+template <uint64_t fold>
 Wide reduce(Wide t) {
-  t = mul_low(t >> 32, wide(fold)) + (t & 0xFFFFFFFF);
-  t = mul_low(t >> 32, wide(fold)) + (t & 0xFFFFFFFF);
-  return subtract_once(t, m);
+  constexpr uint64_t low = 0xFFFFFFFF;
+  t = mul_low(t >> 32, wide(fold)) + (t & low);
+  t = mul_low(t >> 32, wide(fold)) + (t & low);
+  const Wide due = (t + fold) >> 32;
+  return t + mul_low(due, wide(fold));
 }
 
 Wide jump_x(Wide x0, Wide x1, Wide x2) {
-  return reduce<kM1, kFold1>(mul_low(x0, wide(kX0)) + mul_low(x2, wide(kX2)) + kMinusX1 * kM1 -
-                             mul_low(x1, wide(kMinusX1)));
+  return reduce<kFold1>(mul_low(x0, wide(kX0)) + mul_low(x2, wide(kX2)) + kMinusX1 * kM1 -
+                        mul_low(x1, wide(kMinusX1)));
 }
 
 Wide jump_y(Wide y0, Wide y1, Wide y2) {
-  return reduce<kM2, kFold2>(mul_low(y0, wide(kY0)) + (kMinusY1 + kMinusY2) * kM2 -
-                             mul_low(y1, wide(kMinusY1)) - mul_low(y2, wide(kMinusY2)));
+  return reduce<kFold2>(mul_low(y0, wide(kY0)) + (kMinusY1 + kMinusY2) * kM2 -
+                        mul_low(y1, wide(kMinusY1)) - mul_low(y2, wide(kMinusY2)));
+}
+
+// x - y mod m1
+WideWords subtract_words(WideWords x, WideWords y) {
+  return x - y + (reinterpret_cast<WideWords>(x < y) & mrg_m1);
 }
 
 // Replaces the sixteen values of v by the next sixteen; the last need the first new ones.
@@ -89,8 +98,8 @@ int32_t fill_blocks(State& state, int32_t n, void* r) {
     advance(x, jump_x);
     advance(y, jump_y);
     for (int k = 0; k < kVectors; k += 2) {
-      store_low(add_where_negative(x[k] - y[k], kM1), add_where_negative(x[k + 1] - y[k + 1], kM1),
-                at<uint32_t>(r, i + k * wide_lanes));
+      const WideWords z = subtract_words(low_halves(x[k], x[k + 1]), low_halves(y[k], y[k + 1]));
+      std::memcpy(at<uint32_t>(r, i + k * wide_lanes), &z, sizeof z);
     }
   }
   for (int32_t k = 0; k < 3; ++k) {

@@ -5,11 +5,13 @@
 // products are below 2^48, so the recurrences run in double precision without rounding.
 
 #include <array>
+#include <bit>
 #include <iterator>
 
 #include "streams/generators/output.h"
 #include "streams/generators/refusals.h"
 #include "streams/generators/wh_table.h"
+#include "streams/generators/wide.h"
 #include "streams/record.h"
 #include "streams/registry.h"
 
@@ -45,20 +47,30 @@ constexpr Reciprocals kReciprocals = all_reciprocals();
 
 constexpr double kRounder = 0x1.8p52;  // added and subtracted, it leaves the nearest integer
 
-// x a mod m for residues x and a. The quotient is off by less than one either way, in any rounding
-// mode, so that one addition mends the remainder.
-inline double multiply(double x, double a, double m, double r) {
-  const double product = x * a;
-  const double quotient = (product * r + kRounder) - kRounder;
-  const double remainder = product - quotient * m;
-  return remainder < 0 ? remainder + m : remainder;
+// v where the condition holds, else 0; a mask, for a branch would go wrong every other time.
+inline double where(bool condition, double v) {
+  return std::bit_cast<double>(std::bit_cast<uint64_t>(v) & -uint64_t{condition});
+}
+inline WideReal where(WideMask condition, WideReal v) {
+  return reinterpret_cast<WideReal>(condition & reinterpret_cast<WideMask>(v));
 }
 
-// The fraction of sum x_j / m_j, added in this order.
-inline double fraction(double x1, double x2, double x3, double x4, const double* r) {
-  const double sum = r[0] * x1 + r[1] * x2 + r[2] * x3 + r[3] * x4;
-  const double nearest = (sum + kRounder) - kRounder;
-  return sum - (sum < nearest ? nearest - 1 : nearest);
+// x a mod m for residues x and a. The quotient is off by less than one either way, in any rounding
+// mode, so that one addition mends the remainder.
+template <class V>
+inline V multiply(V x, V a, V m, V r) {
+  const V product = x * a;
+  const V quotient = (product * r + kRounder) - kRounder;
+  const V remainder = product - quotient * m;
+  return remainder + where(remainder < 0.0, m);
+}
+
+// The fraction of sum x_j / m_j, added in this order; the r_j are the reciprocals.
+template <class V>
+inline V fraction(V x1, V x2, V x3, V x4, const double* r) {
+  const V sum = r[0] * x1 + r[1] * x2 + r[2] * x3 + r[3] * x4;
+  const V nearest = (sum + kRounder) - kRounder;
+  return sum - (nearest - where(sum < nearest, V{} + 1.0));
 }
 
 // ---- Block form ---------------------------------------------------------------------------------
@@ -107,7 +119,11 @@ struct Block {
   }
 
   void advance() {
-    for (int k = 0; k < 4 * kSteps; ++k) x[k] = multiply(x[k], a[k], m[k], r[k]);
+    for (int k = 0; k < 4 * kSteps; k += wide_lanes) {
+      const WideReal next =
+          multiply(load_wide(x + k), load_wide(a + k), load_wide(m + k), load_wide(r + k));
+      std::memcpy(x + k, &next, sizeof next);
+    }
   }
 
   void save(State& state) const {
@@ -117,7 +133,7 @@ struct Block {
 
 void step(State& state, const Constants& c) {
   for (int j = 0; j < 4; ++j)
-    state.x[j] = static_cast<uint32_t>(multiply(state.x[j], c.a[j], c.m[j], c.r[j]));
+    state.x[j] = static_cast<uint32_t>(multiply<double>(state.x[j], c.a[j], c.m[j], c.r[j]));
 }
 
 constexpr int32_t kBlockLimit = 2 * kSteps;  // shorter calls run step by step
@@ -149,15 +165,18 @@ int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
     const double* x = block.x;
     for (; i + kSteps <= n; i += kSteps, block.advance()) {
       void* out = at<Real>(r, i);
-      for (int s = 0; s < kSteps; ++s) {
-        const double f = fraction(x[s], x[kSteps + s], x[2 * kSteps + s], x[3 * kSteps + s], c.r);
-        store(out, s, static_cast<Real>(f * scale + a));
+      for (int s = 0; s < kSteps; s += wide_lanes) {
+        const WideReal f =
+            fraction(load_wide(x + s), load_wide(x + kSteps + s), load_wide(x + 2 * kSteps + s),
+                     load_wide(x + 3 * kSteps + s), c.r);
+        const WideReal values = f * scale + a;
+        for (int k = 0; k < wide_lanes; ++k) store(out, s + k, static_cast<Real>(values[k]));
       }
     }
     block.save(state);
   }
   for (; i < n; ++i, step(state, c)) {
-    const double f = fraction(state.x[0], state.x[1], state.x[2], state.x[3], c.r);
+    const double f = fraction<double>(state.x[0], state.x[1], state.x[2], state.x[3], c.r);
     store(r, i, static_cast<Real>(f * scale + a));
   }
   return QOR_STREAM_OK;

@@ -20,6 +20,8 @@ inline constexpr int wide_lanes = wide_bytes / 8;
 
 using Wide [[gnu::vector_size(wide_bytes)]] = uint64_t;
 using WideWords [[gnu::vector_size(wide_bytes)]] = uint32_t;
+using WideReal [[gnu::vector_size(wide_bytes)]] = double;
+using WideMask [[gnu::vector_size(wide_bytes)]] = int64_t;
 
 // The product of the low halves of each lane.
 inline Wide mul_low(Wide a, Wide b) {
@@ -40,20 +42,10 @@ inline Wide wide(uint64_t value) {
   return value - Wide{};
 }
 
-// d, or d + m in lanes where d, taken as signed, is below 0.
-inline Wide add_where_negative(Wide d, uint64_t m) {
-#if defined(__AVX512DQ__) && defined(__AVX512VL__)
-  // Below 0 is above everything when unsigned.
-  return reinterpret_cast<Wide>(
-      _mm512_maskz_min_epu64(0xFF, reinterpret_cast<__m512i>(d), reinterpret_cast<__m512i>(d + m)));
-#else
-  return d + (m & (Wide{} - (d >> 63)));
-#endif
-}
-
-// t mod m for t below 2 m.
-inline Wide subtract_once(Wide t, uint64_t m) {
-  return add_where_negative(t - m, m);
+inline WideReal load_wide(const double* from) {
+  WideReal v;
+  std::memcpy(&v, from, sizeof v);
+  return v;
 }
 
 // Lanes shift, ..., last of a, then the first of b.
@@ -65,14 +57,13 @@ Wide shift_in(Wide a, Wide b) {
   (std::make_integer_sequence<int, wide_lanes>{});
 }
 
-// The low halves of the lanes of a, then of b, to 2 * wide_lanes words at r.
-inline void store_low(Wide a, Wide b, void* r) {
-  const WideWords words = [=]<int... i>(std::integer_sequence<int, i...>) {
+// The low halves of the lanes of a, then of b.
+inline WideWords low_halves(Wide a, Wide b) {
+  return [=]<int... i>(std::integer_sequence<int, i...>) {
     return __builtin_shufflevector(reinterpret_cast<WideWords>(a), reinterpret_cast<WideWords>(b),
                                    (2 * i)...);
   }
   (std::make_integer_sequence<int, 2 * wide_lanes>{});
-  std::memcpy(r, &words, sizeof words);
 }
 
 }  // namespace qor::streams
