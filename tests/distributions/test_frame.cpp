@@ -53,7 +53,7 @@ TEST(FloatingPointFrame, MasksInsideAndRestores) {
     }
     EXPECT_EQ(qor_ark_kernel_GetMode() & QOR_MODE_ERRORS, inside & QOR_MODE_ERRORS);
     // An exception of the work: its flag does not reach the caller's x87 unit.
-    asm volatile("fld1\n\tfldz\n\tfdivp\n\tfstp %%st(0)" ::: "st");
+    asm volatile("fld1\n\tfldz\n\tfdivrp\n\tfstp %%st(0)" ::: "st");
     EXPECT_NE(x87_status() & 0x4, 0);
   }
   EXPECT_EQ(x87_control(), own_x87);
