@@ -337,6 +337,11 @@ inline constexpr bool has_register_tables = true;
 #else
 inline constexpr bool has_register_tables = false;
 #endif
+#if QOR_LANES_512 || QOR_LANES_256
+inline constexpr bool has_single_register_tables = true;
+#else
+inline constexpr bool has_single_register_tables = false;
+#endif
 
 // Elements table[index mod 16].
 inline f64 look_up(const double (&table)[16], i64 index) {
@@ -345,6 +350,69 @@ inline f64 look_up(const double (&table)[16], i64 index) {
       _mm512_loadu_pd(table), std::bit_cast<__m512i>(index), _mm512_loadu_pd(table + 8)));
 #else
   return gather(table, index & 15);
+#endif
+}
+
+// The same in single: registers from 256 bits on.
+inline f32 look_up(const float (&table)[16], i32 index) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(
+      _mm512_maskz_permutexvar_ps(0xFFFF, std::bit_cast<__m512i>(index), _mm512_loadu_ps(table)));
+#elif QOR_LANES_256
+  const __m256i at = std::bit_cast<__m256i>(index);
+  const __m256 low = _mm256_permutevar8x32_ps(_mm256_loadu_ps(table), at);
+  const __m256 high = _mm256_permutevar8x32_ps(_mm256_loadu_ps(table + 8), at);
+  return std::bit_cast<f32>(_mm256_blendv_ps(low, high, std::bit_cast<__m256>(index << 28)));
+#else
+  return gather(table, index & 15);
+#endif
+}
+
+// ---- Parts of a number ----------------------------------------------------------------------
+
+inline f32 to_float(i32 x) { return __builtin_convertvector(x, f32); }
+
+// The biased exponent of x >= 0.
+inline f32 biased_exponent(f32 x) { return to_float(image(x) >> 23); }
+inline f64 biased_exponent(f64 x) {
+  constexpr double shifter = 0x1p+52;  // there is no conversion from 64 bits below 512
+  const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
+  return from_image(biased | std::bit_cast<int64_t>(shifter)) - shifter;
+}
+
+// floor(log2 x), for normal x > 0.
+inline f32 exponent(f32 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(_mm512_maskz_getexp_ps(0xFFFF, std::bit_cast<__m512>(x)));
+#else
+  return biased_exponent(x) - 127.0f;
+#endif
+}
+inline f64 exponent(f64 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(_mm512_maskz_getexp_pd(0xFF, std::bit_cast<__m512d>(x)));
+#else
+  return biased_exponent(x) - 1023.0;
+#endif
+}
+
+// x times a power of 2, in [0.75, 1.5), for normal x > 0.
+inline f32 mantissa_around_one(f32 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(_mm512_maskz_getmant_ps(0xFFFF, std::bit_cast<__m512>(x),
+                                                    _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero));
+#else
+  constexpr int32_t least = 0x3F400000;
+  return from_image(((image(x) - least) & 0x7FFFFF) + least);
+#endif
+}
+inline f64 mantissa_around_one(f64 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(_mm512_maskz_getmant_pd(0xFF, std::bit_cast<__m512d>(x),
+                                                    _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero));
+#else
+  constexpr int64_t least = 0x3FE8000000000000;
+  return from_image(((image(x) - least) & 0xFFFFFFFFFFFFF) + least);
 #endif
 }
 

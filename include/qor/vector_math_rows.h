@@ -15,7 +15,17 @@
 /* clang-format off */
 #define QOR_FUNCTION_ROWS(X) \
   X(s, Exp,    unary, A, A, A, 15.62, 15.62, 15.62) \
-  X(d, Exp,    unary, A, A, A, 1.0, 1.0, 1.0)
+  X(s, Ln,     unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Log10,  unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Log1p,  unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Log2,   unary, A, A, A, 220.3, 220.3, 220.3) \
+  X(s, Logb,   unary, A, A, A, 220.3, 220.3, 220.3) \
+  X(d, Exp,    unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Ln,     unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Log10,  unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Log1p,  unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Log2,   unary, A, A, A, 220.3, 220.3, 220.3) \
+  X(d, Logb,   unary, A, A, A, 220.3, 220.3, 220.3)
 
 /* X(t, name, shape, kernel type, cost): the kernel may be that of another type of the same size. */
 #define QOR_PACK_ROWS(X)
