@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace qor::lanes {
@@ -214,6 +215,26 @@ inline V horner(V x, const T (&coefficients)[count]) {
   return sum;
 }
 
+// Estrin's scheme (1960), coefficients from the highest power down: a shorter chain than Horner's
+// rule for a few more multiplications. powers[i] is x^(2^i).
+template <size_t first, size_t terms, class V, class T, size_t count, size_t power_count>
+inline V estrin_part(const V (&powers)[power_count], const T (&coefficients)[count]) {
+  if constexpr (terms == 1) {
+    return all(coefficients[first]);
+  } else {
+    constexpr size_t split = std::bit_ceil(terms) / 2;  // terms of the lower half
+    const V upper = estrin_part<first, terms - split>(powers, coefficients);
+    const V lower = estrin_part<first + terms - split, split>(powers, coefficients);
+    return multiply_add(upper, powers[std::countr_zero(split)], lower);
+  }
+}
+template <class V, class T, size_t count>
+inline V estrin(V x, const T (&coefficients)[count]) {
+  V powers[std::bit_width(count - 1)] = {x};
+  for (size_t i = 1; i < std::size(powers); ++i) powers[i] = powers[i - 1] * powers[i - 1];
+  return estrin_part<0, count>(powers, coefficients);
+}
+
 inline f32 sqrt(f32 x) {
 #if QOR_LANES_512
   return std::bit_cast<f32>(_mm512_sqrt_ps(std::bit_cast<__m512>(x)));
@@ -331,16 +352,35 @@ inline Two<f32> gather_rows<float>(const Row<float>* table, i32 index) {
 }
 #endif
 
+// A row of three numbers, padded to 256 bits.
+struct alignas(32) Row3 {
+  double first, second, third;
+};
+struct Three {
+  f64 first, second, third;
+};
+
+// Rows table[offset / 4], a register for each of their numbers.
+inline Three gather_rows(const Row3* table, i64 offset) {
+#if QOR_LANES_256 && !QOR_LANES_512
+  const auto row = [&](int lane) { return _mm256_load_pd(&table->first + offset[lane]); };
+  const __m256d r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
+  const __m256d even01 = _mm256_unpacklo_pd(r0, r1), odd01 = _mm256_unpackhi_pd(r0, r1);
+  const __m256d even23 = _mm256_unpacklo_pd(r2, r3), odd23 = _mm256_unpackhi_pd(r2, r3);
+  return {std::bit_cast<f64>(_mm256_permute2f128_pd(even01, even23, 0x20)),
+          std::bit_cast<f64>(_mm256_permute2f128_pd(odd01, odd23, 0x20)),
+          std::bit_cast<f64>(_mm256_permute2f128_pd(even01, even23, 0x31))};
+#else
+  return {gather(&table->first, offset), gather(&table->second, offset),
+          gather(&table->third, offset)};
+#endif
+}
+
 // Whether `look_up` is a permutation of registers, much faster than a gather.
 #if QOR_LANES_512
 inline constexpr bool has_register_tables = true;
 #else
 inline constexpr bool has_register_tables = false;
-#endif
-#if QOR_LANES_512 || QOR_LANES_256
-inline constexpr bool has_single_register_tables = true;
-#else
-inline constexpr bool has_single_register_tables = false;
 #endif
 
 // Elements table[index mod 16].
@@ -353,18 +393,16 @@ inline f64 look_up(const double (&table)[16], i64 index) {
 #endif
 }
 
-// The same in single: registers from 256 bits on.
-inline f32 look_up(const float (&table)[16], i32 index) {
+// Elements of a table of a register, by the index modulo its size: in registers from 256 bits on.
+inline f32 look_up(const float (&table)[Lanes<float>::count], i32 index) {
 #if QOR_LANES_512
   return std::bit_cast<f32>(
       _mm512_maskz_permutexvar_ps(0xFFFF, std::bit_cast<__m512i>(index), _mm512_loadu_ps(table)));
 #elif QOR_LANES_256
-  const __m256i at = std::bit_cast<__m256i>(index);
-  const __m256 low = _mm256_permutevar8x32_ps(_mm256_loadu_ps(table), at);
-  const __m256 high = _mm256_permutevar8x32_ps(_mm256_loadu_ps(table + 8), at);
-  return std::bit_cast<f32>(_mm256_blendv_ps(low, high, std::bit_cast<__m256>(index << 28)));
+  return std::bit_cast<f32>(
+      _mm256_permutevar8x32_ps(_mm256_loadu_ps(table), std::bit_cast<__m256i>(index)));
 #else
-  return gather(table, index & 15);
+  return gather(table, index & 3);
 #endif
 }
 
@@ -392,7 +430,9 @@ inline f64 exponent(f64 x) {
 #if QOR_LANES_512
   return std::bit_cast<f64>(_mm512_maskz_getexp_pd(0xFF, std::bit_cast<__m512d>(x)));
 #else
-  return biased_exponent(x) - 1023.0;
+  constexpr double shifter = 0x1p+52;
+  const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
+  return from_image(biased | std::bit_cast<int64_t>(shifter)) - (shifter + 1023);
 #endif
 }
 

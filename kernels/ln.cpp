@@ -26,7 +26,7 @@ struct SLn : Unary<float> {
                                          -0x1.fffefp-3f, 0x1.555506p-2f,  -0.5f};
 
   V core(V x) const {
-    if constexpr (lanes::has_single_register_tables) return log_vector::logarithm<Base>(x);
+    if constexpr (lanes::has_fma) return log_vector::logarithm<Base>(x);
     const I above_split = image(x) - split;
     const V e = lanes::to_float(above_split >> 23);
     const V r = lanes::from_image((above_split & 0x7FFFFF) + split) - 1.0f;

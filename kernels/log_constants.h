@@ -86,8 +86,11 @@ struct Format<float> {
   static constexpr double grid = 0x1p-16;
 };
 
-// The 16 cells of [0.75, 1.5): the reduced argument m c - 1 lies in this interval.
-inline constexpr double cell_first = -0.0375, cell_last = 0.0625;
+// The cells of the mantissas m in [0.75, 1.5): the reduced argument m c - 1 lies in this interval.
+template <int count>
+struct Cells {
+  static constexpr double first = -0.5 / count, last = 1.0 / count;
+};
 
 // log10(1 + v/slope)/v - 1 and the upper half of log2's at the rows of double, from the highest
 // power of v down.

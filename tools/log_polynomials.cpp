@@ -136,8 +136,6 @@ void print(const Part& part) {
   std::printf("\n};\n");
 }
 
-constexpr Interval cell_interval{constants::cell_first, constants::cell_last};
-
 // Rows: |r| <= 2^-row_bits, and x = slope r where the slope is not 1.
 template <class Base>
 Interval row_interval() {
@@ -151,20 +149,18 @@ void print_scaled_rows(const char* name, const char* rule, int base) {
   print<float>({name, rule, base, slope, 1.0, 1, row_interval<Base>(), 4});
 }
 
-template <class Base, class T>
-void print_scaled_cells(const std::string& name, const char* rule, int base, int count) {
-  const Real lead(static_cast<double>(Base::log_e));
-  print<T>({name, rule, base, 1, lead, 1, cell_interval, count});
-}
-
-template <class T>
-void print_cells(const std::string& letter, int count) {
-  print<T>({letter + "ln_cells_polynomial", "ln(1 + x) = x + x^2 P(x)", 0, 1, 1.0, 2, cell_interval,
-            count});
-  print_scaled_cells<constants::Decimal<T>, T>(letter + "log10_cells_polynomial",
-                                               "log10(1 + x) = x log_e + x P(x)", 10, count + 1);
-  print_scaled_cells<constants::Binary<T>, T>(letter + "log2_cells_polynomial",
-                                              "log2(1 + x) = x log_e + x P(x)", 2, count + 1);
+// A polynomial of `terms` terms beside the leading one of log_b e.
+template <int cells, class T>
+void print_cells(const std::string& letter, int terms) {
+  const Interval interval{constants::Cells<cells>::first, constants::Cells<cells>::last};
+  const std::string suffix = "_cells_" + std::to_string(cells) + "_polynomial";
+  const auto print_base = [&]<class Base>(Base, const char* name, const char* rule, int base) {
+    const Real lead(static_cast<double>(Base::log_e));
+    print<T>({letter + name + suffix, rule, base, 1, lead, 1, interval, terms + 1});
+  };
+  print<T>({letter + "ln" + suffix, "ln(1 + x) = x + x^2 P(x)", 0, 1, 1.0, 2, interval, terms});
+  print_base(constants::Decimal<T>{}, "log10", "log10(1 + x) = x log_e + x P(x)", 10);
+  print_base(constants::Binary<T>{}, "log2", "log2(1 + x) = x log_e + x P(x)", 2);
 }
 
 }  // namespace
@@ -187,7 +183,9 @@ int main() {
                 row_interval<Natural<float>>(), 3});
   print_scaled_rows<Decimal<float>>("slog10_rows_polynomial", "log10(1 + 16/7 x) = x + x P(x)", 10);
   print_scaled_rows<Binary<float>>("slog2_rows_polynomial", "log2(1 + 16/23 x) = x + x P(x)", 2);
-  print_cells<double>("d", 10);
-  print_cells<float>("s", 5);
+  print_cells<16, double>("d", 10);
+  print_cells<128, double>("d", 6);
+  print_cells<16, float>("s", 5);
+  print_cells<8, float>("s", 6);
   qor::tools::print_tail();
 }

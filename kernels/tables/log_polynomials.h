@@ -44,77 +44,141 @@ inline constexpr float slog2_rows_polynomial[] = {
   0x1.d9afcp-9f,
 };
 
-// ln(1 + x) = x + x^2 P(x) for -0.0375 <= x <= 0.0625; relative error 2^-59.2.
-inline constexpr double dln_cells_polynomial[] = {
-  0x1.4e010e6113fc4p-4,
-  -0x1.99792e31db9b9p-4,
-  0x1.c73ba0b7c3bccp-4,
-  -0x1.000051b571421p-3,
-  0x1.249244dad0309p-3,
-  -0x1.5555553c35302p-3,
-  0x1.9999999a101bdp-3,
-  -0x1.000000000110bp-2,
-  0x1.5555555555537p-2,
+// ln(1 + x) = x + x^2 P(x) for -0.03125 <= x <= 0.0625; relative error 2^-60.1.
+inline constexpr double dln_cells_16_polynomial[] = {
+  0x1.447cbbafa4886p-4,
+  -0x1.9808b4e863b47p-4,
+  0x1.c72ede3d314c7p-4,
+  -0x1.00008c6171281p-3,
+  0x1.2492488c5629p-3,
+  -0x1.5555553b09264p-3,
+  0x1.9999999988d8ap-3,
+  -0x1.0000000000ccap-2,
+  0x1.555555555555dp-2,
   -0x1p-1,
 };
 
-// log10(1 + x) = x log_e + x P(x) for -0.0375 <= x <= 0.0625; relative error 2^-61.0.
-inline constexpr double dlog10_cells_polynomial[] = {
-  0x1.1ef9ff58804b8p-5,
-  -0x1.636f3fdafdfe9p-5,
-  0x1.8b6d1c6705197p-5,
-  -0x1.bcb890268076cp-5,
-  0x1.fc3f9ce42d8b1p-5,
-  -0x1.287a760f52002p-4,
-  0x1.63c62775b5be1p-4,
-  -0x1.bcb7b15273084p-4,
-  0x1.287a7636f4328p-3,
-  -0x1.bcb7b1526e50dp-3,
-  0x1.9735422a59c6ep-57,
+// log10(1 + x) = x log_e + x P(x) for -0.03125 <= x <= 0.0625; relative error 2^-59.2.
+inline constexpr double dlog10_cells_16_polynomial[] = {
+  0x1.15fee123c9b25p-5,
+  -0x1.61f33b6c4c9a3p-5,
+  0x1.8b5d8500592e8p-5,
+  -0x1.bcb90243eaff1p-5,
+  0x1.fc3fa6b8b04fcp-5,
+  -0x1.287a7613213cep-4,
+  0x1.63c62774da5c5p-4,
+  -0x1.bcb7b15271353p-4,
+  0x1.287a7636f438ap-3,
+  -0x1.bcb7b1526e50ep-3,
+  0x1.93b2c02dbb477p-57,
 };
 
-// log2(1 + x) = x log_e + x P(x) for -0.0375 <= x <= 0.0625; relative error 2^-59.8.
-inline constexpr double dlog2_cells_polynomial[] = {
-  0x1.dca861661cb02p-4,
-  -0x1.272e98d328604p-3,
-  0x1.4864f4f8a14abp-3,
-  -0x1.71552f60cb7f8p-3,
-  0x1.a6175b05a65e2p-3,
-  -0x1.ec709d81cbc26p-3,
-  0x1.2776c50f71e97p-2,
-  -0x1.71547652bc1a9p-2,
-  0x1.ec709dc3a03a3p-2,
-  -0x1.71547652b82fdp-1,
-  0x1.7acf4f837b627p-56,
+// log2(1 + x) = x log_e + x P(x) for -0.03125 <= x <= 0.0625; relative error 2^-58.9.
+inline constexpr double dlog2_cells_16_polynomial[] = {
+  0x1.cdbda0cdb8fd7p-4,
+  -0x1.25f2ffda4048dp-3,
+  0x1.4858022f3392cp-3,
+  -0x1.71558e26030a1p-3,
+  0x1.a617632f911e2p-3,
+  -0x1.ec709d881f97dp-3,
+  0x1.2776c50ebbb82p-2,
+  -0x1.71547652ba96bp-2,
+  0x1.ec709dc3a0445p-2,
+  -0x1.71547652b82fep-1,
+  0x1.74faebe842fbep-56,
 };
 
-// ln(1 + x) = x + x^2 P(x) for -0.0375 <= x <= 0.0625; relative error 2^-31.6.
-inline constexpr float sln_cells_polynomial[] = {
-  -0x1.445fd4p-3f,
-  0x1.9a0ebcp-3f,
-  -0x1.000374p-2f,
-  0x1.55555p-2f,
+// ln(1 + x) = x + x^2 P(x) for -0.00390625 <= x <= 0.0078125; relative error 2^-59.5.
+inline constexpr double dln_cells_128_polynomial[] = {
+  0x1.2199e38a9b961p-3,
+  -0x1.5554fa10ca076p-3,
+  0x1.99999dcf7fe94p-3,
+  -0x1.00000000a1389p-2,
+  0x1.5555555554aa9p-2,
+  -0x1.fffffffffffffp-2,
+};
+
+// log10(1 + x) = x log_e + x P(x) for -0.00390625 <= x <= 0.0078125; relative error 2^-60.5.
+inline constexpr double dlog10_cells_128_polynomial[] = {
+  0x1.f63bdfeb575e6p-5,
+  -0x1.28795a0e738f6p-4,
+  0x1.63c62c2901ad6p-4,
+  -0x1.bcb7b15531545p-4,
+  0x1.287a7636f3304p-3,
+  -0x1.bcb7b1526e508p-3,
+  0x1.9a460516200bfp-57,
+};
+
+// log2(1 + x) = x log_e + x P(x) for -0.00390625 <= x <= 0.0078125; relative error 2^-60.4.
+inline constexpr double dlog2_cells_128_polynomial[] = {
+  0x1.a118a1745ed1ap-3,
+  -0x1.ec6ec5c99f62fp-3,
+  0x1.2776c8f6c2dcbp-2,
+  -0x1.7154765503595p-2,
+  0x1.ec709dc39e8d3p-2,
+  -0x1.71547652b82f9p-1,
+  0x1.7fe6c56606e82p-56,
+};
+
+// ln(1 + x) = x + x^2 P(x) for -0.03125 <= x <= 0.0625; relative error 2^-32.4.
+inline constexpr float sln_cells_16_polynomial[] = {
+  -0x1.40061p-3f,
+  0x1.99b49p-3f,
+  -0x1.00032ep-2f,
+  0x1.555558p-2f,
   -0x1p-1f,
 };
 
-// log10(1 + x) = x log_e + x P(x) for -0.0375 <= x <= 0.0625; relative error 2^-30.1.
-inline constexpr float slog10_cells_polynomial[] = {
-  -0x1.16e482p-4f,
-  0x1.642404p-4f,
-  -0x1.bcc0bep-4f,
-  0x1.287a72p-3f,
-  -0x1.bcb7bp-3f,
-  -0x1.5b15aep-27f,
+// log10(1 + x) = x log_e + x P(x) for -0.03125 <= x <= 0.0625; relative error 2^-29.8.
+inline constexpr float slog10_cells_16_polynomial[] = {
+  -0x1.126932p-4f,
+  0x1.63b702p-4f,
+  -0x1.bcbf8ep-4f,
+  0x1.287a8p-3f,
+  -0x1.bcb7b2p-3f,
+  -0x1.5b6ed2p-27f,
 };
 
-// log2(1 + x) = x log_e + x P(x) for -0.0375 <= x <= 0.0625; relative error 2^-32.5.
-inline constexpr float slog2_cells_polynomial[] = {
-  -0x1.cf3b06p-3f,
-  0x1.27c4b8p-2f,
-  -0x1.715bfap-2f,
-  0x1.ec7098p-2f,
+// log2(1 + x) = x log_e + x P(x) for -0.03125 <= x <= 0.0625; relative error 2^-33.3.
+inline constexpr float slog2_cells_16_polynomial[] = {
+  -0x1.c7c964p-3f,
+  0x1.276a3p-2f,
+  -0x1.715afep-2f,
+  0x1.ec70acp-2f,
   -0x1.715476p-1f,
-  0x1.4af77ep-26f,
+  0x1.4a636ep-26f,
+};
+
+// ln(1 + x) = x + x^2 P(x) for -0.0625 <= x <= 0.125; relative error 2^-31.3.
+inline constexpr float sln_cells_8_polynomial[] = {
+  0x1.f6a9a6p-4f,
+  -0x1.553796p-3f,
+  0x1.99d4ccp-3f,
+  -0x1.000084p-2f,
+  0x1.55554cp-2f,
+  -0x1p-1f,
+};
+
+// log10(1 + x) = x log_e + x P(x) for -0.0625 <= x <= 0.125; relative error 2^-28.7.
+inline constexpr float slog10_cells_8_polynomial[] = {
+  0x1.a9b422p-5f,
+  -0x1.27c0c4p-4f,
+  0x1.6407a2p-4f,
+  -0x1.bcb9fp-4f,
+  0x1.287a68p-3f,
+  -0x1.bcb7bp-3f,
+  -0x1.5a1148p-27f,
+};
+
+// log2(1 + x) = x log_e + x P(x) for -0.0625 <= x <= 0.125; relative error 2^-32.5.
+inline constexpr float slog2_cells_8_polynomial[] = {
+  0x1.618a0ap-3f,
+  -0x1.eb3c3p-3f,
+  0x1.27ad26p-2f,
+  -0x1.715654p-2f,
+  0x1.ec7086p-2f,
+  -0x1.715476p-1f,
+  0x1.4ca7fep-26f,
 };
 
 }  // namespace qor::kernels::tables
