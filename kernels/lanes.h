@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -279,6 +280,26 @@ inline V horner(V x, const T (&coefficients)[count]) {
   V sum = all(coefficients[0]);
   for (size_t i = 1; i < count; ++i) sum = multiply_add(sum, x, coefficients[i]);
   return sum;
+}
+
+// Estrin's scheme (1960), coefficients from the highest power down: a shorter chain than Horner's
+// rule for a few more multiplications. powers[i] is x^(2^i).
+template <size_t first, size_t terms, class V, class T, size_t count, size_t power_count>
+inline V estrin_part(const V (&powers)[power_count], const T (&coefficients)[count]) {
+  if constexpr (terms == 1) {
+    return all(coefficients[first]);
+  } else {
+    constexpr size_t split = std::bit_ceil(terms) / 2;  // terms of the lower half
+    const V upper = estrin_part<first, terms - split>(powers, coefficients);
+    const V lower = estrin_part<first + terms - split, split>(powers, coefficients);
+    return multiply_add(upper, powers[std::countr_zero(split)], lower);
+  }
+}
+template <class V, class T, size_t count>
+inline V estrin(V x, const T (&coefficients)[count]) {
+  V powers[std::bit_width(count - 1)] = {x};
+  for (size_t i = 1; i < std::size(powers); ++i) powers[i] = powers[i - 1] * powers[i - 1];
+  return estrin_part<0, count>(powers, coefficients);
 }
 
 // (The masked forms at 512 bits are the same instruction; g++ 12 warns in its own header at the
@@ -599,6 +620,30 @@ inline Two<f32> gather_rows<float>(const Row<float>* table, i32 index) {
 }
 #endif
 
+// A row of three numbers, padded to 256 bits.
+struct alignas(32) Row3 {
+  double first, second, third;
+};
+struct Three {
+  f64 first, second, third;
+};
+
+// Rows table[offset / 4], a register for each of their numbers.
+inline Three gather_rows(const Row3* table, i64 offset) {
+#if QOR_LANES_256 && !QOR_LANES_512
+  const auto row = [&](int lane) { return _mm256_load_pd(&table->first + offset[lane]); };
+  const __m256d r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
+  const __m256d even01 = _mm256_unpacklo_pd(r0, r1), odd01 = _mm256_unpackhi_pd(r0, r1);
+  const __m256d even23 = _mm256_unpacklo_pd(r2, r3), odd23 = _mm256_unpackhi_pd(r2, r3);
+  return {std::bit_cast<f64>(_mm256_permute2f128_pd(even01, even23, 0x20)),
+          std::bit_cast<f64>(_mm256_permute2f128_pd(odd01, odd23, 0x20)),
+          std::bit_cast<f64>(_mm256_permute2f128_pd(even01, even23, 0x31))};
+#else
+  return {gather(&table->first, offset), gather(&table->second, offset),
+          gather(&table->third, offset)};
+#endif
+}
+
 // A row of a table of fours, and four registers.
 template <class T>
 struct alignas(4 * sizeof(T)) Row4 {
@@ -721,9 +766,38 @@ inline f64 look_up(const double (&table)[16], i64 index) {
 #endif
 }
 
+#if !QOR_LANES_512
+// Elements of a table of a register, by the index modulo its size.
+inline f32 look_up(const float (&table)[Lanes<float>::count], i32 index) {
+#if QOR_LANES_256
+  return std::bit_cast<f32>(
+      _mm256_permutevar8x32_ps(_mm256_loadu_ps(table), std::bit_cast<__m256i>(index)));
+#else
+  return gather(table, index & 3);
+#endif
+}
+#endif
+
 // ---- Parts of a number ----------------------------------------------------------------------
 
+inline f32 to_float(i32 x) { return __builtin_convertvector(x, f32); }
+
+// The biased exponent of x >= 0.
+inline f32 biased_exponent(f32 x) { return to_float(image(x) >> 23); }
+inline f64 biased_exponent(f64 x) {
+  constexpr double shifter = 0x1p+52;  // there is no conversion from 64 bits below 512
+  const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
+  return from_image(biased | std::bit_cast<int64_t>(shifter)) - shifter;
+}
+
 // floor(log2 x), for normal x > 0.
+inline f32 exponent(f32 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(_mm512_maskz_getexp_ps(0xFFFF, std::bit_cast<__m512>(x)));
+#else
+  return biased_exponent(x) - 127.0f;
+#endif
+}
 inline f64 exponent(f64 x) {
 #if QOR_LANES_512
   return std::bit_cast<f64>(_mm512_maskz_getexp_pd(0xFF, std::bit_cast<__m512d>(x)));
@@ -735,13 +809,22 @@ inline f64 exponent(f64 x) {
 }
 
 // x times a power of 2, in [0.75, 1.5), for normal x > 0.
+inline f32 mantissa_around_one(f32 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(_mm512_maskz_getmant_ps(0xFFFF, std::bit_cast<__m512>(x),
+                                                    _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero));
+#else
+  constexpr int32_t least = 0x3F400000;
+  return from_image(((image(x) - least) & 0x7FFFFF) + least);
+#endif
+}
 inline f64 mantissa_around_one(f64 x) {
 #if QOR_LANES_512
   return std::bit_cast<f64>(_mm512_maskz_getmant_pd(0xFF, std::bit_cast<__m512d>(x),
                                                     _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero));
 #else
-  const f64 m = from_image((image(x) & 0xFFFFFFFFFFFFF) | 0x3FF0000000000000);
-  return m < 1.5 ? m : m * 0.5;
+  constexpr int64_t least = 0x3FE8000000000000;
+  return from_image(((image(x) - least) & 0xFFFFFFFFFFFFF) + least);
 #endif
 }
 
