@@ -28,8 +28,12 @@
   X(d, Exp,    unary, A, A, A, 1.0, 1.0, 1.0) \
   X(d, Pow3o2, unary, A, A, A, 1.0, 1.0, 1.0) \
   X(d, Pow2o3, unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Pow,    binary, A, A, A, 1.0, 1.0, 1.0) \
   X(s, Hypot,  binary, A, A, A, 1.0, 1.0, 1.0) \
-  X(d, Hypot,  binary, A, A, A, 1.0, 1.0, 1.0)
+  X(s, Powr,   binary, A, A, A, 220.3, 220.3, 220.3) \
+  X(d, Pow,    binary, A, B, A, 33.617, 35.876, 33.617) \
+  X(d, Hypot,  binary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Powr,   binary, A, A, A, 220.3, 220.3, 220.3)
 
 /* X(t, name, shape, kernel type, cost): the kernel may be that of another type of the same size. */
 #define QOR_PACK_ROWS(X)
