@@ -12,8 +12,8 @@
 //   Doubt<Real> care(V x) const               lanes that the vector path cannot do, from the input
 //   Outcome<Real> scalar(Real x) const        such a lane: correctly signalled value, and a code
 //
-// and, where they differ from the usual: environment, strided_environment, settle (see
-// settle_lanes). A function without `care` has no side path.
+// and, where they differ from the usual: environment, strided_environment, registers (see
+// run_calm_groups), settle (see settle_lanes). A function without `care` has no side path.
 #pragma once
 
 #include <bit>
@@ -278,12 +278,36 @@ inline uint32_t careful_lanes(const F& f, const Inputs<F>& x) {
   }
 }
 
+// Runs groups of F::registers blocks, with one test of care for all, up to a group with a lane that
+// needs care; returns where it stopped. For functions of a few instructions, where the test weighs.
+template <class F, class Vectors>
+inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i, int64_t n) {
+  constexpr int width = lanes::Lanes<typename F::Real>::count;
+  constexpr int group = F::registers * width;
+  for (; i + group <= n; i += group) {
+    Inputs<F> x[F::registers];
+    for (int r = 0; r < F::registers; ++r) {
+      for (int k = 0; k < F::inputs; ++k) x[r].at[k] = vectors.load(k, i + r * width);
+    }
+    auto doubt = care(f, x[0]);
+    for (int r = 1; r < F::registers; ++r) doubt = doubt | care(f, x[r]);
+    if (lanes::bits(doubt) != 0) [[unlikely]]
+      return i;
+    for (int r = 0; r < F::registers; ++r) {
+      const Outputs<F> y = compute(f, x[r]).y;
+      for (int k = 0; k < F::outputs; ++k) vectors.store(k, i + r * width, y.at[k]);
+    }
+  }
+  return i;
+}
+
 // Runs whole blocks from element i on, up to one with a lane that needs care; returns where it
 // stopped. A function of its own without any call in its loop, so that constants stay in registers
 // (no vector register survives a call).
 template <class F, class Vectors>
 [[gnu::noinline]] int64_t run_calm_blocks(const F f, const Vectors vectors, int64_t i, int64_t n) {
   constexpr int width = lanes::Lanes<typename F::Real>::count;
+  if constexpr (requires { F::registers; }) i = run_calm_groups(f, vectors, i, n);
   for (; i + width <= n; i += width) {
     Inputs<F> x;
     for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i);

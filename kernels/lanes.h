@@ -93,6 +93,16 @@ inline i64 shift_right(i64 x, int by) { return std::bit_cast<i64>(std::bit_cast<
 inline f32 abs(f32 x) { return from_image(image(x) & 0x7FFFFFFF); }
 inline f64 abs(f64 x) { return from_image(image(x) & 0x7FFFFFFFFFFFFFFF); }
 
+// The sign bit alone, and a magnitude (or any value without a sign) with that of `sign`.
+inline i32 sign_bit(f32 x) { return image(x) & std::numeric_limits<int32_t>::min(); }
+inline i64 sign_bit(f64 x) { return image(x) & std::numeric_limits<int64_t>::min(); }
+inline f32 with_sign(f32 magnitude, f32 sign) {
+  return from_image(image(magnitude) | sign_bit(sign));
+}
+inline f64 with_sign(f64 magnitude, f64 sign) {
+  return from_image(image(magnitude) | sign_bit(sign));
+}
+
 // ---- Masks ----------------------------------------------------------------------------------
 
 // The lane mask as bits, bit i for lane i.
@@ -171,6 +181,47 @@ inline Doubt<double> outside(i64 image, int32_t first, int32_t last) {
   const u64 moved = std::bit_cast<u64>(image) - move;
   return high_word_above(std::bit_cast<i64>(moved),
                          static_cast<int32_t>(last - first) ^ std::numeric_limits<int32_t>::min());
+}
+
+// Magnitudes whose image (of a double the high word) is not within first to last.
+template <class V>
+inline auto magnitude_outside(V x, int32_t first, int32_t last) {
+  return outside(image(abs(x)), first, last);
+}
+
+// Infinities and NaN.
+inline Doubt<float> not_finite(f32 x) { return above(image(abs(x)), 0x7F7FFFFF); }
+inline Doubt<double> not_finite(f64 x) { return high_word_above(image(abs(x)), 0x7FEFFFFF); }
+
+// Lanes with x equal to y; a quiet NaN is equal to nothing and raises nothing.
+inline Doubt<float> equal(f32 x, f32 y) {
+#if QOR_LANES_512
+  return {_mm512_cmp_ps_mask(std::bit_cast<__m512>(x), std::bit_cast<__m512>(y), _CMP_EQ_OQ)};
+#else
+  return {x == y};
+#endif
+}
+inline Doubt<double> equal(f64 x, f64 y) {
+#if QOR_LANES_512
+  return {_mm512_cmp_pd_mask(std::bit_cast<__m512d>(x), std::bit_cast<__m512d>(y), _CMP_EQ_OQ)};
+#else
+  return {x == y};
+#endif
+}
+
+// Whole-lane mask of the magnitudes at or above a power of two, infinity and NaN included; raises
+// no flag.
+inline Lanes<float>::M magnitude_from(f32 magnitude, float power) {
+  return image(magnitude) > std::bit_cast<int32_t>(power) - 1;
+}
+inline Lanes<double>::M magnitude_from(f64 magnitude, double power) {
+#if QOR_LANES_512 || QOR_LANES_256
+  return image(magnitude) > std::bit_cast<int64_t>(power) - 1;
+#else
+  const auto high = static_cast<int32_t>(std::bit_cast<int64_t>(power) >> 32);
+  const i32 words = std::bit_cast<i32>(magnitude) > high - 1;
+  return std::bit_cast<i64>(_mm_shuffle_epi32(std::bit_cast<__m128i>(words), 0xF5));
+#endif
 }
 
 // The bits of the first `count` lanes.
@@ -267,6 +318,128 @@ inline f64 sqrt(f64 x) {
 #endif
 }
 
+// a + b and a * b with the operands in this order, so that of two NaN the first is the result
+// wherever the element stands: the compiler is free to swap the operands of + and *.
+inline f32 ordered_sum(f32 a, f32 b) {
+#if QOR_LANES_512
+  asm("vaddps %1, %0, %0" : "+v"(a) : "v"(b));
+#elif QOR_LANES_256
+  asm("vaddps %1, %0, %0" : "+x"(a) : "x"(b));
+#else
+  asm("addps %1, %0" : "+x"(a) : "x"(b));
+#endif
+  return a;
+}
+inline f64 ordered_sum(f64 a, f64 b) {
+#if QOR_LANES_512
+  asm("vaddpd %1, %0, %0" : "+v"(a) : "v"(b));
+#elif QOR_LANES_256
+  asm("vaddpd %1, %0, %0" : "+x"(a) : "x"(b));
+#else
+  asm("addpd %1, %0" : "+x"(a) : "x"(b));
+#endif
+  return a;
+}
+inline f32 ordered_product(f32 a, f32 b) {
+#if QOR_LANES_512
+  asm("vmulps %1, %0, %0" : "+v"(a) : "v"(b));
+#elif QOR_LANES_256
+  asm("vmulps %1, %0, %0" : "+x"(a) : "x"(b));
+#else
+  asm("mulps %1, %0" : "+x"(a) : "x"(b));
+#endif
+  return a;
+}
+inline f64 ordered_product(f64 a, f64 b) {
+#if QOR_LANES_512
+  asm("vmulpd %1, %0, %0" : "+v"(a) : "v"(b));
+#elif QOR_LANES_256
+  asm("vmulpd %1, %0, %0" : "+x"(a) : "x"(b));
+#else
+  asm("mulpd %1, %0" : "+x"(a) : "x"(b));
+#endif
+  return a;
+}
+
+// The processor's maximum and minimum: of equal operands (zeros of either sign) the second. (The
+// masked forms at 512 bits are the same instruction; g++ 12 warns in its own header at the others.)
+inline f32 maximum(f32 a, f32 b) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(
+      _mm512_maskz_max_ps(0xFFFF, std::bit_cast<__m512>(a), std::bit_cast<__m512>(b)));
+#elif QOR_LANES_256
+  return std::bit_cast<f32>(_mm256_max_ps(std::bit_cast<__m256>(a), std::bit_cast<__m256>(b)));
+#else
+  return std::bit_cast<f32>(_mm_max_ps(std::bit_cast<__m128>(a), std::bit_cast<__m128>(b)));
+#endif
+}
+inline f64 maximum(f64 a, f64 b) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(
+      _mm512_maskz_max_pd(0xFF, std::bit_cast<__m512d>(a), std::bit_cast<__m512d>(b)));
+#elif QOR_LANES_256
+  return std::bit_cast<f64>(_mm256_max_pd(std::bit_cast<__m256d>(a), std::bit_cast<__m256d>(b)));
+#else
+  return std::bit_cast<f64>(_mm_max_pd(std::bit_cast<__m128d>(a), std::bit_cast<__m128d>(b)));
+#endif
+}
+inline f32 minimum(f32 a, f32 b) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(
+      _mm512_maskz_min_ps(0xFFFF, std::bit_cast<__m512>(a), std::bit_cast<__m512>(b)));
+#elif QOR_LANES_256
+  return std::bit_cast<f32>(_mm256_min_ps(std::bit_cast<__m256>(a), std::bit_cast<__m256>(b)));
+#else
+  return std::bit_cast<f32>(_mm_min_ps(std::bit_cast<__m128>(a), std::bit_cast<__m128>(b)));
+#endif
+}
+inline f64 minimum(f64 a, f64 b) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(
+      _mm512_maskz_min_pd(0xFF, std::bit_cast<__m512d>(a), std::bit_cast<__m512d>(b)));
+#elif QOR_LANES_256
+  return std::bit_cast<f64>(_mm256_min_pd(std::bit_cast<__m256d>(a), std::bit_cast<__m256d>(b)));
+#else
+  return std::bit_cast<f64>(_mm_min_pd(std::bit_cast<__m128d>(a), std::bit_cast<__m128d>(b)));
+#endif
+}
+
+// To an integer in the direction given, by one instruction, where the level has it: the sign stays,
+// NaN is quieted, the inexact flag says that the value changed.
+enum class Direction {
+  nearest = _MM_FROUND_TO_NEAREST_INT,
+  down = _MM_FROUND_TO_NEG_INF,
+  up = _MM_FROUND_TO_POS_INF,
+  to_zero = _MM_FROUND_TO_ZERO
+};
+#if QOR_LANES_512
+inline constexpr bool has_round = true;
+template <Direction direction>
+inline f32 round_to(f32 x) {
+  return std::bit_cast<f32>(
+      _mm512_maskz_roundscale_ps(0xFFFF, std::bit_cast<__m512>(x), static_cast<int>(direction)));
+}
+template <Direction direction>
+inline f64 round_to(f64 x) {
+  return std::bit_cast<f64>(
+      _mm512_maskz_roundscale_pd(0xFF, std::bit_cast<__m512d>(x), static_cast<int>(direction)));
+}
+#elif QOR_LANES_256
+inline constexpr bool has_round = true;
+template <Direction direction>
+inline f32 round_to(f32 x) {
+  return std::bit_cast<f32>(_mm256_round_ps(std::bit_cast<__m256>(x), static_cast<int>(direction)));
+}
+template <Direction direction>
+inline f64 round_to(f64 x) {
+  return std::bit_cast<f64>(
+      _mm256_round_pd(std::bit_cast<__m256d>(x), static_cast<int>(direction)));
+}
+#else
+inline constexpr bool has_round = false;
+template <Direction direction, class V>
+V round_to(V x);  // never asked for
+#endif
 // 1 / sqrt(x) to a relative error below 1.5 * 2^-12, x positive and normal (the same instruction
 // family at all levels, not the same bits).
 inline f32 inverse_root_estimate(f32 x) {
@@ -468,12 +641,12 @@ inline Two<f64> gather_rows<double>(const Row<double>* table, i64 index) {
 // Rows loaded whole and transposed.
 template <>
 inline Two<f32> gather_rows<float>(const Row<float>* table, i32 index) {
-  const auto rows = [&](int lane) {
-    f64 two;  // a row of floats has the size of a double
-    std::memcpy(&two[0], table + index[lane], sizeof two[0]);
-    std::memcpy(&two[1], table + index[lane + 1], sizeof two[1]);
-    return std::bit_cast<f32>(two);
+  const auto row = [&](int lane) {
+    double loaded;  // a row of floats has the size of a double
+    std::memcpy(&loaded, table + index[lane], sizeof loaded);
+    return loaded;
   };
+  const auto rows = [&](int lane) { return std::bit_cast<f32>(f64{row(lane), row(lane + 1)}); };
   const f32 first = rows(0), second = rows(2);
   return {__builtin_shufflevector(first, second, 0, 2, 4, 6),
           __builtin_shufflevector(first, second, 1, 3, 5, 7)};
@@ -565,14 +738,34 @@ inline Four<f32> gather_rows(const Row4<float>* table, i32 index) {
           shuffle<high>(ab23, cd23)};
 }
 
-// Whether `look_up` is a permutation of registers, much faster than a gather.
+// Whether `look_up` of the type is a permutation of registers, much faster than a gather.
 #if QOR_LANES_512
+template <class T>
 inline constexpr bool has_register_tables = true;
+#elif QOR_LANES_256
+template <class T>
+inline constexpr bool has_register_tables = sizeof(T) == sizeof(float);
 #else
+template <class T>
 inline constexpr bool has_register_tables = false;
 #endif
 
 // Elements table[index mod 16].
+inline f32 look_up(const float (&table)[16], i32 index) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(_mm512_mask_permutexvar_ps(
+      _mm512_setzero_ps(), 0xFFFF, std::bit_cast<__m512i>(index), _mm512_loadu_ps(table)));
+#elif QOR_LANES_256
+  const auto at = std::bit_cast<__m256i>(index);
+  const auto lower = _mm256_permutevar8x32_ps(_mm256_loadu_ps(table), at);
+  const auto upper = _mm256_permutevar8x32_ps(_mm256_loadu_ps(table + 8), at);
+  return std::bit_cast<f32>(
+      _mm256_blendv_ps(lower, upper, _mm256_castsi256_ps(_mm256_slli_epi32(at, 28))));
+#else
+  return gather(table, index & 15);
+#endif
+}
+
 inline f64 look_up(const double (&table)[16], i64 index) {
 #if QOR_LANES_512
   return std::bit_cast<f64>(_mm512_permutex2var_pd(
@@ -594,6 +787,30 @@ inline f32 look_up(const float (&table)[16], i32 index) {
   return std::bit_cast<f32>(_mm256_blendv_ps(low, high, is_high));
 #else
   return gather(table, index & 15);
+#endif
+}
+
+// ---- Parts of a number ----------------------------------------------------------------------
+
+// floor(log2 x), for normal x > 0.
+inline f64 exponent(f64 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(_mm512_maskz_getexp_pd(0xFF, std::bit_cast<__m512d>(x)));
+#else
+  constexpr double shifter = 0x1p+52;
+  const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
+  return from_image(biased | std::bit_cast<int64_t>(shifter)) - (shifter + 1023);
+#endif
+}
+
+// x times a power of 2, in [0.75, 1.5), for normal x > 0.
+inline f64 mantissa_around_one(f64 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(_mm512_maskz_getmant_pd(0xFF, std::bit_cast<__m512d>(x),
+                                                    _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero));
+#else
+  const f64 m = from_image((image(x) & 0xFFFFFFFFFFFFF) | 0x3FF0000000000000);
+  return m < 1.5 ? m : m * 0.5;
 #endif
 }
 
