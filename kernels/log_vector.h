@@ -42,7 +42,7 @@ using Pair = lanes::Two<V<T>>;
 // The cells' table and polynomial that suit the level: cells in memory or cells in registers.
 template <class InMemory, class InRegisters>
 constexpr const auto& for_doubles(const InMemory& in_memory, const InRegisters& in_registers) {
-  if constexpr (lanes::has_register_tables) {
+  if constexpr (lanes::has_register_tables<double>) {
     return in_registers;
   } else {
     return in_memory;
