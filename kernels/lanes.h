@@ -214,6 +214,18 @@ inline V horner(V x, const T (&coefficients)[count]) {
   return sum;
 }
 
+// The larger of two numbers; b if they are unordered.
+inline f32 larger(f32 a, f32 b) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(_mm512_mask_max_ps(_mm512_setzero_ps(), 0xFFFF,
+                                               std::bit_cast<__m512>(a), std::bit_cast<__m512>(b)));
+#elif QOR_LANES_256
+  return std::bit_cast<f32>(_mm256_max_ps(std::bit_cast<__m256>(a), std::bit_cast<__m256>(b)));
+#else
+  return std::bit_cast<f32>(_mm_max_ps(std::bit_cast<__m128>(a), std::bit_cast<__m128>(b)));
+#endif
+}
+
 inline f32 sqrt(f32 x) {
 #if QOR_LANES_512
   return std::bit_cast<f32>(_mm512_sqrt_ps(std::bit_cast<__m512>(x)));

@@ -15,6 +15,7 @@
 /* clang-format off */
 #define QOR_FUNCTION_ROWS(X) \
   X(s, Exp,    unary, A, A, A, 15.62, 15.62, 15.62) \
+  X(s, Expm1,  unary, A, A, A, 1.0, 1.0, 1.0) \
   X(s, Exp2,   unary, A, A, A, 220.3, 220.3, 220.3) \
   X(s, Exp10,  unary, A, A, A, 220.3, 220.3, 220.3) \
   X(d, Exp,    unary, A, A, A, 1.0, 1.0, 1.0) \
