@@ -19,6 +19,7 @@
   X(s, Exp2,   unary, A, A, A, 220.3, 220.3, 220.3) \
   X(s, Exp10,  unary, A, A, A, 220.3, 220.3, 220.3) \
   X(d, Exp,    unary, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Expm1,  unary, A, A, A, 1.0, 1.0, 1.0) \
   X(d, Exp2,   unary, A, A, A, 220.3, 220.3, 220.3) \
   X(d, Exp10,  unary, A, A, A, 220.3, 220.3, 220.3)
 
