@@ -588,10 +588,10 @@ inline Two<f64> gather_rows<double>(const Row<double>* table, i64 index) {
 template <>
 inline Two<f32> gather_rows<float>(const Row<float>* table, i32 index) {
   const auto rows = [&](int lane) {
-    f64 two;  // a row of floats has the size of a double
-    std::memcpy(&two[0], table + index[lane], sizeof two[0]);
-    std::memcpy(&two[1], table + index[lane + 1], sizeof two[1]);
-    return std::bit_cast<f32>(two);
+    double even, odd;  // a row of floats has the size of a double
+    std::memcpy(&even, table + index[lane], sizeof even);
+    std::memcpy(&odd, table + index[lane + 1], sizeof odd);
+    return std::bit_cast<f32>(f64{even, odd});
   };
   const f32 first = rows(0), second = rows(2);
   return {__builtin_shufflevector(first, second, 0, 2, 4, 6),
