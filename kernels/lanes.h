@@ -185,9 +185,15 @@ inline auto magnitude_outside(V x, int32_t first, int32_t last) {
   return outside(image(abs(x)), first, last);
 }
 
+// Magnitudes whose image (of a double the high word) is above `last`.
+inline Doubt<float> magnitude_above(f32 x, int32_t last) { return above(image(abs(x)), last); }
+inline Doubt<double> magnitude_above(f64 x, int32_t last) {
+  return high_word_above(image(abs(x)), last);
+}
+
 // Infinities and NaN.
-inline Doubt<float> not_finite(f32 x) { return above(image(abs(x)), 0x7F7FFFFF); }
-inline Doubt<double> not_finite(f64 x) { return high_word_above(image(abs(x)), 0x7FEFFFFF); }
+inline Doubt<float> not_finite(f32 x) { return magnitude_above(x, 0x7F7FFFFF); }
+inline Doubt<double> not_finite(f64 x) { return magnitude_above(x, 0x7FEFFFFF); }
 
 // Lanes with x equal to y; a quiet NaN is equal to nothing and raises nothing.
 inline Doubt<float> equal(f32 x, f32 y) {
@@ -587,12 +593,12 @@ inline Two<f64> gather_rows<double>(const Row<double>* table, i64 index) {
 // Rows loaded whole and transposed.
 template <>
 inline Two<f32> gather_rows<float>(const Row<float>* table, i32 index) {
-  const auto rows = [&](int lane) {
-    double even, odd;  // a row of floats has the size of a double
-    std::memcpy(&even, table + index[lane], sizeof even);
-    std::memcpy(&odd, table + index[lane + 1], sizeof odd);
-    return std::bit_cast<f32>(f64{even, odd});
+  const auto row = [&](int lane) {
+    double loaded;  // a row of floats has the size of a double
+    std::memcpy(&loaded, table + index[lane], sizeof loaded);
+    return loaded;
   };
+  const auto rows = [&](int lane) { return std::bit_cast<f32>(f64{row(lane), row(lane + 1)}); };
   const f32 first = rows(0), second = rows(2);
   return {__builtin_shufflevector(first, second, 0, 2, 4, 6),
           __builtin_shufflevector(first, second, 1, 3, 5, 7)};
@@ -684,14 +690,34 @@ inline Four<f32> gather_rows(const Row4<float>* table, i32 index) {
           shuffle<high>(ab23, cd23)};
 }
 
-// Whether `look_up` is a permutation of registers, much faster than a gather.
+// Whether `look_up` of the type is a permutation of registers, much faster than a gather.
 #if QOR_LANES_512
+template <class T>
 inline constexpr bool has_register_tables = true;
+#elif QOR_LANES_256
+template <class T>
+inline constexpr bool has_register_tables = sizeof(T) == sizeof(float);
 #else
+template <class T>
 inline constexpr bool has_register_tables = false;
 #endif
 
 // Elements table[index mod 16].
+inline f32 look_up(const float (&table)[16], i32 index) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(_mm512_mask_permutexvar_ps(
+      _mm512_setzero_ps(), 0xFFFF, std::bit_cast<__m512i>(index), _mm512_loadu_ps(table)));
+#elif QOR_LANES_256
+  const auto at = std::bit_cast<__m256i>(index);
+  const auto lower = _mm256_permutevar8x32_ps(_mm256_loadu_ps(table), at);
+  const auto upper = _mm256_permutevar8x32_ps(_mm256_loadu_ps(table + 8), at);
+  return std::bit_cast<f32>(
+      _mm256_blendv_ps(lower, upper, _mm256_castsi256_ps(_mm256_slli_epi32(at, 28))));
+#else
+  return gather(table, index & 15);
+#endif
+}
+
 inline f64 look_up(const double (&table)[16], i64 index) {
 #if QOR_LANES_512
   return std::bit_cast<f64>(_mm512_permutex2var_pd(

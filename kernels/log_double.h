@@ -157,7 +157,7 @@ inline f64 by_cells(f64 x, R rest) {
 // log_b(x + rest), x normal and positive.
 template <class Base, class R = NoRest>
 inline f64 logarithm(f64 x, R rest = {}) {
-  if constexpr (lanes::has_register_tables) {
+  if constexpr (lanes::has_register_tables<double>) {
     return by_cells<Base>(x, rest);
   } else {
     return by_rows<Base>(x, rest);

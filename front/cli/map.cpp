@@ -121,7 +121,9 @@ void run(const Arguments& arguments, Output& output) {
 }
 
 std::string more_help() {
-  return "Missing values (empty, NA) stay missing. A function of two inputs takes two columns.\n"
+  return "Missing values (empty, NA) go in as NaN, and NaN comes out as NA. A function of two "
+         "inputs\n"
+         "takes two columns.\n"
          "Functions, upper and lower case alike: " +
          names_of_functions() + "\n";
 }

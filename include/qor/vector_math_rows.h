@@ -34,6 +34,8 @@
   X(s, Log1p,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Pow3o2,     unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Pow2o3,     unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Exp2,       unary,           A, A, A, 220.3, 220.3, 220.3) \
+  X(s, Exp10,      unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(s, Log2,       unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(s, Logb,       unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(d, Ceil,       unary,           A, A, A, 1.0, 1.0, 1.0) \
@@ -56,6 +58,8 @@
   X(d, Log1p,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Pow3o2,     unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Pow2o3,     unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Exp2,       unary,           A, A, A, 220.3, 220.3, 220.3) \
+  X(d, Exp10,      unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(d, Log2,       unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(d, Logb,       unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(s, Div,        binary,          A, A, A, 1.0, 1.0, 1.0) \
