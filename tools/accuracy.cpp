@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -24,7 +24,8 @@ using qor::tools::AccuracyLine;
 using qor::tools::Measurement;
 
 struct Options {
-  std::string only, page, levels = QOR_BUILD_LEVELS, level = "v?";
+  std::vector<std::string> only;  // names of functions; empty for all
+  std::string page, levels = QOR_BUILD_LEVELS, level = "v?";
   uint64_t count = 1 << 18;
   bool exhaustive = false;
   int threads = 2;
@@ -38,6 +39,13 @@ struct Options {
   std::exit(2);
 }
 
+std::vector<std::string> split(const std::string& names) {
+  std::vector<std::string> list;
+  std::istringstream stream(names);
+  for (std::string name; std::getline(stream, name, ',');) list.push_back(name);
+  return list;
+}
+
 Options parse(const std::vector<std::string>& words) {
   Options options;
   for (size_t i = 0; i < words.size(); ++i) {
@@ -48,7 +56,7 @@ Options parse(const std::vector<std::string>& words) {
     if (i + 1 == words.size()) usage(words[i].c_str());
     const std::string& value = words[i + 1];
     if (words[i] == "--only") {
-      options.only = "," + value + ",";
+      options.only = split(value);
     } else if (words[i] == "--count") {
       options.count = std::strtoull(value.c_str(), nullptr, 10);
     } else if (words[i] == "--threads") {
@@ -78,29 +86,33 @@ void print_line(const Options& options, const Row<T>& row, int slot, const Measu
                 const std::string& arguments) {
   std::string at;
   if (found.worst > 0) {
-    for (int k = 0; k < row.shape.numbers_in(); ++k) at += (k > 0 ? ", " : "") + number("%a", found.at[static_cast<size_t>(k)]);
+    for (int k = 0; k < row.shape.numbers_in(); ++k)
+      at.append(k > 0 ? ", " : "").append(number("%a", found.at[static_cast<size_t>(k)]));
   }
-  const AccuracyLine line{row.name(), options.level, row.sharing(slot),
-                          number("%.4f", found.worst), at, number("%.4f", found.mean()), arguments};
+  const AccuracyLine line{row.name(),
+                          options.level,
+                          row.sharing(slot),
+                          number("%.4f", found.worst),
+                          at,
+                          number("%.4f", found.mean()),
+                          arguments};
   std::printf("%s\n", qor::tools::to_text(line).c_str());
   std::fflush(stdout);
 }
 
 template <class T>
 void measure(const Options& options, const Row<T>& row) {
-  if (!options.only.empty() && options.only.find("," + row.name() + ",") == std::string::npos) {
-    return;
-  }
+  if (!options.only.empty() && std::ranges::count(options.only, row.name()) == 0) return;
   for (int slot : row.distinct_slots()) {
     if constexpr (sizeof(T) == sizeof(float)) {
       if (options.exhaustive && row.shape.numbers_in() == 1 && row.shape.outputs == 1 &&
           row.reference->in_double != nullptr) {
-        print_line(options, row, slot, measure_all(row, slot, options.threads),
+        print_line(options, row, slot, qor::tools::measure_all(row, slot, options.threads),
                    qor::tools::every_argument);
         continue;
       }
     }
-    const Measurement found = measure_sample(row, slot, options.count);
+    const Measurement found = qor::tools::measure_sample(row, slot, options.count);
     print_line(options, row, slot, found, std::to_string(found.count));
   }
 }

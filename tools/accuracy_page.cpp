@@ -47,7 +47,9 @@ std::vector<AccuracyLine> read_page(const std::string& path) {
 }
 
 bool replaces(const AccuracyLine& fresh, const AccuracyLine& old) {
-  const auto worst = [](const AccuracyLine& line) { return std::strtod(line.worst.c_str(), nullptr); };
+  const auto worst = [](const AccuracyLine& line) {
+    return std::strtod(line.worst.c_str(), nullptr);
+  };
   return fresh.exhaustive() || !old.exhaustive() || worst(fresh) > worst(old);
 }
 

@@ -24,7 +24,8 @@ std::string to_text(const AccuracyLine& line);
 AccuracyLine from_text(const std::string& text);
 
 // Writes the page anew, in the order of the row list: `measured` in place of what the page said of
-// the same kernels. A sample leaves a line over all arguments standing unless it shows a worse case.
+// the same kernels. A sample leaves a line over all arguments standing unless it shows a worse
+// case.
 void write_accuracy_page(const std::string& path, const std::vector<AccuracyLine>& measured);
 
 }  // namespace qor::tools

@@ -13,7 +13,7 @@ bool processor_has(const std::string& level) {
   return true;
 }
 
-std::string quoted(const std::string& word) { return "'" + word + "'"; }
+std::string quoted(const std::string& word) { return std::string("'").append(word).append("'"); }
 
 }  // namespace
 
@@ -31,7 +31,7 @@ std::vector<std::string> run_on_level(const std::string& folder, const std::stri
                                       const std::vector<std::string>& arguments) {
   std::string command = "LD_LIBRARY_PATH=" + quoted(folder + "/" + level) + " " +
                         quoted(std::filesystem::read_symlink("/proc/self/exe").string());
-  for (const std::string& argument : arguments) command += " " + quoted(argument);
+  for (const std::string& argument : arguments) command.append(" ").append(quoted(argument));
   FILE* const pipe = popen(command.c_str(), "r");
   std::vector<std::string> lines;
   char text[4096];

@@ -63,6 +63,7 @@
   X(d, Log2,       unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(d, Logb,       unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(s, Div,        binary,          A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Pow,        binary,          A, A, A, 1.0, 1.0, 1.0) \
   X(s, Hypot,      binary,          A, A, A, 1.0, 1.0, 1.0) \
   X(s, Add,        binary,          A, A, A, 0.79, 0.79, 0.79) \
   X(s, Sub,        binary,          A, A, A, 0.79, 0.79, 0.79) \
@@ -74,9 +75,11 @@
   X(s, Fmin,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(s, MaxMag,     binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(s, MinMag,     binary,          A, A, A, 220.3, 220.3, 220.3) \
+  X(s, Powr,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(s, Remainder,  binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(s, Fmod,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, Div,        binary,          A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Pow,        binary,          A, B, A, 33.617, 35.876, 33.617) \
   X(d, Hypot,      binary,          A, A, A, 1.0, 1.0, 1.0) \
   X(d, Add,        binary,          A, A, A, 1.85, 1.85, 1.85) \
   X(d, Sub,        binary,          A, A, A, 1.0, 1.0, 1.0) \
@@ -88,6 +91,7 @@
   X(d, Fmin,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, MaxMag,     binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, MinMag,     binary,          A, A, A, 220.3, 220.3, 220.3) \
+  X(d, Powr,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, Remainder,  binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, Fmod,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(s, Modf,       two_outputs,     A, A, A, 1.0, 1.0, 1.0) \

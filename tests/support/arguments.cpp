@@ -74,6 +74,22 @@ std::vector<T> extremes() {
   return list;
 }
 
+// Pairs, and elements of complex numbers, of all extremes.
+template <class T>
+Batch<T> hard_pairs(const Row<T>& row) {
+  const bool tame = row.reference->pairing == Pairing::near_one;
+  const std::vector<T> list = tame ? std::vector<T>{T(0.5), 1, T(1.5), 2, 3, 7} : extremes<T>();
+  const auto parts = static_cast<size_t>(row.shape.input_parts);
+  Batch<T> batch;
+  for (T a : list) {
+    for (T b : list) {
+      batch.in[0].insert(batch.in[0].end(), parts, a);
+      batch.in[1].insert(batch.in[1].end(), parts, b);
+    }
+  }
+  return batch;
+}
+
 }  // namespace
 
 template <class T>
@@ -91,24 +107,16 @@ Arguments<T>::Arguments(const Row<T>& row, uint64_t seed) : row_(row), engine_(s
 template <class T>
 Batch<T> Arguments<T>::hard() const {
   constexpr Format format = format_of<T>;
-  Batch<T> batch;
-  std::vector<T>& x = batch.in[0];
-  if (row_.shape.inputs == 2) {
-    for (T a : extremes<T>()) {
-      for (T b : extremes<T>()) {
-        batch.in[0].insert(batch.in[0].end(), static_cast<size_t>(row_.shape.input_parts), a);
-        batch.in[1].insert(batch.in[1].end(), static_cast<size_t>(row_.shape.input_parts), b);
-      }
-    }
-  } else {
+  Batch<T> batch = row_.shape.inputs == 2 ? hard_pairs(row_) : Batch<T>{};
+  if (row_.shape.inputs == 1) {
+    std::vector<T>& x = batch.in[0];
     x = extremes<T>();
     for (T edge : edges_) add_neighbourhood(x, edge, 64);
     for (int e = format.min_exponent - format.digits; e < format.max_exponent; ++e) {
       for (T sign : {T(1), T(-1)}) add_neighbourhood(x, std::ldexp(sign, e), 2);
     }
     for (int i = -128; i <= 128; ++i) add_neighbourhood(x, static_cast<T>(i) / 2, 3);
-    x.resize(x.size() / static_cast<size_t>(row_.shape.input_parts) *
-             static_cast<size_t>(row_.shape.input_parts));
+    if (x.size() % static_cast<size_t>(row_.shape.input_parts) != 0) x.push_back(T(1));
   }
   if (row_.shape.scalars > 0) batch.scalar = {T(2.5), T(0.5), T(1.5), T(0.25)};
   return batch;
@@ -128,10 +136,8 @@ T Arguments<T>::by_exponent() {
 template <class T>
 T Arguments<T>::between_edges() {
   const size_t i = below(edges_.size() - 1);
-  const double t = unit();
-  const double x =
-      static_cast<double>(edges_[i]) * (1.0 - t) + static_cast<double>(edges_[i + 1]) * t;
-  return static_cast<T>(x);
+  const double t = unit(), left = static_cast<double>(edges_[i]);
+  return static_cast<T>(left * (1.0 - t) + static_cast<double>(edges_[i + 1]) * t);
 }
 
 // Within a random power of two of steps.
@@ -143,10 +149,30 @@ T Arguments<T>::near(T x) {
       std::clamp(position(x) + steps, -last_position<T> + 1, last_position<T> - 1));
 }
 
+// Positive and not far from one.
+template <class T>
+T Arguments<T>::near_one() {
+  return static_cast<T>(0.1 + 10 * unit());
+}
+
+template <class T>
+T Arguments<T>::first() {
+  if (row_.reference->pairing == Pairing::near_one) return near_one();
+  switch (below(4)) {
+    case 0:
+      return between_edges();
+    case 1:
+      return near(below(2) == 0 ? edges_[below(edges_.size())] : T(1));
+    default:
+      return by_exponent();
+  }
+}
+
 // A number for the pair: of any exponent, of a near one, a near number or a small integer.
 template <class T>
-T Arguments<T>::other_of_pair(T first) {
+T Arguments<T>::second(T first) {
   if (row_.reference->pairing == Pairing::power) return exponent_for(first);
+  if (row_.reference->pairing == Pairing::near_one) return near_one();
   switch (below(4)) {
     case 0:
       return by_exponent();
@@ -171,47 +197,30 @@ T Arguments<T>::exponent_for(T base) {
   if (logarithm == 0 || !std::isfinite(logarithm)) return by_exponent();
   const double y = (lowest + (highest - lowest) * unit()) / logarithm;
   const double kept = base < 0 || below(8) == 0 ? std::rint(y) : y;
-  return static_cast<T>(std::clamp(kept, -1e300, 1e300));
+  constexpr double kLargest = std::numeric_limits<T>::max();
+  return static_cast<T>(std::clamp(kept, -kLargest, kLargest));
 }
 
 template <class T>
 void Arguments<T>::add_scalars(Batch<T>& batch) {
-  if (row_.shape.scalars == 0) return;
-  if (row_.reference->pairing == Pairing::power) {
-    constexpr T kExponents[] = {T(3), T(-2), T(1) / 3, T(2.5),  T(-0.1), T(7.25), T(0.999), T(-1.5),
-                                T(2), T(1),  T(0.5),   T(-0.5), T(1.5),  T(-1),   T(0)};
-    batch.scalar[0] = kExponents[below(std::size(kExponents))];
-    return;
+  if (row_.reference->pairing == Pairing::near_one) {
+    for (T& scalar : batch.scalar) scalar = near_one();
+  } else {
+    constexpr T kExponents[] = {3, -2, T(1) / 3, T(2.5),  T(-0.1), T(7.25), T(0.999), T(-1.5),
+                                2, 1,  T(0.5),   T(-0.5), T(1.5),  -1,      0};
+    for (T& scalar : batch.scalar) scalar = kExponents[below(std::size(kExponents))];
   }
-  for (T& scalar : batch.scalar) scalar = static_cast<T>(0.1 + 10 * unit());
 }
 
 template <class T>
 Batch<T> Arguments<T>::random(size_t count) {
   Batch<T> batch;
-  const size_t numbers = count * static_cast<size_t>(row_.shape.input_parts);
-  for (size_t i = 0; i < numbers; ++i) {
-    const bool pair = row_.shape.inputs == 2;
-    T x = by_exponent();
-    switch (below(4)) {
-      case 0:
-        x = between_edges();
-        break;
-      case 1:
-        x = below(2) == 0 ? near(edges_[below(edges_.size())]) : near(T(1));
-        break;
-      default:
-        break;
-    }
-    // A fraction of two lines is well conditioned between positive numbers.
-    if (row_.shape.scalars == 4) x = static_cast<T>(0.1 + 10 * unit());
+  for (size_t i = 0; i < count * static_cast<size_t>(row_.shape.input_parts); ++i) {
+    const T x = first();
     batch.in[0].push_back(x);
-    if (pair) {
-      batch.in[1].push_back(row_.shape.scalars == 4 ? static_cast<T>(0.1 + 10 * unit())
-                                                    : other_of_pair(x));
-    }
+    if (row_.shape.inputs == 2) batch.in[1].push_back(second(x));
   }
-  add_scalars(batch);
+  if (row_.shape.scalars > 0) add_scalars(batch);
   return batch;
 }
 

@@ -58,7 +58,9 @@ class Arguments {
   T by_exponent();
   T between_edges();
   T near(T x);
-  T other_of_pair(T first);
+  T near_one();
+  T first();
+  T second(T first);
   T exponent_for(T base);
   void add_scalars(Batch<T>& batch);
   size_t below(size_t n) { return static_cast<size_t>(engine_() % n); }

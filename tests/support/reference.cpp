@@ -214,7 +214,7 @@ const Reference MinMag{smaller_magnitude, 0.0, 0.0, kSilent, nullptr};
 const Reference Remainder{two<mpfr_remainder>, 0.0, 0.0, codes({1}), "remainder"};
 const Reference Fmod{two<mpfr_fmod>, 0.0, 0.0, codes({2}), "fmod"};
 // Two roundings in either line, one in the division; in s that is an estimate, refined.
-const Reference LinearFrac{linear_fraction, 6.0, 5.0, kSilent, nullptr};
+const Reference LinearFrac{linear_fraction, 6.0, 5.0, kSilent, nullptr, nullptr, Pairing::near_one};
 // clang-format on
 
 }  // namespace references
@@ -223,8 +223,11 @@ const Reference LinearFrac{linear_fraction, 6.0, 5.0, kSilent, nullptr};
 
 namespace {
 
-void set_exactly(mpfr_ptr to, float x) { mpfr_set_flt(to, x, MPFR_RNDN); }
-void set_exactly(mpfr_ptr to, double x) { mpfr_set_d(to, x, MPFR_RNDN); }
+// The sign of a NaN included, which functions that copy signs look at.
+void set_exactly(mpfr_ptr to, double x) {
+  mpfr_set_d(to, x, MPFR_RNDN);
+  mpfr_setsign(to, to, std::signbit(x), MPFR_RNDN);
+}
 
 }  // namespace
 
@@ -246,7 +249,7 @@ template <class T>
 void Value<T>::compute(const Reference& reference, const T* in, int inputs) {
   mpfr_srcptr arguments[most_inputs];
   for (int k = 0; k < inputs; ++k) {
-    set_exactly(in_[k], in[k]);
+    set_exactly(in_[k], static_cast<double>(in[k]));
     arguments[k] = in_[k];
   }
   mpfr_ptr const results[most_outputs] = {out_[0], out_[1]};
@@ -279,7 +282,7 @@ double Value<T>::error(int k, T computed) const {
     mpfr_set_si_2exp(distance_, negative ? -1 : 1, format.max_exponent, MPFR_RNDN);
   } else {
     if (mpfr_inf_p(exact)) return kWrong;
-    set_exactly(distance_, computed);
+    set_exactly(distance_, static_cast<double>(computed));
   }
   mpfr_sub(distance_, distance_, exact, MPFR_RNDN);
   const auto exponent =

@@ -25,10 +25,11 @@ struct Format {
 // the kernel's arguments, a complex one as two, the scalars of a call behind them.
 using Compute = void (*)(mpfr_ptr const* out, mpfr_srcptr const* in, const Format& format);
 
-// How the arguments of a pair are drawn.
+// How arguments are drawn where one vector is not all.
 enum class Pairing {
   near_exponents,  // exponents whose difference matters to the result
   power,           // x^y inside the range of the format
+  near_one,        // all positive and near one: no sum cancels
 };
 
 struct Reference {

@@ -86,7 +86,7 @@ std::string reported_name(std::string_view row, bool strided) {
       "sInvCbrt", "sInv", "sSinh",      "sTan",  "zExp",  "zLn",         "zSqrt"};
   const bool carries =
       std::find(std::begin(kStridedOnes), std::end(kStridedOnes), row) != std::end(kStridedOnes);
-  return "v" + std::string(row) + (strided && carries ? "I" : "");
+  return std::string("v").append(row).append(strided && carries ? "I" : "");
 }
 
 }  // namespace qor::test

@@ -46,7 +46,7 @@ struct Row {
   Run run, run_strided;  // through the row of the function, and of its strided mate
   const float* costs;
 
-  std::string name() const { return letter + std::string(base); }
+  std::string name() const { return std::string(1, letter).append(base); }
 
   // The slots that have a kernel of their own, by the first that it serves.
   std::vector<int> distinct_slots() const;
