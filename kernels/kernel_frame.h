@@ -282,7 +282,8 @@ inline uint32_t careful_lanes(const F& f, const Inputs<F>& x) {
 }
 
 // Runs groups of F::registers blocks, with one test of care for all, up to a group with a lane that
-// needs care; returns where it stopped. For functions of a few instructions, where the test weighs.
+// needs care; returns where it stopped. For functions of a few instructions, where the test weighs;
+// not for a Provisional core.
 template <class F, class Vectors>
 inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i, int64_t n) {
   constexpr int width = lanes::Lanes<typename F::Real>::count;

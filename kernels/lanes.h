@@ -190,9 +190,15 @@ inline auto magnitude_outside(V x, int32_t first, int32_t last) {
   return outside(image(abs(x)), first, last);
 }
 
+// Magnitudes whose image (of a double the high word) is above `last`.
+inline Doubt<float> magnitude_above(f32 x, int32_t last) { return above(image(abs(x)), last); }
+inline Doubt<double> magnitude_above(f64 x, int32_t last) {
+  return high_word_above(image(abs(x)), last);
+}
+
 // Infinities and NaN.
-inline Doubt<float> not_finite(f32 x) { return above(image(abs(x)), 0x7F7FFFFF); }
-inline Doubt<double> not_finite(f64 x) { return high_word_above(image(abs(x)), 0x7FEFFFFF); }
+inline Doubt<float> not_finite(f32 x) { return magnitude_above(x, 0x7F7FFFFF); }
+inline Doubt<double> not_finite(f64 x) { return magnitude_above(x, 0x7FEFFFFF); }
 
 // Lanes with x equal to y; a quiet NaN is equal to nothing and raises nothing.
 inline Doubt<float> equal(f32 x, f32 y) {
