@@ -9,12 +9,14 @@
 namespace qor::fitting {
 namespace {
 
+// In two loops, of which the first one is free of loads that depend on each other.
 template <class Real, class Pieces>
-void locate_on(const Pieces& pieces, const Block<Real>& block) {
+void locate_on(const Pieces pieces, const Block<Real> block) {
   for (int64_t i = 0; i < block.count; ++i) {
-    const int32_t piece = pieces.find(block.site[i], block.cell[i]);
-    block.piece[i] = piece;
-    block.distance[i] = block.site[i] - pieces.left(piece);
+    block.piece[i] = pieces.find(block.site[i], block.cell[i]);
+  }
+  for (int64_t i = 0; i < block.count; ++i) {
+    block.distance[i] = block.site[i] - pieces.left(block.piece[i]);
   }
 }
 
@@ -52,7 +54,7 @@ void evaluate_spline(const DFTask& task, const WantedDerivatives& wanted, const 
   if (wanted.value_alone() && order <= 4) {
     const auto values = order == 2   ? evaluate_values<Real, 2>
                         : order == 3 ? evaluate_values<Real, 3>
-                                     : evaluate_values<Real, 4>;
+                                     : evaluate_cubic_values<Real>;
     return values(c, block.piece, block.distance, block.count, out);
   }
   wanted.for_each([&](int64_t derivative, int64_t position) {

@@ -148,7 +148,7 @@ int evaluate_functions(const Interpolation<Real>& call, const Block<Real>& block
 }
 
 template <class Real>
-int run_block(const Interpolation<Real>& call, int64_t number, Real* buffer) {
+int run_block(const Interpolation<Real>& call, int64_t number, Real* buffer, int32_t* last_cell) {
   Real expanded[block_size], distance[block_size];
   int32_t found[block_size], piece[block_size];
   const int64_t first = number * block_size;
@@ -162,8 +162,8 @@ int run_block(const Interpolation<Real>& call, int64_t number, Real* buffer) {
   const bool callers_cells = !call.search_cells || call.keep_cells;
   int32_t* cell = callers_cells ? call.cell + first : found;
   if (call.search_cells) {
-    int32_t last_cell = 0;
-    const int status = call.search.run(count, site, &last_cell, cell);
+    *last_cell = call.search.begin_at(*last_cell, site[0]);
+    const int status = call.search.run(count, site, last_cell, cell);
     if (status < 0) return status;
   }
   const Block<Real> block{count, site, cell, piece, distance};
@@ -183,8 +183,9 @@ int run_blocks(Interpolation<Real>& call, const ThreadHook* hook) {
   if (buffer.data() == nullptr) return QOR_DF_NO_MEMORY;
   auto work = [&](int64_t first, int64_t end, int64_t slice) {
     Real* own = direct ? nullptr : buffer.data() + slice * part;
+    int32_t last_cell = 0;
     for (int64_t b = first; b < end && call.status == QOR_DF_OK; ++b) {
-      const int status = run_block(call, b, own);
+      const int status = run_block(call, b, own, &last_cell);
       int none = QOR_DF_OK;
       if (status < 0) call.status.compare_exchange_strong(none, status);
     }

@@ -67,9 +67,8 @@ template <class Real>
 Real end_derivative(const End<Real>& end, const EndCells<Real>& e, Real inner) {
   switch (end.kind) {
     case EndKind::not_a_knot:
-      return ((e.weight * e.weight * e.next_slope + (e.weight + 2 * e.span) * e.next * e.slope) /
-                  e.span -
-              inner * e.span) /
+      return (e.weight / e.span * e.weight * e.next_slope +
+              (e.weight + 2 * e.span) / e.span * e.next * e.slope - inner * e.span) /
              e.next;
     case EndKind::free:
       return Real(1.5) * e.slope - Real(0.5) * inner;

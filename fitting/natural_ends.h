@@ -28,8 +28,8 @@ template <class Real>
 Real end_right_side(const End<Real>& end, const EndCells<Real>& e) {
   switch (end.kind) {
     case EndKind::not_a_knot:
-      return ((e.weight + 2 * e.span) * e.next * e.slope + e.weight * e.weight * e.next_slope) /
-             e.span;
+      return (e.weight + 2 * e.span) / e.span * e.next * e.slope +
+             e.weight / e.span * e.weight * e.next_slope;
     case EndKind::first_derivative:
       return end.value;
     case EndKind::second_derivative:

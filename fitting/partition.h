@@ -42,7 +42,11 @@ struct UniformPartition {
         inverse(1 / h),
         n(task.nx) {}
 
-  Real x(int64_t i) const { return static_cast<Real>(i) * h + first; }
+  // A 32-bit index converts to a real in vectors at every level.
+  template <class Index>
+  Real x(Index i) const {
+    return static_cast<Real>(i) * h + first;
+  }
   Real last() const { return end; }
   Real step(int64_t) const { return h; }
   Real inverse_step(int64_t) const { return inverse; }

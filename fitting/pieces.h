@@ -29,7 +29,10 @@ struct CellPieces {
   int32_t find(Real, int32_t cell) const {
     return piece_of_cell(cell, count());
   }
-  auto left(int64_t piece) const { return x.x(piece); }
+  template <class Index>
+  auto left(Index piece) const {
+    return x.x(piece);
+  }
   auto width(int64_t piece) const { return x.step(piece); }
 };
 

@@ -45,6 +45,35 @@ void evaluate_values(const Real* c, const int32_t* piece, const Real* distance, 
   evaluate_polynomials<Real, order, 0>(c, piece, distance, count, out, 1);
 }
 
+// Cubic values, four sites together: the four coefficients of a piece are one load, and four pieces
+// are transposed into vectors of equal powers.
+template <class Real>
+void evaluate_cubic_values(const Real* c, const int32_t* piece, const Real* distance, int64_t count,
+                           Real* out) {
+  typedef Real Four __attribute__((vector_size(4 * sizeof(Real))));
+  const auto load = [](const Real* from, Four& v) { __builtin_memcpy(&v, from, sizeof v); };
+  int64_t i = 0;
+  for (; i + 4 <= count; i += 4) {
+    Four p, q, r, s, t;
+    load(c + int64_t{4} * piece[i], p);
+    load(c + int64_t{4} * piece[i + 1], q);
+    load(c + int64_t{4} * piece[i + 2], r);
+    load(c + int64_t{4} * piece[i + 3], s);
+    load(distance + i, t);
+    const Four pq_even = __builtin_shufflevector(p, q, 0, 4, 2, 6);
+    const Four pq_odd = __builtin_shufflevector(p, q, 1, 5, 3, 7);
+    const Four rs_even = __builtin_shufflevector(r, s, 0, 4, 2, 6);
+    const Four rs_odd = __builtin_shufflevector(r, s, 1, 5, 3, 7);
+    const Four c0 = __builtin_shufflevector(pq_even, rs_even, 0, 1, 4, 5);
+    const Four c1 = __builtin_shufflevector(pq_odd, rs_odd, 0, 1, 4, 5);
+    const Four c2 = __builtin_shufflevector(pq_even, rs_even, 2, 3, 6, 7);
+    const Four c3 = __builtin_shufflevector(pq_odd, rs_odd, 2, 3, 6, 7);
+    const Four value = ((c3 * t + c2) * t + c1) * t + c0;
+    __builtin_memcpy(out + i, &value, sizeof value);
+  }
+  evaluate_values<Real, 4>(c, piece + i, distance + i, count - i, out + i);
+}
+
 // Routines of an order by derivative.
 template <class Real, int order, size_t... derivative>
 constexpr auto polynomial_routines(std::index_sequence<derivative...>) {

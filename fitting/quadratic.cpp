@@ -27,8 +27,8 @@ void write_midpoint_cells(const Partition& x, const Values& y, const Real* z, Re
   for (int64_t i = 0; i + 1 < x.n; ++i, c += quadratic_order) {
     const Real g = x.step(i) / 2;
     c[0] = y[i];
-    c[2] = (y[i] - 2 * z[i] + y[i + 1]) / (2 * g * g);
-    c[1] = (z[i] - y[i] - g * g * c[2]) / g;
+    c[2] = (y[i] - 2 * z[i] + y[i + 1]) / g / (2 * g);
+    c[1] = (z[i] - y[i]) / g - g * c[2];
   }
 }
 

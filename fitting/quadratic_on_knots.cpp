@@ -80,11 +80,12 @@ struct KnotSystem {
     right = end_relation<Real>(boundary.right, 1, q[n - 1], q[n - 2]);
   }
 
-  Real before(int64_t i) const { return (q[i] - p[i]) * (q[i] - p[i]) / (2 * q[i]); }
-  Real behind(int64_t i) const { return p[i + 1] * p[i + 1] / (2 * q[i + 1]); }
+  // With ratios in place of products, which may underflow.
+  Real left_part(int64_t j) const { return p[j] / q[j]; }
+  Real before(int64_t i) const { return (q[i] - p[i]) * (1 - left_part(i)) / 2; }
+  Real behind(int64_t i) const { return p[i + 1] * left_part(i + 1) / 2; }
   Real middle(int64_t i) const {
-    const Real w = q[i + 1];
-    return (q[i] - p[i]) * (q[i] + p[i]) / (2 * q[i]) + p[i + 1] * (2 * w - p[i + 1]) / (2 * w);
+    return ((q[i] - p[i]) * (1 + left_part(i)) + p[i + 1] * (2 - left_part(i + 1))) / 2;
   }
 
   // Row i for the unknown t[i+1].
@@ -111,14 +112,14 @@ struct KnotSystem {
   }
 
   // Cyclic rows for t[0..n-1]. The first asks for equal second derivatives at both ends,
-  //   (1/q[0] + 1/q[n-1]) t[0] - t[1] / q[0] - t[n-1] / q[n-1] = 0,
+  //   (1 + q[0]/q[n-1]) t[0] - t[1] - q[0]/q[n-1] t[n-1] = 0,
   // row i + 1 is the integral from x[i]. The two corners go into the product of a column, behind
   // the right sides, and the row (1, 0 ... 0, corner) (Sherman and Morrison, 1950).
-  Real corner() const { return 1 / (q[n - 1] * pivot()); }
-  Real pivot() const { return 1 / q[0] + 1 / q[n - 1]; }
+  Real pivot() const { return 1 + q[0] / q[n - 1]; }
+  Real corner() const { return q[0] / q[n - 1] / pivot(); }
   void fill_periodic_rows() {
     d[0] = 2 * pivot();
-    du[0] = -1 / q[0];
+    du[0] = -1;
     for (int64_t i = 0; i + 1 < n; ++i) {
       dl[i] = before(i);
       d[i + 1] = middle(i);

@@ -85,7 +85,10 @@ int search_task(const DFTask* task, int64_t nsite, const Real* site, int64_t sit
   if (!uniform_sites) return run_in_blocks(search, nsite, site, cell);
   const Scratch<Real, kSitesOnStack> expanded(nsite);
   if (expanded.data() == nullptr) return QOR_DF_NO_MEMORY;
-  UniformSites<Real>(site, nsite).expand(0, nsite, expanded.data());
+  const UniformSites<Real> sites(site, nsite);
+  for (int64_t first = 0; first < nsite; first += search_block) {
+    sites.expand(first, std::min(search_block, nsite - first), expanded.data() + first);
+  }
   return run_in_blocks<Real>(search, nsite, expanded.data(), cell);
 }
 

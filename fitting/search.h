@@ -28,6 +28,12 @@ struct Search {
   // The cells of a block; `last_cell` carries the state of the sorted method, 0 at first. Returns
   // the user's status.
   int run(int64_t nsite, const Real* site, int32_t* last_cell, int32_t* cell) const;
+
+  // Where the sorted method may begin a block whose first site is s, given the cell where another
+  // block ended: there if s is not left of it, so that no block depends on the ones before.
+  int32_t begin_at(int32_t last_cell, Real s) const {
+    return last_cell > 0 && last_cell < nx && s >= x[last_cell - 1] ? last_cell : 0;
+  }
 };
 
 // What is known about sites: their hint, the two ends of uniform ones (else null) and the data
@@ -52,9 +58,11 @@ struct UniformSites {
   UniformSites(const Real* ends, int64_t count)
       : first(ends[0]), step(count < 2 ? 0 : (ends[1] - ends[0]) / static_cast<Real>(count - 1)) {}
 
+  // Sites from .. from + count - 1. The index is exact as a double.
   void expand(int64_t from, int64_t count, Real* site) const {
-    for (int64_t i = 0; i < count; ++i) {
-      site[i] = static_cast<Real>(from + i) * step + first;
+    const auto begin = static_cast<double>(from);
+    for (int32_t i = 0; i < static_cast<int32_t>(count); ++i) {
+      site[i] = static_cast<Real>(begin + i) * step + first;
     }
   }
 };

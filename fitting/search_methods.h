@@ -81,6 +81,55 @@ inline int32_t gallop(int32_t n, const Real* x, Real s, int32_t from) {
   return high;
 }
 
+// Breakpoints that sites are compared with at once.
+inline constexpr int32_t few_cells = 4;
+
+// Cells of the sites from *i on while groups of them advance by few cells: each site's advance is
+// then the number of comparisons that hold, free of branches. The sites ascend and none lies left
+// of the partition; c is the cell of the one before.
+template <class Real>
+inline int32_t merge_groups(int32_t n, const Real* x, int64_t nsite, const Real* site, int64_t* i,
+                            int32_t c, int32_t* cell) {
+  typedef Real Four __attribute__((vector_size(4 * sizeof(Real))));
+  typedef int32_t FourCells __attribute__((vector_size(4 * sizeof(int32_t))));
+  constexpr int64_t kGroup = 16;
+  for (; *i + kGroup <= nsite && c + few_cells < n; *i += kGroup) {
+    const Real* s = site + *i;
+    const Real* above = x + c;
+    const Real end = s[kGroup - 1];
+    if (!(end < above[few_cells])) break;
+    for (int64_t j = 0; j < kGroup; j += 4) {
+      Four four;
+      __builtin_memcpy(&four, s + j, sizeof four);
+      // A comparison that holds is -1 in its lane.
+      const auto steps =
+          (four >= above[0]) + (four >= above[1]) + (four >= above[2]) + (four >= above[3]);
+      const FourCells cells = c - __builtin_convertvector(steps, FourCells);
+      __builtin_memcpy(cell + *i + j, &cells, sizeof cells);
+    }
+    for (int32_t k = 0, from = c; k < few_cells; ++k) c += static_cast<int32_t>(end >= x[from + k]);
+  }
+  return c;
+}
+
+// NaN does not ascend.
+template <class Real>
+bool ascends_from(Real first, int64_t nsite, const Real* site) {
+  typedef Real Four __attribute__((vector_size(4 * sizeof(Real))));
+  if (nsite < 1 || !(site[0] >= first)) return false;
+  auto ascends = Four{} == Four{};
+  int64_t i = 1;
+  for (; i + 4 <= nsite; i += 4) {
+    Four before, here;
+    __builtin_memcpy(&before, site + i - 1, sizeof before);
+    __builtin_memcpy(&here, site + i, sizeof here);
+    ascends &= before <= here;
+  }
+  bool all = (ascends[0] & ascends[1] & ascends[2] & ascends[3]) != 0;
+  for (; i < nsite; ++i) all = all && site[i - 1] <= site[i];
+  return all;
+}
+
 // Ascending sites. `last_cell` carries the cell of the last site from block to block. A site below
 // the one before it, and a NaN, gets the cell of that.
 template <class Real>
@@ -88,8 +137,12 @@ void search_sorted(int64_t nx, const Real* x, int64_t nsite, const Real* site, i
                    int32_t* cell) {
   const int32_t n = cell_count(nx);
   const Real first = x[0], last = x[n - 1];
-  int32_t c = std::clamp(*last_cell, 0, n);
+  const bool merges = ascends_from(first, nsite, site);
+  int32_t c = std::clamp(*last_cell, 0, n), before = c;
   for (int64_t i = 0; i < nsite; ++i) {
+    if (merges && c - before <= few_cells) c = merge_groups(n, x, nsite, site, &i, c, cell);
+    if (i == nsite) break;
+    before = c;
     const Real s = site[i];
     if (s == last) {
       cell[i] = n - 1;
@@ -103,10 +156,6 @@ void search_sorted(int64_t nx, const Real* x, int64_t nsite, const Real* site, i
       c = gallop(n, x, s, c);
     }
     cell[i] = c;
-    if (c == 0 || c == n) continue;
-    // Most sites share the cell of the one before.
-    const Real above = x[c];
-    while (i + 1 < nsite && site[i + 1] < above && site[i + 1] >= first) cell[++i] = c;
   }
   *last_cell = c;
 }

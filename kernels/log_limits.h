@@ -24,13 +24,11 @@ inline constexpr double denormal_scale = 0x1p55;
 namespace slog1p {
 inline constexpr int32_t last_image = 0x7A7FFFFF;      // below 2^118
 inline constexpr int32_t negative_image = 0x3F7FFFFF;  // of -x, x above -1
-inline constexpr float tiny = 0x1p-30f;                // |x| below: log1p(x) is x
 }  // namespace slog1p
 
 namespace dlog1p {
 inline constexpr int32_t last_high_word = 0x7F3FFFFF;      // below 2^1013
 inline constexpr int32_t negative_high_word = 0x3FEFFFFF;  // of -x, x above -1
-inline constexpr double tiny = 0x1p-60;
 }  // namespace dlog1p
 
 }  // namespace qor::kernels::limits

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "fitting/task.h"
+#include "tests/fitting/solver_interposer.h"
 #include "tests/fitting/spline_case.h"
 
 namespace qor::test {
@@ -136,6 +137,23 @@ TYPED_TEST(ConstructionChecks, StorageAndTables) {
     static_cast<DFTask*>(empty)->yhint = 64;  // no editor takes it
     EXPECT_EQ(k(empty, 0, 0, nullptr), QOR_DF_BAD_Y_HINT);
   }
+}
+
+TYPED_TEST(ConstructionChecks, SolverFailures) {
+  using A = Api<TypeParam>;
+  const TypeParam knots[9] = {0, 0.5, 1.5, 2.5, 3.5, 4.5, 5.5, 6.5, 7};
+  for (const int failing : {0, 1}) {  // the factorisation, the solution
+    const FailingSolver guard(failing);
+    EXPECT_EQ(this->run(A::natural, {}), QOR_DF_SOLVER_FAILED);
+  }
+  const FailingSolver guard(0);
+  EXPECT_EQ(this->run(A::quadratic, {.ic_type = 1, .ic = knots}), QOR_DF_SOLVER_FAILED);
+  // Breakpoints that do not increase leave a zero pivot.
+  const TypeParam x[4] = {}, y[4] = {};
+  TypeParam c[12];
+  Task<TypeParam> task(4, x, 0, 1, y);
+  ASSERT_EQ(task.spline(4, 5, c, 2), 0);
+  EXPECT_EQ(A::natural(task, 0, 0, nullptr), QOR_DF_SOLVER_FAILED);
 }
 
 // The midpoints move from the stack to the heap between these sizes.

@@ -31,7 +31,7 @@ struct Pieces {
   Wide at(int64_t function, int derivative, Real s) const {
     int64_t piece = 0;
     while (piece < nx - 2 && s >= x[static_cast<size_t>(piece + 1)]) ++piece;
-    const auto first = c.begin() + (function * (nx - 1) + piece) * order;
+    const Real* first = c.data() + (function * (nx - 1) + piece) * order;
     return polynomial_at({first, first + order}, derivative,
                          static_cast<Wide>(s) - x[static_cast<size_t>(piece)]);
   }
