@@ -87,6 +87,10 @@ QOR_API int32_t qor_ark_kernel_GetTTableIndexM(uint32_t ignored, uint32_t mode);
 /* Always 2. */
 QOR_API int32_t dll_cpu_version(void);
 
+/* The rows are weak to a program (see api.h), which alone would not make a linker keep the library
+   for a program that uses nothing but rows. */
+__asm__(".globl dll_cpu_version");
+
 /* ---- Errors --------------------------------------------------------------------------------- */
 
 enum {
@@ -186,7 +190,7 @@ QOR_API const void* qor_ark_kernel_SetInterfInputVectorPointer(const void* point
 #define QOR_ENTRIES_c(f, P) QOR_ENTRIES_s(f, P)
 #define QOR_ENTRIES_z(f, P) QOR_ENTRIES_d(f, P)
 #define QOR_ROW(t, f, P) \
-  extern QOR_API_DATA void (*qor_ark_kernel_##f##_ttab[3]) P; \
+  extern QOR_API_DATA __attribute__((aligned(sizeof(void *)))) void (*qor_ark_kernel_##f##_ttab[3]) P; \
   extern QOR_API_DATA float qor_ark_kernel_##f##_ctab[3]; \
   QOR_ENTRIES_##t(f, P)
 /* clang-format on */

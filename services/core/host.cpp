@@ -41,7 +41,7 @@ std::atomic<int> process_ending{0};
 
 // An exit handler of the process: this library stays loaded until then (it is linked nodelete).
 [[gnu::constructor]] void watch_for_exit() {
-  on_exit([](int, void*) { process_ending.store(1, std::memory_order_relaxed); }, nullptr);
+  std::atexit([] { process_ending.store(1, std::memory_order_relaxed); });
 }
 
 }  // namespace

@@ -1,0 +1,11 @@
+// The commands of qor, each defined in a file of its name.
+#pragma once
+
+#include "front/cli/command.h"
+
+namespace qor::cli {
+
+extern const Command tour_command;
+extern const Command map_command;
+
+}  // namespace qor::cli

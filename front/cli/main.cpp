@@ -1,0 +1,84 @@
+// qor: the kernels at work on files, from the command line.
+
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "front/cli/command.h"
+#include "front/cli/commands.h"
+#include "front/cli/input_error.h"
+#include "front/cli/text.h"
+
+namespace qor::cli {
+namespace {
+
+constexpr int kBadInput = 2;
+constexpr int kFailed = 1;
+
+const Command* const kCommands[] = {
+    &tour_command,
+    &map_command,
+};
+
+std::string overview() {
+  std::string text = "usage: qor COMMAND ...\n\n";
+  for (const Command* command : kCommands) {
+    text += format("  %-8s %s\n", std::string(command->name).c_str(),
+                   std::string(command->summary).c_str());
+  }
+  return text + "\nqor COMMAND --help tells what a command takes.\n";
+}
+
+const Command& find_command(const std::string& name) {
+  std::vector<std::string> names;
+  for (const Command* command : kCommands) {
+    if (command->name == name) return *command;
+    names.emplace_back(command->name);
+  }
+  throw InputError("no command " + quoted(name) + "; the commands are " + joined(names));
+}
+
+bool asks_for_help(const std::string& word) { return word == "--help" || word == "-h"; }
+
+void run(std::span<const std::string> words, Output& output) {
+  if (words.empty()) throw InputError("a command is missing\n" + overview());
+  if (asks_for_help(words[0]) || words[0] == "help") {
+    output.out = overview();
+    return;
+  }
+  const Command& command = find_command(words[0]);
+  if (words.size() > 1 && asks_for_help(words[1])) {
+    output.out = help(command);
+    return;
+  }
+  command.run(parse_arguments(command, words.subspan(1)), output);
+}
+
+// Returns whether all of it went out.
+bool write(std::FILE* to, const std::string& text) {
+  return std::fwrite(text.data(), 1, text.size(), to) == text.size() && std::fflush(to) == 0;
+}
+
+}  // namespace
+}  // namespace qor::cli
+
+int main(int count, char** values) {
+  using namespace qor::cli;
+  Output output;
+  try {
+    const std::vector<std::string> words(values + (count > 0 ? 1 : 0), values + count);
+    run(words, output);
+  } catch (const InputError& error) {
+    std::fprintf(stderr, "qor: %s\n", error.what());
+    return kBadInput;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "qor: %s\n", error.what());
+    return kFailed;
+  }
+  if (!write(stdout, output.out)) {
+    std::perror("qor: standard output");
+    return kFailed;
+  }
+  return write(stderr, output.err) ? 0 : kFailed;
+}
