@@ -1,4 +1,5 @@
-# Install rules: libraries laid out for glibc-hwcaps, headers, CMake package, pkg-config.
+# Install rules: libraries laid out for glibc-hwcaps, headers, CMake package, pkg-config, the command
+# and its data.
 include(CMakePackageConfigHelpers)
 
 set(cmake_folder ${CMAKE_INSTALL_LIBDIR}/cmake/qor_ark_base)
@@ -11,6 +12,8 @@ foreach(level IN LISTS QOR_LEVELS)
       LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
   else()
     # Only the loader looks here: the SONAME link, no development link.
+    # The services lie with the first level.
+    set_target_properties(qor_ark_base_${level} PROPERTIES INSTALL_RPATH "$ORIGIN:$ORIGIN/../..")
     install(TARGETS qor_ark_base_${level}
       LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}${folder} NAMELINK_SKIP)
   endif()
@@ -28,3 +31,9 @@ install(FILES ${CMAKE_BINARY_DIR}/qor_ark_base-config.cmake
 
 configure_file(cmake/qor_ark_base.pc.in ${CMAKE_BINARY_DIR}/qor_ark_base.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/qor_ark_base.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(QOR_FRONT)
+  install(FILES front/cpp/qor.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qor)
+  install(TARGETS qor RUNTIME)
+  install(DIRECTORY examples/data DESTINATION ${CMAKE_INSTALL_DATADIR}/qor_ark_base)
+endif()

@@ -40,7 +40,9 @@ function(qor_add_kernel_library)
       -fno-rtti>)
     target_link_libraries(${target} PRIVATE qor_warnings qor_arithmetic Threads::Threads
       PUBLIC qor_core)
-    target_link_options(${target} PRIVATE -Wl,--version-script=${map} -Wl,-Bsymbolic)
+    # Functions bind inside; data does not: a program's copy of a row, where its linker made one, is
+    # then the row that the stubs read, so that a patched slot takes effect either way.
+    target_link_options(${target} PRIVATE -Wl,--version-script=${map} -Wl,-Bsymbolic-functions)
     set_target_properties(${target} PROPERTIES
       OUTPUT_NAME qor_ark_base VERSION ${PROJECT_VERSION} SOVERSION 1 LINK_DEPENDS ${map}
       LIBRARY_OUTPUT_DIRECTORY ${QOR_BUILD_LIB}${folder}

@@ -22,4 +22,43 @@ inline constexpr double denormal = -0x1.6232bdd7abcd2p+9;
 inline constexpr int32_t tiny_exponent = 971;
 }  // namespace dexp
 
+namespace sexp2 {
+inline constexpr int32_t fast_image = 0x42FC0000;  // |x| up to 126: vector path
+inline constexpr float overflow = 128;             // from here: +infinity
+inline constexpr float underflow = -150;           // down from here: 0
+inline constexpr float denormal = -126;            // below: a denormal result
+}  // namespace sexp2
+
+namespace dexp2 {
+inline constexpr int32_t fast_high_word = 0x408FEFFF;  // |x| below 1022: vector path
+inline constexpr double overflow = 1024;
+inline constexpr double underflow = -1075;
+inline constexpr double denormal = -1022;
+}  // namespace dexp2
+
+namespace sexp10 {
+inline constexpr int32_t fast_image = 0x4217B818;  // |x| up to 37.9297791: vector path
+// Above: +infinity. At the limit itself the narrowing overflows: infinity and flag, but no code.
+inline constexpr float overflow = 0x1.344136p+5f;
+inline constexpr float underflow = -0x1.693c6ap+5f;  // below: 0
+inline constexpr float denormal = -0x1.2f703p+5f;    // below: a denormal result
+}  // namespace sexp10
+
+namespace dexp10 {
+inline constexpr int32_t fast_high_word = 0x40733A70;       // |x| below about 307.65: vector path
+inline constexpr double overflow = 0x1.34413509f79fep+8;    // above: +infinity
+inline constexpr double underflow = -0x1.439b746e36b52p+8;  // below: 0
+inline constexpr double denormal = -0x1.33a7146f72a41p+8;   // below: a denormal result
+}  // namespace dexp10
+
+namespace sexpm1 {
+inline constexpr int32_t fast_image = 0x42AD496B;  // x up to 86.6433945, or negative: vector path
+inline constexpr float overflow = sexp::overflow;  // above: +infinity
+}  // namespace sexpm1
+
+namespace dexpm1 {
+inline constexpr int32_t tiny_exponent = 971;       // biased exponents below: x
+inline constexpr double overflow = dexp::overflow;  // above: +infinity
+}  // namespace dexpm1
+
 }  // namespace qor::kernels::limits

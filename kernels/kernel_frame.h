@@ -6,12 +6,14 @@
 //   static constexpr int inputs, outputs;     1 or 2 each
 //   static constexpr const char* name;        reported name; strided_name where that differs
 //   static constexpr Real filler;             an argument of the fast path, for lanes not in use
-//   V core(V x) const                         the vector path, no branch (Two<V> for two outputs)
+//   V core(V x) const                         the vector path, no branch (Two<V> for two outputs,
+//                                             Provisional<Real> when it finds doubtful lanes
+//                                             itself)
 //   Doubt<Real> care(V x) const               lanes that the vector path cannot do, from the input
 //   Outcome<Real> scalar(Real x) const        such a lane: correctly signalled value, and a code
 //
-// and, where they differ from the usual: environment, strided_environment, settle (see
-// settle_lanes). A function without `care` has no side path.
+// and, where they differ from the usual: environment, strided_environment, registers (see
+// run_calm_groups), settle (see settle_lanes). A function without `care` has no side path.
 #pragma once
 
 #include <bit>
@@ -34,6 +36,14 @@ template <class T>
 struct TwoOutcomes {
   T first, second;
   int32_t code = QOR_ERROR_NONE;
+};
+
+// What a core answers that finds out on its way which lanes it cannot do, from an intermediate
+// value that the input decides. Such lanes must raise no flag of their own.
+template <class T>
+struct Provisional {
+  typename lanes::Lanes<T>::V value;
+  lanes::Doubt<T> doubt;
 };
 
 // Constants that most functions share; a function's struct takes them from here and hides what it
@@ -137,8 +147,15 @@ struct Strided {
 
 // ---- Arity ----------------------------------------------------------------------------------
 
+// A block's results, and the lanes that its core could not do, as bits.
 template <class F>
-inline Outputs<F> compute(const F& f, const Inputs<F>& x) {
+struct Computed {
+  Outputs<F> y;
+  uint32_t careful = 0;
+};
+
+template <class F>
+inline Computed<F> compute(const F& f, const Inputs<F>& x) {
   const auto y = [&] {
     if constexpr (F::inputs == 1) {
       return f.core(x.at[0]);
@@ -146,10 +163,12 @@ inline Outputs<F> compute(const F& f, const Inputs<F>& x) {
       return f.core(x.at[0], x.at[1]);
     }
   }();
-  if constexpr (F::outputs == 1) {
-    return {{y}};
-  } else {
+  if constexpr (F::outputs == 2) {
     return {{y.first, y.second}};
+  } else if constexpr (requires { y.doubt; }) {
+    return {{y.value}, lanes::bits(y.doubt)};
+  } else {
+    return {{y}};
   }
 }
 
@@ -232,7 +251,8 @@ template <class F, class Vectors>
   for (uint32_t rest = careful; rest != 0; rest &= rest - 1) {
     for (auto& row : calm.at) row[std::countr_zero(rest)] = F::filler;
   }
-  Outputs<F> y = compute(f, calm.block());
+  auto [y, more] = compute(f, calm.block());
+  careful |= more;
   careful = settle_lanes(f, mode, x, y, careful);
   LaneBuffer<typename F::Real, F::outputs> results(y);
   for (uint32_t rest = careful; rest != 0; rest &= rest - 1) {
@@ -258,19 +278,45 @@ inline uint32_t careful_lanes(const F& f, const Inputs<F>& x) {
   }
 }
 
+// Runs groups of F::registers blocks, with one test of care for all, up to a group with a lane that
+// needs care; returns where it stopped. For functions of a few instructions, where the test weighs.
+template <class F, class Vectors>
+inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i, int64_t n) {
+  constexpr int width = lanes::Lanes<typename F::Real>::count;
+  constexpr int group = F::registers * width;
+  for (; i + group <= n; i += group) {
+    Inputs<F> x[F::registers];
+    for (int r = 0; r < F::registers; ++r) {
+      for (int k = 0; k < F::inputs; ++k) x[r].at[k] = vectors.load(k, i + r * width);
+    }
+    auto doubt = care(f, x[0]);
+    for (int r = 1; r < F::registers; ++r) doubt = doubt | care(f, x[r]);
+    if (lanes::bits(doubt) != 0) [[unlikely]]
+      return i;
+    for (int r = 0; r < F::registers; ++r) {
+      const Outputs<F> y = compute(f, x[r]).y;
+      for (int k = 0; k < F::outputs; ++k) vectors.store(k, i + r * width, y.at[k]);
+    }
+  }
+  return i;
+}
+
 // Runs whole blocks from element i on, up to one with a lane that needs care; returns where it
 // stopped. A function of its own without any call in its loop, so that constants stay in registers
 // (no vector register survives a call).
 template <class F, class Vectors>
 [[gnu::noinline]] int64_t run_calm_blocks(const F f, const Vectors vectors, int64_t i, int64_t n) {
   constexpr int width = lanes::Lanes<typename F::Real>::count;
+  if constexpr (requires { F::registers; }) i = run_calm_groups(f, vectors, i, n);
   for (; i + width <= n; i += width) {
     Inputs<F> x;
     for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i);
     if (careful_lanes(f, x) != 0) [[unlikely]]
       return i;
-    const Outputs<F> y = compute(f, x);
-    for (int k = 0; k < F::outputs; ++k) vectors.store(k, i, y.at[k]);
+    const Computed<F> block = compute(f, x);
+    if (block.careful != 0) [[unlikely]]
+      return i;
+    for (int k = 0; k < F::outputs; ++k) vectors.store(k, i, block.y.at[k]);
   }
   return i;
 }
@@ -297,10 +343,15 @@ template <class F, class Vectors>
   const uint32_t careful = careful_lanes(f, x);
   const Outputs<F> y = [&] {
     if constexpr (has_side_path<F>) {
-      if (careful != 0) [[unlikely]]
-        return careful_block(f, vectors, i, x, careful, mode);
+      if (careful == 0) {
+        const Computed<F> block = compute(f, x);
+        if (block.careful == 0) [[likely]]
+          return block.y;
+      }
+      return careful_block(f, vectors, i, x, careful, mode);
+    } else {
+      return compute(f, x).y;
     }
-    return compute(f, x);
   }();
   for (int k = 0; k < F::outputs; ++k) vectors.store_first(k, i, left, y.at[k]);
 }

@@ -30,3 +30,9 @@ QOR_PACK_ROWS(QOR_PACK)
   extern "C" void qor_kernel_##t##name##I_##letter QOR_PARAMETERS_##shape##_I(QOR_ELEMENT_##t, QOR_REAL_##t) { \
     qor::kernels::strided<F>(qor_ark_kernel_##t##name##_ttab[slot]) QOR_ARGUMENTS_##shape##_I; \
   }
+
+// Fills the row of a data mover by the function template instance F. No floating-point step.
+#define QOR_FILL_PACK_ROW(t, name, shape, F) \
+  extern "C" void qor_kernel_##t##name##_A QOR_PARAMETERS_##shape(QOR_ELEMENT_##t) { \
+    F QOR_ARGUMENTS_##shape; \
+  }

@@ -32,6 +32,19 @@ inline T pole(T numerator) {
   return opaque(numerator) / T{0};
 }
 
+// x; a signalling NaN comes out quiet, with the invalid flag. (A plain product with 1 would be
+// folded away.)
+template <class T>
+inline T quieted(T x) {
+  return x * opaque(T{1});
+}
+
+// The NaN of two operands, quieted; of two the first, as a sum of the operands has it.
+template <class T>
+inline T nan_of(T x, T y) {
+  return quieted(x != x ? x : y);
+}
+
 // NaN with the invalid flag.
 template <class T>
 inline T undefined() {

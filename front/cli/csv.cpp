@@ -101,8 +101,9 @@ bool parse_number(std::string_view text, double& value) {
     return true;
   }
   if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  const char* begin = text.data();
+  const char* end = begin + text.size();
+  const auto [stop, error] = std::from_chars(begin, end, value);
   return error == std::errc{} && stop == end && !std::isnan(value);
 }
 
@@ -186,12 +187,7 @@ std::string csv_field(std::string_view text) {
   return field + '"';
 }
 
-std::string csv_field(double value) {
-  if (std::isnan(value)) return "NA";
-  char digits[32];
-  const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-  return {digits, end};
-}
+std::string csv_field(double value) { return std::isnan(value) ? "NA" : shortest(value); }
 
 std::string csv_line(std::span<const std::string> fields) {
   std::string line;

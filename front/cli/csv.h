@@ -33,8 +33,8 @@ size_t column_index(const Csv& csv, std::string_view name);
 // The values of a column, one per row; missing ones are quiet NaN.
 std::vector<double> numbers(const Csv& csv, size_t column);
 
-// A field as it is written: in quotes when it needs them. A number is written with the fewest
-// digits that read back as the same double, NaN as NA.
+// A field as it is written: in quotes when it needs them; a number so that it reads back, NaN as
+// NA.
 std::string csv_field(std::string_view text);
 std::string csv_field(double value);
 

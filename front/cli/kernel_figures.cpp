@@ -45,7 +45,7 @@ std::vector<double> sample(double low, double high, size_t count) {
 template <class Work>
 double fastest(size_t count, const Work& work) {
   using Clock = std::chrono::steady_clock;
-  constexpr int blocks = 40;
+  constexpr int blocks = 400;
   constexpr int repeats = 8;
   double best = HUGE_VAL;
   for (int block = 0; block < blocks; ++block) {

@@ -97,7 +97,7 @@ std::string describe(const Function& function, const Csv& csv, const Result& res
                                     : csv_field(report.arg1) + "," + csv_field(report.arg2);
   return format("row %d (line %zu), column %s: %s(%s) = %s: code %d, %s\n", report.index + 1,
                 csv.rows[static_cast<size_t>(report.index)].line, result.columns.c_str(),
-                function.name.c_str(), arguments.c_str(), csv_field(report.result1).c_str(),
+                function.name.c_str(), arguments.c_str(), shortest(report.result1).c_str(),
                 report.code, std::string(meaning(report.code)).c_str());
 }
 
@@ -121,7 +121,9 @@ void run(const Arguments& arguments, Output& output) {
 }
 
 std::string more_help() {
-  return "Missing values (empty, NA) stay missing. A function of two inputs takes two columns.\n"
+  return "Missing values (empty, NA) go in as NaN, and NaN comes out as NA. A function of two "
+         "inputs\n"
+         "takes two columns.\n"
          "Functions, upper and lower case alike: " +
          names_of_functions() + "\n";
 }

@@ -1,6 +1,8 @@
 #include "front/cli/text.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstdarg>
 #include <cstdio>
 
@@ -46,6 +48,12 @@ std::vector<std::string> split(std::string_view text, char separator) {
     at = end + 1;
   }
   return parts;
+}
+
+std::string shortest(double value) {
+  if (std::isnan(value)) return "NaN";
+  char digits[32];
+  return {digits, std::to_chars(digits, digits + sizeof digits, value).ptr};
 }
 
 std::string format(const char* form, ...) {

@@ -14,6 +14,9 @@ std::string quoted(std::string_view text);  // in double quotes, control charact
 std::string joined(std::span<const std::string> items);
 std::vector<std::string> split(std::string_view text, char separator);
 
+// A number with the fewest digits that read back as the same double; NaN without a sign.
+std::string shortest(double value);
+
 // printf into a string, for numbers.
 [[gnu::format(printf, 1, 2)]] std::string format(const char* form, ...);
 

@@ -107,12 +107,12 @@ std::string first(const Csv& days, const Reports& reports) {
   if (reports.list().empty()) return "";
   const ErrorContext& report = reports.list().front();
   const auto& fields = days.rows[static_cast<size_t>(report.index)].fields;
-  return format("%s/%s: %g -> %g", fields[column_index(days, "Month")].c_str(),
-                fields[column_index(days, "Day")].c_str(), report.arg1, report.result1);
+  return format("%s/%s: %s -> %s", fields[column_index(days, "Month")].c_str(),
+                fields[column_index(days, "Day")].c_str(), shortest(report.arg1).c_str(),
+                shortest(report.result1).c_str());
 }
 
 double median(Values x) {
-  std::erase_if(x, [](double value) { return std::isnan(value); });
   std::ranges::sort(x);
   return (x[(x.size() - 1) / 2] + x[x.size() / 2]) / 2.0;
 }
@@ -121,8 +121,9 @@ std::string errors(const std::string& folder) {
   const Csv days = read_csv(folder + "/airquality.csv");
   const Values ozone = numbers(days, column_index(days, "Ozone"));
   const Values radiation = numbers(days, column_index(days, "Solar.R"));
-  Values above_median = ozone;
-  for (double& value : above_median) value -= median(ozone);
+  Values above_median = numbers(days, column_index(days, "Wind"));
+  const double calm = median(above_median);
+  for (double& value : above_median) value -= calm;
   Values negative = radiation;
   for (double& value : negative) value = -value;
 
@@ -132,7 +133,7 @@ std::string errors(const std::string& folder) {
   };
   const Case cases[] = {{"Ln", "Ozone", ozone},
                         {"Ln", "Solar.R", radiation},
-                        {"Ln", "Ozone - median", above_median},
+                        {"Ln", "Wind - median", above_median},
                         {"Exp10", "Solar.R", radiation},
                         {"Exp10", "-Solar.R", negative}};
   TextTable table({"call", "missing", "reported", "the first, by month/day"});

@@ -85,15 +85,15 @@ class Reports {
 
   // In the order of the reports; `index` counts elements of the vector given to the kernel.
   const std::vector<ErrorContext>& list() const { return list_; }
-  size_t count() const { return count_; }
-  void clear() { list_.clear(), count_ = 0; }
+  size_t count() const { return list_.size() + lost_; }
+  void clear() { list_.clear(), lost_ = 0; }
 
  private:
   static int32_t collect(ErrorContext* context) noexcept {
-    ++innermost_->count_;
     try {
       innermost_->list_.push_back(*context);
     } catch (...) {
+      ++innermost_->lost_;
     }
     return 1;  // the kernel's results stand, and no further action follows
   }
@@ -103,7 +103,7 @@ class Reports {
   Reports* outer_;
   qor_error_callback callback_before_;
   std::vector<ErrorContext> list_;
-  size_t count_ = 0;
+  size_t lost_ = 0;
 };
 
 // ---- Calls ----------------------------------------------------------------------------------

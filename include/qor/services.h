@@ -54,6 +54,28 @@ int qor_serv_process_ending(void);
    5 RDRAND. Any other number gives 0. */
 int qor_serv_cpu_feature_test(int feature);
 
+/* Tridiagonal systems, d for double and s for float. All arguments by address, counts 64-bit.
+   The matrix of n rows has the sub-diagonal dl (n - 1 values), the diagonal d (n) and the
+   super-diagonal du (n - 1). b holds nrhs right-hand sides, column after column at a distance of
+   ldb values, at least n each; solutions take their place. Any thread. */
+
+/* Factors the matrix in place into L U without pivoting: d and du become U, dl the multipliers of
+   the unit L. *info is 0, or the number, from 1, of the first pivot that is zero. */
+void ddttrfb_4dfl(const int64_t* n, double* dl, double* d, double* du, int64_t* info);
+void sdttrfb_4dfl(const int64_t* n, float* dl, float* d, float* du, int64_t* info);
+
+/* Solves with a factor. form is "N"; *info is 0, or -1 for another form. */
+void ddttrsb_4dfl(const char* form, const int64_t* n, const int64_t* nrhs, const double* dl,
+                  const double* d, const double* du, double* b, const int64_t* ldb, int64_t* info);
+void sdttrsb_4dfl(const char* form, const int64_t* n, const int64_t* nrhs, const float* dl,
+                  const float* d, const float* du, float* b, const int64_t* ldb, int64_t* info);
+
+/* Factors and solves; *info as of the factorisation, and b is untouched when it is not 0. */
+void ddtsvb_4dfl(const int64_t* n, const int64_t* nrhs, double* dl, double* d, double* du,
+                 double* b, const int64_t* ldb, int64_t* info);
+void sdtsvb_4dfl(const int64_t* n, const int64_t* nrhs, float* dl, float* d, float* du, float* b,
+                 const int64_t* ldb, int64_t* info);
+
 #ifdef __cplusplus
 }
 #endif

@@ -208,6 +208,14 @@ alignas(64) inline constexpr Row<float> exp2_float_128[128] = {
   {0x1.fd3c22p+0f, 0x1.71ee3ep-25f},
 };
 
+// 2^(j/16): the nearest float, and the float nearest to the rest.
+inline constexpr float exp2_float_16_high[16] = {0x1p+0f, 0x1.0b5586p+0f, 0x1.172b84p+0f, 0x1.2387a6p+0f, 0x1.306fep+0f, 0x1.3dea64p+0f, 0x1.4bfdaep+0f, 0x1.5ab07ep+0f, 0x1.6a09e6p+0f, 0x1.7a1148p+0f, 0x1.8ace54p+0f, 0x1.9c4918p+0f, 0x1.ae89fap+0f, 0x1.c199bep+0f, 0x1.d5818ep+0f, 0x1.ea4afap+0f};
+inline constexpr float exp2_float_16_low[16] = {0x0p+0f, 0x1.9f3122p-25f, -0x1.c15742p-27f, 0x1.ceac48p-25f, 0x1.4636e2p-25f, 0x1.824684p-25f, -0x1.593abcp-25f, -0x1.5bd5ecp-27f, 0x1.9fcef4p-26f, -0x1.829fdp-25f, 0x1.15506ep-27f, 0x1.51f848p-27f, -0x1.a94b14p-26f, -0x1.3d56b2p-27f, -0x1.822dbcp-27f, 0x1.52486cp-27f};
+
+// 2^(j/16): the nearest double, and the double nearest to the rest.
+inline constexpr double exp2_double_16_high[16] = {0x1p+0, 0x1.0b5586cf9890fp+0, 0x1.172b83c7d517bp+0, 0x1.2387a6e756238p+0, 0x1.306fe0a31b715p+0, 0x1.3dea64c123422p+0, 0x1.4bfdad5362a27p+0, 0x1.5ab07dd485429p+0, 0x1.6a09e667f3bcdp+0, 0x1.7a11473eb0187p+0, 0x1.8ace5422aa0dbp+0, 0x1.9c49182a3f09p+0, 0x1.ae89f995ad3adp+0, 0x1.c199bdd85529cp+0, 0x1.d5818dcfba487p+0, 0x1.ea4afa2a490dap+0};
+inline constexpr double exp2_double_16_low[16] = {0x0p+0, 0x1.8a62e4adc610bp-54, -0x1.19041b9d78a76p-55, 0x1.9b07eb6c70573p-54, 0x1.6f46ad23182e4p-55, 0x1.ada0911f09ebcp-55, 0x1.d4397afec42e2p-56, 0x1.6324c054647adp-54, -0x1.bdd3413b26456p-54, -0x1.41577ee04992fp-55, 0x1.6e9f156864b27p-54, 0x1.c7c46b071f2bep-56, 0x1.7a1cd345dcc81p-54, 0x1.11065895048ddp-55, 0x1.2ed02d75b3707p-55, -0x1.e9c23179c2893p-54};
+
 // 2^(j/64): the nearest double, and the double nearest to the rest.
 alignas(64) inline constexpr Row<double> exp2_double_64[64] = {
   {0x1p+0, 0x0p+0},
@@ -408,6 +416,138 @@ alignas(64) inline constexpr Row<double> exp2_double_128[128] = {
   {0x1.fd3c22b8f71f1p+0, 0x1.2eb74966579e7p-57},
 };
 
+// 2^(j/128): its first 32 bits, and the double nearest to the rest.
+alignas(64) inline constexpr Row<double> exp2_split_128[128] = {
+  {0x1p+0, 0x0p+0},
+  {0x1.0163da9ep+0, 0x1.b33356d84a66bp-32},
+  {0x1.02c9a3e6p+0, 0x1.78060ee6f7cadp-32},
+  {0x1.04315e86p+0, 0x1.cff097ae71f34p-33},
+  {0x1.059b0d3p+0, 0x1.585743ae7c549p-32},
+  {0x1.0706b29cp+0, 0x1.df6ddc6dc403bp-32},
+  {0x1.08745186p+0, 0x1.59bc808c35f26p-32},
+  {0x1.09e3ecacp+0, 0x1.bce0d14878183p-34},
+  {0x1.0b5586cep+0, 0x1.9890f6298b92bp-32},
+  {0x1.0cc922b6p+0, 0x1.247f7407b705cp-32},
+  {0x1.0e3ec32cp+0, 0x1.3d1a2020742e5p-32},
+  {0x1.0fb66afep+0, 0x1.ed31af232091ep-32},
+  {0x1.11301dp+0, 0x1.25b50a4ebbf1bp-32},
+  {0x1.12abdc06p+0, 0x1.86397f72575a6p-33},
+  {0x1.1429aaeap+0, 0x1.25bbf66820328p-33},
+  {0x1.15a98c8ap+0, 0x1.63944920355cfp-34},
+  {0x1.172b83c6p+0, 0x1.d517adcdf7c8cp-32},
+  {0x1.18af9388p+0, 0x1.91bd3777ee173p-33},
+  {0x1.1a35beb6p+0, 0x1.f96ea796d31edp-33},
+  {0x1.1bbe084p+0, 0x1.1734e6ac79cadp-34},
+  {0x1.1d487316p+0, 0x1.17354f00b7005p-33},
+  {0x1.1ed5022ep+0, 0x1.cd91cb8819ff6p-32},
+  {0x1.2063b886p+0, 0x1.466b1dc775815p-35},
+  {0x1.21f49916p+0, 0x1.ddc962552fd29p-32},
+  {0x1.2387a6e6p+0, 0x1.5623866c1fadbp-32},
+  {0x1.251ce4fap+0, 0x1.2a63f3582ab7ep-32},
+  {0x1.26b4565ep+0, 0x1.3e6e92bd33994p-35},
+  {0x1.284dfe1ep+0, 0x1.5638096cf15cfp-32},
+  {0x1.29e9df5p+0, 0x1.fdee12c25d15fp-32},
+  {0x1.2b87fd0cp+0, 0x1.ad98ffddea465p-32},
+  {0x1.2d285a6ep+0, 0x1.00c2d0024754ep-34},
+  {0x1.2ecafa92p+0, 0x1.e2f5611ca0f46p-32},
+  {0x1.306fe0a2p+0, 0x1.1b7152de8d5a4p-32},
+  {0x1.32170fc4p+0, 0x1.9b0626a739e38p-33},
+  {0x1.33c08b26p+0, 0x1.05bfd32721843p-34},
+  {0x1.356c55f8p+0, 0x1.29ff0c9462347p-32},
+  {0x1.371a7372p+0, 0x1.aa9caa7145503p-32},
+  {0x1.38cae6dp+0, 0x1.7619616a72c36p-34},
+  {0x1.3a7db34ep+0, 0x1.67fdba86f24a6p-34},
+  {0x1.3c32dc3p+0, 0x1.3a8e484001f23p-32},
+  {0x1.3dea64cp+0, 0x1.2342235b41224p-32},
+  {0x1.3fa4504ap+0, 0x1.90037417ee035p-33},
+  {0x1.4160a21ep+0, 0x1.72e29f84325b9p-32},
+  {0x1.431f5d94p+0, 0x1.0a896dc704439p-32},
+  {0x1.44e08606p+0, 0x1.892d03136f40ap-36},
+  {0x1.46a41edp+0, 0x1.d005772512f46p-32},
+  {0x1.486a2b5cp+0, 0x1.3cd013c1a3b69p-36},
+  {0x1.4a32af0cp+0, 0x1.7d3de672d8bcfp-32},
+  {0x1.4bfdad52p+0, 0x1.62a271d4397bp-32},
+  {0x1.4dcb299ep+0, 0x1.ddd0d63b36ef2p-32},
+  {0x1.4f9b2768p+0, 0x1.d2ca6ad33d8b7p-32},
+  {0x1.516daa2cp+0, 0x1.ecc838225ea59p-33},
+  {0x1.5342b568p+0, 0x1.d4f81df0a83c5p-32},
+  {0x1.551a4ca4p+0, 0x1.d920ec52ec62p-32},
+  {0x1.56f4736ap+0, 0x1.527da66ecb004p-32},
+  {0x1.58d12d48p+0, 0x1.7c7fd252bc2b7p-32},
+  {0x1.5ab07dd4p+0, 0x1.0a852b192602ap-33},
+  {0x1.5c9268a4p+0, 0x1.946b701c4b1b8p-32},
+  {0x1.5e76f15ap+0, 0x1.a4290dd37c984p-33},
+  {0x1.605e1b96p+0, 0x1.6dc08b076f593p-32},
+  {0x1.6247eb02p+0, 0x1.a5584b1f0fa07p-32},
+  {0x1.6434634cp+0, 0x1.9863f8edf0e2ap-33},
+  {0x1.66238824p+0, 0x1.522249127d9e3p-32},
+  {0x1.68155d44p+0, 0x1.952e61038ae45p-33},
+  {0x1.6a09e666p+0, 0x1.f3bcc908b2fb1p-32},
+  {0x1.6c01275p+0, 0x1.7b57ddaed533p-33},
+  {0x1.6dfb23c6p+0, 0x1.468bbc8838b3p-34},
+  {0x1.6ff7df94p+0, 0x1.19483cf87e1b5p-32},
+  {0x1.71f75e8ep+0, 0x1.8bee7ba46e1e6p-33},
+  {0x1.73f9a48ap+0, 0x1.605cef572693ap-34},
+  {0x1.75feb564p+0, 0x1.33e45fb74d51ap-35},
+  {0x1.780694fcp+0, 0x1.e5d3f619ae028p-32},
+  {0x1.7a11473ep+0, 0x1.6030dafaa2048p-33},
+  {0x1.7c1ed012p+0, 0x1.0c1327c493344p-32},
+  {0x1.7e2f336cp+0, 0x1.e9cc420ba0574p-33},
+  {0x1.80427542p+0, 0x1.e1a11b60de676p-32},
+  {0x1.82589994p+0, 0x1.99c25159f115fp-33},
+  {0x1.8471a462p+0, 0x1.e3d667297b5ccp-35},
+  {0x1.868d99b4p+0, 0x1.24bb203907643p-34},
+  {0x1.88ac7d98p+0, 0x1.4cd32cca6179cp-33},
+  {0x1.8ace5422p+0, 0x1.541b6b74f8ab4p-33},
+  {0x1.8cf3216ap+0, 0x1.5448bef2aa1cdp-32},
+  {0x1.8f1ae99p+0, 0x1.577362b982746p-32},
+  {0x1.9145b0b8p+0, 0x1.1ffc588a61b47p-32},
+  {0x1.93737b0cp+0, 0x1.b8bc9e8a0387ep-33},
+  {0x1.95a44cbcp+0, 0x1.0a41dd36906d3p-33},
+  {0x1.97d829fcp+0, 0x1.e4e4f8b9e921p-32},
+  {0x1.9a0f170cp+0, 0x1.40f7374621372p-33},
+  {0x1.9c49182ap+0, 0x1.f8480e3e23584p-35},
+  {0x1.9e86319ep+0, 0x1.91918c12653c7p-35},
+  {0x1.a0c667b4p+0, 0x1.de564b29ada8cp-32},
+  {0x1.a309bec4p+0, 0x1.45a66b182e3efp-33},
+  {0x1.a5503b22p+0, 0x1.e255c8b424492p-32},
+  {0x1.a799e132p+0, 0x1.0b3586f2dfb2bp-32},
+  {0x1.a9e6b556p+0, 0x1.9fdbf43eb243cp-32},
+  {0x1.ac36bbfcp+0, 0x1.3f379c0db966ap-32},
+  {0x1.ae89f994p+0, 0x1.ad3ad5e8734d1p-32},
+  {0x1.b0e07298p+0, 0x1.b6ccb2108559cp-33},
+  {0x1.b33a2b84p+0, 0x1.e2bf5ed7fa1cfp-33},
+  {0x1.b59728dep+0, 0x1.564e638e20444p-34},
+  {0x1.b7f76f2ep+0, 0x1.b5e46eaa7b082p-32},
+  {0x1.ba5b030ap+0, 0x1.0649840cb3c6bp-36},
+  {0x1.bcc1e904p+0, 0x1.783a448f741e9p-33},
+  {0x1.bf2c25bcp+0, 0x1.71e088408d702p-32},
+  {0x1.c199bdd8p+0, 0x1.54a7088832c4bp-34},
+  {0x1.c40ab5fep+0, 0x1.fd07a6d14df82p-32},
+  {0x1.c67f12e4p+0, 0x1.7d14b4a2137fdp-32},
+  {0x1.c8f6d94p+0, 0x1.b9ed446b2f122p-34},
+  {0x1.cb720dcep+0, 0x1.f20d22a0797a4p-33},
+  {0x1.cdf0b554p+0, 0x1.dc3f9c44f8959p-32},
+  {0x1.d072d4ap+0, 0x1.e25ee343c8bc8p-34},
+  {0x1.d2f8708p+0, 0x1.b13e315bc2473p-33},
+  {0x1.d5818dcep+0, 0x1.ba48725da05afp-32},
+  {0x1.d80e316cp+0, 0x1.3072f7709f3a1p-33},
+  {0x1.da9e603cp+0, 0x1.b3285708c01a6p-32},
+  {0x1.dd321f3p+0, 0x1.b4604b695de3cp-36},
+  {0x1.dfc97336p+0, 0x1.b9b5eb968cac4p-32},
+  {0x1.e264614ep+0, 0x1.5a128a12761fap-32},
+  {0x1.e502ee78p+0, 0x1.67fec4e7a2603p-33},
+  {0x1.e7a51fbcp+0, 0x1.d320d2d522ca1p-34},
+  {0x1.ea4afa2ap+0, 0x1.24366163dce86p-34},
+  {0x1.ecf482d8p+0, 0x1.ccfe11b60625fp-33},
+  {0x1.efa1bee6p+0, 0x1.5a27771fd21a9p-36},
+  {0x1.f252b376p+0, 0x1.7752e9d0d2df8p-33},
+  {0x1.f50765b6p+0, 0x1.c8a80ce9f096fp-33},
+  {0x1.f7bfdad8p+0, 0x1.cbe138913b4cp-32},
+  {0x1.fa7c1818p+0, 0x1.e90d82e90a7e7p-32},
+  {0x1.fd3c22b8p+0, 0x1.ee3e212eb7496p-33},
+};
+
 // 2^(j/64): the nearest double T, and the rest divided by T.
 alignas(64) inline constexpr Row<double> exp2_relative_64[64] = {
   {0x1p+0, 0x0p+0},
@@ -475,5 +615,33 @@ alignas(64) inline constexpr Row<double> exp2_relative_64[64] = {
   {0x1.f50765b6e454p+0, 0x1.a64a931d185eep-55},
   {0x1.fa7c1819e90d8p+0, 0x1.7893b4d91cd9dp-56},
 };
+
+// A step of the 16-row tables, as an argument: the nearest float, and the rest.
+inline constexpr Row<float> exp_step_16 = {0x1.62e43p-5f, -0x1.05c61p-33f};
+inline constexpr Row<float> exp10_step_16 = {0x1.344136p-6f, -0x1.ec10cp-31f};
+
+// (e^r - 1 - r) / r^2, |r| <= 0.02166; error times |r|^2 below 2^-36.5.
+inline constexpr float exp_float_16[3] = {0x1.55565cp-5f, 0x1.5556dep-3f, 0x1p-1f};
+
+// (2^r - 1) / r, |r| <= 0.03125; error times |r|^1 below 2^-28.7.
+inline constexpr float exp2_float_16[3] = {0x1.c6b29ap-5f, 0x1.ebff92p-3f, 0x1.62e43p-1f};
+
+// (10^r - 1) / r - 2, |r| <= 0.009407; error times |r|^1 below 2^-35.1.
+inline constexpr float exp10_float_16[4] = {0x1.2bd894p+0f, 0x1.0471eap+1f, 0x1.53524cp+1f, 0x1.35d8dep-2f};
+
+// (e^r - 1 - r) / r^2, |r| <= 0.02166; error times |r|^2 below 2^-64.4.
+inline constexpr double exp_double_16[6] = {0x1.a01b0c2edab7cp-13, 0x1.6c17ed4cc4834p-10, 0x1.11111110e10a8p-7, 0x1.55555554e9468p-5, 0x1.5555555555556p-3, 0x1.0000000000001p-1};
+
+// (2^r - 1) / r - 1 / 2, |r| <= 0.03125; error times |r|^1 below 2^-62.4.
+inline constexpr double exp2_double_16[7] = {0x1.ffcd7ad9a6463p-17, 0x1.430a49610efc6p-13, 0x1.5d87fe7846d2cp-10, 0x1.3b2ab6fb09b31p-7, 0x1.c6b08d704a0c1p-5, 0x1.ebfbdff82c594p-3, 0x1.8b90bfbe8e7bdp-3};
+
+// (10^r - 1) / r - 2, |r| <= 0.009407; error times |r|^1 below 2^-63.8.
+inline constexpr double exp10_double_16[7] = {0x1.16e5b03376fdap-4, 0x1.a7ef07dfea42ap-3, 0x1.1429ffd189498p-1, 0x1.2bd7609f45e3fp+0, 0x1.0470591de2ca5p+1, 0x1.53524c73cea6cp+1, 0x1.35d8dddaaa8acp-2};
+
+// (e^r - 1 - r) / r^2, |r| <= 0.002708; error times |r|^2 below 2^-63.7.
+inline constexpr double expm1_128[4] = {0x1.11111430bc5c6p-7, 0x1.55555accc11b8p-5, 0x1.5555555555525p-3, 0x1.fffffffffff58p-2};
+
+// (e^r - 1 - r - r^2 / 2) / r^3, |r| <= 0.0625; error times |r|^3 below 2^-67.1.
+inline constexpr double expm1_small[7] = {0x1.71e41cc0ad3f6p-19, 0x1.a02218f697a2p-16, 0x1.a01a01945523ep-13, 0x1.6c16c15be808bp-10, 0x1.111111111116fp-7, 0x1.5555555555658p-5, 0x1.5555555555555p-3};
 
 }  // namespace qor::kernels::tables

@@ -96,12 +96,23 @@ TEST_F(Command, MapReportsElementsOnlyWhenAsked) {
       "row 4 (line 6), column b: Exp(710) = inf: code 3, overflow: the result is too large\n");
 }
 
+TEST_F(Command, MapOfTwoInputsTakesTwoColumns) {
+  const std::string path = file("x.csv", "a,b,c\n6,3,x\n1,0,y\nNA,2,z\n");
+  const Result result = run("map DIV --errors report --columns a,b " + path);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out, "\"Div(a,b)\"\n2\ninf\nNA\n");
+  EXPECT_EQ(result.err,
+            "row 2 (line 3), column a,b: Div(1,0) = inf: code 2, singularity: the function has a"
+            " pole here\n");
+}
+
 TEST_F(Command, TourShowsEverySection) {
   const Result result = run("tour");
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(result.err, "");
-  for (const char* text : {"1860 daily closes", "DAX", "336.07", "153 days", "Ln(Ozone)", "nothing",
-                           "domain, ", "overflow", "underflow", "worst ulp", "dExp ", "dLog1p "}) {
+  for (const char* text :
+       {"1860 daily closes", "DAX", "336.07", "153 days", "Ln(Ozone)", "nothing",
+        "70 domain, 11 singularity", "overflow", "underflow", "worst ulp", "dExp ", "dLog1p "}) {
     EXPECT_NE(result.out.find(text), std::string::npos) << text << " in\n" << result.out;
   }
   // --data takes the place of the search.
@@ -138,6 +149,7 @@ TEST_F(Command, BadInputIsNamedAndNothingIsWritten) {
       {"map exp " + iris, {"iris.csv, line 2, column \"Species\": \"setosa\""}},
       {"map exp " + text, {"text.csv, line 3, column \"b\": \"four\""}},
       {"map exp " + empty, {"empty.csv", "empty", "header line"}},
+      {"map div " + kAir, {"Div takes two columns, 6 are given", "Ozone, Solar.R"}},
       {"map expo " + kAir, {"\"expo\"", "functions are", "Exp"}},
       {"map exp", {"FILE.csv is missing", "usage: qor map"}},
       {"map exp a.csv b.csv", {"\"b.csv\"", "usage: qor map"}},

@@ -62,7 +62,7 @@ TEST(Header, ModeScopeRestores) {
     EXPECT_EQ(_arkGetMode() & (QOR_MODE_ACCURACY | QOR_MODE_ERRORS | QOR_MODE_DENORMALS),
               uint32_t{QOR_MODE_LA} | QOR_MODE_ERRORS_NOERR | QOR_MODE_FLUSH_DENORMALS);
   }
-  EXPECT_EQ(_arkGetMode() & ~QOR_MODE_DENORMALS, before & ~QOR_MODE_DENORMALS);
+  EXPECT_EQ(_arkGetMode() & ~uint32_t{QOR_MODE_DENORMALS}, before & ~uint32_t{QOR_MODE_DENORMALS});
   EXPECT_NE(_arkGetMode() & QOR_MODE_DENORMALS, uint32_t{QOR_MODE_FLUSH_DENORMALS});
 }
 

@@ -1,0 +1,32 @@
+// Where the roots and their powers leave the vector path: shared by the kernels and by the tests
+// that sweep the edges. Images of floats, high words of doubles; `first` and `last` are inside.
+#pragma once
+
+#include <cstdint>
+
+namespace qor::kernels::limits {
+
+struct Range {
+  int32_t first, last;
+};
+
+// Positive normal numbers.
+inline constexpr Range positive_normal_float{0x00800000, 0x7F7FFFFF};
+inline constexpr Range positive_normal_double{0x00100000, 0x7FEFFFFF};
+
+namespace root {
+inline constexpr Range ssqrt{0x00800000, 0x7F7FF000};  // the last 4095 floats go aside too
+inline constexpr Range dsqrt = positive_normal_double;
+inline constexpr Range normal_float = positive_normal_float;  // Cbrt, InvCbrt, Pow2o3, InvSqrt
+inline constexpr Range normal_double = positive_normal_double;
+inline constexpr Range spow3o2{0x15800000, 0x6A214517};  // from 2^-84 to the last finite result
+inline constexpr Range dpow3o2{0x15600000, 0x6A9965FD};  // from 2^-681 to just below 2^(2048/3)
+}  // namespace root
+
+// Of both arguments: squares neither overflow nor lose bits below.
+namespace hypot {
+inline constexpr Range middle_float{0x26000000, 0x5E7FFFFF};   // 2^-51 to 2^62
+inline constexpr Range middle_double{0x21F00000, 0x5FCFFFFF};  // 2^-480 to 2^510
+}  // namespace hypot
+
+}  // namespace qor::kernels::limits

@@ -1,0 +1,69 @@
+// From generator words to the caller's array.
+//
+// A generator gives its words; real output is made of them in blocks that stay in the first level
+// cache. Arrays may have any alignment, hence the copies in place of plain loads and stores.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace qor::streams {
+
+template <class T>
+inline void store(void* r, int32_t i, T value) {
+  std::memcpy(static_cast<char*>(r) + static_cast<ptrdiff_t>(i) * static_cast<ptrdiff_t>(sizeof(T)),
+              &value, sizeof(T));
+}
+template <class T>
+inline T load(const void* r, int32_t i) {
+  T value;
+  std::memcpy(
+      &value,
+      static_cast<const char*>(r) + static_cast<ptrdiff_t>(i) * static_cast<ptrdiff_t>(sizeof(T)),
+      sizeof(T));
+  return value;
+}
+
+template <class Word>
+inline void* at(void* r, int32_t i) {
+  return static_cast<char*>(r) + static_cast<ptrdiff_t>(i) * static_cast<ptrdiff_t>(sizeof(Word));
+}
+
+// The interval from a to b for words u of the unit `unit`: value = u * scale + a, in double,
+// rounded once more where the result is single.
+struct Affine {
+  double scale, a;
+  Affine(double a_, double b, double unit) : scale((b - a_) * unit), a(a_) {}
+};
+
+// A 32-bit word as a double, by the signed conversion that all levels have; every step is exact.
+inline double to_double(uint32_t word) {
+  return static_cast<double>(static_cast<int32_t>(word ^ 0x80000000u)) + 0x1p31;
+}
+
+struct MapWords32 {
+  using Word = uint32_t;
+  Affine map;
+  template <class Real>
+  void operator()(const uint32_t* words, int32_t n, Real* r) const {
+    for (int32_t i = 0; i < n; ++i)
+      store(r, i, static_cast<Real>(to_double(words[i]) * map.scale + map.a));
+  }
+};
+
+// n reals of a generator, from blocks of its words: words(n, Word* out), then map(words, n, Real*).
+template <class Real, class Words, class Map>
+void fill_reals(int32_t n, Real* r, Words words, Map map) {
+  constexpr int32_t block = 8192 / sizeof(typename Map::Word);
+  alignas(64) typename Map::Word buffer[block];
+  for (int32_t done = 0; done < n;) {
+    const int32_t count = std::min(n - done, block);
+    words(count, buffer);
+    map(buffer, count, static_cast<Real*>(at<Real>(r, done)));
+    done += count;
+  }
+}
+
+}  // namespace qor::streams

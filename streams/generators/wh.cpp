@@ -1,0 +1,233 @@
+// WH: 273 generators, each the sum of four multiplicative congruential generators with 24-bit prime
+// moduli (after Wichmann and Hill 1982).
+//
+// The output is the state before the step. A leapfrog changes the multipliers for good. All
+// products are below 2^48, so the recurrences run in double precision without rounding.
+
+#include <array>
+#include <bit>
+#include <iterator>
+
+#include "streams/generators/output.h"
+#include "streams/generators/refusals.h"
+#include "streams/generators/wh_table.h"
+#include "streams/generators/wide.h"
+#include "streams/record.h"
+#include "streams/registry.h"
+
+namespace {
+
+using namespace qor::streams;
+
+struct State {
+  uint32_t x[4];  // the next output
+  uint32_t a[4];  // multipliers
+};
+static_assert(sizeof(State) == 32);
+
+// 1 / m rounded toward zero, m between 2^23 and 2^24: floor(2^76 / m), which has 53 bits, in two
+// divisions of 64-bit numbers.
+constexpr double reciprocal(uint64_t m) {
+  constexpr uint64_t dividend = uint64_t{1} << 52;
+  const uint64_t quotient = (dividend / m << 24) + ((dividend % m << 24) / m);
+  return static_cast<double>(quotient) * 0x1p-76;
+}
+
+using Reciprocals = std::array<std::array<double, 4>, std::size(wh_rows)>;
+constexpr Reciprocals all_reciprocals() {
+  Reciprocals result{};
+  for (size_t s = 0; s < result.size(); ++s) {
+    for (size_t j = 0; j < 4; ++j) result[s][j] = reciprocal(wh_rows[s].m[j]);
+  }
+  return result;
+}
+constexpr Reciprocals kReciprocals = all_reciprocals();
+
+// ---- One step -----------------------------------------------------------------------------------
+
+constexpr double kRounder = 0x1.8p52;  // added and subtracted, it leaves the nearest integer
+
+// v where the condition holds, else 0; a mask, for a branch would go wrong every other time.
+inline double where(bool condition, double v) {
+  return std::bit_cast<double>(std::bit_cast<uint64_t>(v) & -uint64_t{condition});
+}
+inline WideReal where(WideMask condition, WideReal v) {
+  return reinterpret_cast<WideReal>(condition & reinterpret_cast<WideMask>(v));
+}
+
+// x a mod m for residues x and a. The quotient is off by less than one either way, in any rounding
+// mode, so that one addition mends the remainder.
+template <class V>
+inline V multiply(V x, V a, V m, V r) {
+  const V product = x * a;
+  const V quotient = (product * r + kRounder) - kRounder;
+  const V remainder = product - quotient * m;
+  return remainder + where(remainder < 0.0, m);
+}
+
+// The fraction of sum x_j / m_j, added in this order; the r_j are the reciprocals.
+template <class V>
+inline V fraction(V x1, V x2, V x3, V x4, const double* r) {
+  const V sum = r[0] * x1 + r[1] * x2 + r[2] * x3 + r[3] * x4;
+  const V nearest = (sum + kRounder) - kRounder;
+  return sum - (nearest - where(sum < nearest, V{} + 1.0));
+}
+
+// ---- Block form ---------------------------------------------------------------------------------
+
+struct Constants {
+  double m[4], a[4], r[4];
+  Constants(const State& state, int32_t member) {
+    const auto row = static_cast<size_t>(member);
+    for (int j = 0; j < 4; ++j) {
+      m[j] = wh_rows[row].m[j];
+      a[j] = state.a[j];
+      r[j] = kReciprocals[row][static_cast<size_t>(j)];
+    }
+  }
+};
+
+// kSteps consecutive states, each multiplied by a_j^kSteps a round. Generator j of step s stands at
+// place(j, s): the two outputs want different orders.
+constexpr int kSteps = 16;
+
+constexpr int by_generator(int j, int s) {
+  return j * kSteps + s;
+}
+constexpr int by_step(int j, int s) {
+  return 4 * s + j;
+}
+
+template <int (*place)(int, int)>
+struct Block {
+  alignas(64) double x[4 * kSteps], a[4 * kSteps], m[4 * kSteps], r[4 * kSteps];
+
+  Block(const State& state, const Constants& c) {
+    for (int j = 0; j < 4; ++j) {
+      double next = state.x[j], power = 1;
+      for (int s = 0; s < kSteps; ++s) {
+        x[place(j, s)] = next;
+        next = multiply(next, c.a[j], c.m[j], c.r[j]);
+        power = multiply(power, c.a[j], c.m[j], c.r[j]);
+      }
+      for (int s = 0; s < kSteps; ++s) {
+        a[place(j, s)] = power;
+        m[place(j, s)] = c.m[j];
+        r[place(j, s)] = c.r[j];
+      }
+    }
+  }
+
+  void advance() {
+    for (int k = 0; k < 4 * kSteps; k += wide_lanes) {
+      const WideReal next =
+          multiply(load_wide(x + k), load_wide(a + k), load_wide(m + k), load_wide(r + k));
+      std::memcpy(x + k, &next, sizeof next);
+    }
+  }
+
+  void save(State& state) const {
+    for (int j = 0; j < 4; ++j) state.x[j] = static_cast<uint32_t>(x[place(j, 0)]);
+  }
+};
+
+void step(State& state, const Constants& c) {
+  for (int j = 0; j < 4; ++j)
+    state.x[j] = static_cast<uint32_t>(multiply<double>(state.x[j], c.a[j], c.m[j], c.r[j]));
+}
+
+constexpr int32_t kBlockLimit = 2 * kSteps;  // shorter calls run step by step
+
+void fill_words(StreamState* stream, int32_t n, void* r) {
+  auto& state = state_of<State>(stream);
+  const Constants c(state, member_of(stream));
+  using Words = std::array<uint32_t, 4>;
+  int32_t i = 0;
+  if (n >= kBlockLimit) {
+    Block<by_step> block(state, c);
+    for (; i + kSteps <= n; i += kSteps, block.advance()) {
+      void* out = at<Words>(r, i);
+      for (int k = 0; k < 4 * kSteps; ++k) store(out, k, static_cast<int32_t>(block.x[k]));
+    }
+    block.save(state);
+  }
+  for (; i < n; ++i, step(state, c)) store(r, i, std::to_array(state.x));
+}
+
+template <class Real>
+int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
+  auto& state = state_of<State>(stream);
+  const Constants c(state, member_of(stream));
+  const double scale = b - a;
+  int32_t i = 0;
+  if (n >= kBlockLimit) {
+    Block<by_generator> block(state, c);
+    const double* x = block.x;
+    for (; i + kSteps <= n; i += kSteps, block.advance()) {
+      void* out = at<Real>(r, i);
+      for (int s = 0; s < kSteps; s += wide_lanes) {
+        const WideReal f =
+            fraction(load_wide(x + s), load_wide(x + kSteps + s), load_wide(x + 2 * kSteps + s),
+                     load_wide(x + 3 * kSteps + s), c.r);
+        const WideReal values = f * scale + a;
+        for (int k = 0; k < wide_lanes; ++k) store(out, s + k, static_cast<Real>(values[k]));
+      }
+    }
+    block.save(state);
+  }
+  for (; i < n; ++i, step(state, c)) {
+    const double f = fraction<double>(state.x[0], state.x[1], state.x[2], state.x[3], c.r);
+    store(r, i, static_cast<Real>(f * scale + a));
+  }
+  return QOR_STREAM_OK;
+}
+
+// ---- Creation, skip-ahead, leapfrog -------------------------------------------------------------
+
+void create(State& state, const WhRow& row, int32_t n, const uint32_t* seed) {
+  for (uint32_t j = 0; j < 4; ++j) {
+    const uint32_t x = j < static_cast<uint32_t>(n) ? seed[j] % row.m[j] : 1;
+    state.x[j] = x != 0 ? x : 1;
+    state.a[j] = row.a[j];
+  }
+}
+
+void skip(State& state, const WhRow& row, uint64_t count) {
+  for (int j = 0; j < 4; ++j) {
+    const uint64_t power = __ostiPowMod(state.a[j], count, row.m[j]);
+    state.x[j] = static_cast<uint32_t>(state.x[j] * power % row.m[j]);
+  }
+}
+
+}  // namespace
+
+int32_t __ostBRngWHInitStream(int32_t method, StreamState* stream, int32_t n, const void* params) {
+  auto& state = state_of<State>(stream);
+  const WhRow& row = wh_rows[member_of(stream)];
+  switch (method) {
+    case QOR_BRNG_CREATE:
+      create(state, row, n, static_cast<const uint32_t*>(params));
+      return QOR_STREAM_OK;
+    case QOR_BRNG_LEAPFROG:
+      skip(state, row, *static_cast<const uint32_t*>(params));
+      for (int j = 0; j < 4; ++j)
+        state.a[j] = __ostiPowMod(state.a[j], static_cast<uint32_t>(n), row.m[j]);
+      return QOR_STREAM_OK;
+    case QOR_BRNG_SKIP_AHEAD:
+      skip(state, row, *static_cast<const uint64_t*>(params));
+      return QOR_STREAM_OK;
+    default:
+      return refusal_of(method);
+  }
+}
+
+int32_t __ostsBRngWH(StreamState* stream, int32_t n, float* r, float a, float b) {
+  return fill(stream, n, r, static_cast<double>(a), static_cast<double>(b));
+}
+int32_t __ostdBRngWH(StreamState* stream, int32_t n, double* r, double a, double b) {
+  return fill(stream, n, r, a, b);
+}
+int32_t __ostiBRngWH(StreamState* stream, int32_t n, void* r) {
+  fill_words(stream, n, r);
+  return QOR_STREAM_OK;
+}

@@ -1,0 +1,69 @@
+// Vectors of 64-bit lanes, as wide as the level has them, for the block forms of generators.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+namespace qor::streams {
+
+#if defined(__AVX512DQ__) && defined(__AVX512VL__)
+inline constexpr int wide_bytes = 64;
+#elif defined(__AVX2__)
+inline constexpr int wide_bytes = 32;
+#else
+inline constexpr int wide_bytes = 16;
+#endif
+inline constexpr int wide_lanes = wide_bytes / 8;
+
+using Wide [[gnu::vector_size(wide_bytes)]] = uint64_t;
+using WideWords [[gnu::vector_size(wide_bytes)]] = uint32_t;
+using WideReal [[gnu::vector_size(wide_bytes)]] = double;
+using WideMask [[gnu::vector_size(wide_bytes)]] = int64_t;
+
+// The product of the low halves of each lane.
+inline Wide mul_low(Wide a, Wide b) {
+#if defined(__AVX512DQ__) && defined(__AVX512VL__)
+  // The masked form: the plain one warns in the compiler's own header.
+  return reinterpret_cast<Wide>(
+      _mm512_maskz_mul_epu32(0xFF, reinterpret_cast<__m512i>(a), reinterpret_cast<__m512i>(b)));
+#elif defined(__AVX2__)
+  return reinterpret_cast<Wide>(
+      _mm256_mul_epu32(reinterpret_cast<__m256i>(a), reinterpret_cast<__m256i>(b)));
+#else
+  return reinterpret_cast<Wide>(
+      _mm_mul_epu32(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
+#endif
+}
+
+inline Wide wide(uint64_t value) {
+  return value - Wide{};
+}
+
+inline WideReal load_wide(const double* from) {
+  WideReal v;
+  std::memcpy(&v, from, sizeof v);
+  return v;
+}
+
+// Lanes shift, ..., last of a, then the first of b.
+template <int shift>
+Wide shift_in(Wide a, Wide b) {
+  return [=]<int... i>(std::integer_sequence<int, i...>) {
+    return __builtin_shufflevector(a, b, (i + shift)...);
+  }
+  (std::make_integer_sequence<int, wide_lanes>{});
+}
+
+// The low halves of the lanes of a, then of b.
+inline WideWords low_halves(Wide a, Wide b) {
+  return [=]<int... i>(std::integer_sequence<int, i...>) {
+    return __builtin_shufflevector(reinterpret_cast<WideWords>(a), reinterpret_cast<WideWords>(b),
+                                   (2 * i)...);
+  }
+  (std::make_integer_sequence<int, 2 * wide_lanes>{});
+}
+
+}  // namespace qor::streams

@@ -1,0 +1,149 @@
+// The table of shared read-only data. Entries are kept dense; a search walks them.
+
+#include "streams/shared_table.h"
+
+#include <atomic>
+
+#include "services/services.h"
+
+namespace qor::streams {
+namespace {
+
+constexpr int32_t kCapacity = 128;
+// Chunks stop sharing one entry short of that.
+constexpr int32_t kChunkLimit = 127;
+
+qor_shared_entry entries[kCapacity];
+int32_t entries_in_use = 0;
+
+// Held for a search of the table at most, so that a waiting thread may spin.
+std::atomic<int32_t> lock_word{0};
+
+class TableLock {
+ public:
+  TableLock() {
+    for (int32_t free = 0; !lock_word.compare_exchange_weak(free, 1, std::memory_order_acquire);
+         free = 0) {
+    }
+  }
+  ~TableLock() { lock_word.store(0, std::memory_order_release); }
+  TableLock(const TableLock&) = delete;
+  TableLock& operator=(const TableLock&) = delete;
+};
+
+bool same(const qor_shared_id& a, const qor_shared_id& b) {
+  return a.time == b.time && a.number == b.number;
+}
+
+// The functions from here to the end of the namespace are called with the lock held.
+
+qor_shared_entry* find(const qor_shared_id& id) {
+  if (is_none(id)) return nullptr;
+  for (int32_t i = 0; i < entries_in_use; ++i) {
+    if (same(entries[i].id, id)) return &entries[i];
+  }
+  return nullptr;
+}
+
+bool refer(StreamChunk& chunk, const qor_shared_id& id) {
+  qor_shared_entry* entry = find(id);
+  if (entry == nullptr) return false;
+  ++entry->references;
+  chunk.data = entry->data;
+  return true;
+}
+
+// Takes a reference from every entry with this id; returns how many there were.
+int32_t unrefer(const qor_shared_id& id) {
+  int32_t found = 0;
+  for (int32_t i = 0; i < entries_in_use;) {
+    if (!same(entries[i].id, id)) {
+      ++i;
+      continue;
+    }
+    ++found;
+    if (--entries[i].references != 0) {
+      ++i;
+      continue;
+    }
+    qor_serv_deallocate(entries[i].data);
+    entries[i] = entries[--entries_in_use];
+  }
+  return found;
+}
+
+}  // namespace
+
+void share(StreamChunk& chunk) {
+  const TableLock lock;
+  if (refer(chunk, chunk.shared)) return;
+  if (entries_in_use >= kChunkLimit) {
+    chunk.shared = {0, 0};
+  } else {
+    entries[entries_in_use++] = {chunk.shared, 1, chunk.data, chunk.size};
+  }
+}
+
+bool share_registered(StreamChunk& chunk) {
+  const TableLock lock;
+  return refer(chunk, chunk.shared);
+}
+
+void release_data(StreamChunk& chunk) {
+  if (!is_none(chunk.shared)) {
+    const TableLock lock;
+    if (unrefer(chunk.shared) != 0) return;
+  }
+  qor_serv_deallocate(chunk.data);
+}
+
+void unshare_unless_same_size(StreamChunk& chunk, void* own_data) {
+  const TableLock lock;
+  const qor_shared_entry* entry = find(chunk.shared);
+  if (entry == nullptr || entry->size == chunk.size) return;
+  unrefer(chunk.shared);
+  chunk.shared = {0, 0};
+  chunk.data = own_data;
+}
+
+}  // namespace qor::streams
+
+using namespace qor::streams;
+
+int32_t __ostFindGlobRODataTableEntry(qor_shared_entry** entry, const qor_shared_id* id) {
+  if (id == nullptr || is_none(*id)) return QOR_STREAM_NO_SHARED_ENTRY;
+  const TableLock lock;
+  qor_shared_entry* found = find(*id);
+  if (found == nullptr) return QOR_STREAM_NO_SHARED_ENTRY;
+  *entry = found;
+  return QOR_STREAM_OK;
+}
+
+int32_t __ostCreateGlobRODataTableEntry(qor_shared_entry** entry, const qor_shared_id* id,
+                                        void* data) {
+  const TableLock lock;
+  if (entries_in_use >= kCapacity) return QOR_STREAM_SHARED_TABLE_FULL;
+  *entry = &entries[entries_in_use++];
+  **entry = {*id, 1, data, 0};
+  return QOR_STREAM_OK;
+}
+
+int32_t __ostRegisterGlobRODataReference(StreamChunk* chunk, const qor_shared_id* id) {
+  const TableLock lock;
+  refer(*chunk, *id);
+  return QOR_STREAM_OK;
+}
+
+int32_t __ostUnregisterGlobRODataReference(const qor_shared_id* id) {
+  const TableLock lock;
+  unrefer(*id);
+  return QOR_STREAM_OK;
+}
+
+int32_t __ostGenerateNewGlobalRODataTableEntryId(qor_shared_id* id, int32_t x) {
+  const TableLock lock;
+  do {
+    *id = {__builtin_ia32_rdtsc(), static_cast<uint64_t>(int64_t{x})};
+  } while (find(*id) != nullptr);
+  return QOR_STREAM_OK;
+}

@@ -1,0 +1,146 @@
+// Measures the accuracy of every kernel of the row list.
+//
+//   accuracy [--only sExp,dLn] [--count N] [--exhaustive] [--threads N]
+//     prints a line per function and kernel of the library that the loader found
+//   accuracy ... --write docs/accuracy.md [--levels build/release/levels]
+//     runs itself on every level's library and writes the page
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "qor/vector_math.h"
+#include "tools/accuracy_measure.h"
+#include "tools/accuracy_page.h"
+#include "tools/levels.h"
+
+namespace {
+
+using qor::test::Row;
+using qor::tools::AccuracyLine;
+using qor::tools::Measurement;
+
+struct Options {
+  std::vector<std::string> only;  // names of functions; empty for all
+  std::string page, levels = QOR_BUILD_LEVELS, level = "v?";
+  uint64_t count = 1 << 18;
+  bool exhaustive = false;
+  int threads = 2;
+};
+
+[[noreturn]] void usage(const char* word) {
+  std::fprintf(stderr,
+               "accuracy: %s is none of --only NAMES, --count N, --exhaustive, --threads N, "
+               "--write FILE, --levels FOLDER, --level NAME\n",
+               word);
+  std::exit(2);
+}
+
+std::vector<std::string> split(const std::string& names) {
+  std::vector<std::string> list;
+  std::istringstream stream(names);
+  for (std::string name; std::getline(stream, name, ',');) list.push_back(name);
+  return list;
+}
+
+Options parse(const std::vector<std::string>& words) {
+  Options options;
+  for (size_t i = 0; i < words.size(); ++i) {
+    if (words[i] == "--exhaustive") {
+      options.exhaustive = true;
+      continue;
+    }
+    if (i + 1 == words.size()) usage(words[i].c_str());
+    const std::string& value = words[i + 1];
+    if (words[i] == "--only") {
+      options.only = split(value);
+    } else if (words[i] == "--count") {
+      options.count = std::strtoull(value.c_str(), nullptr, 10);
+    } else if (words[i] == "--threads") {
+      options.threads = std::max(1, std::atoi(value.c_str()));
+    } else if (words[i] == "--write") {
+      options.page = value;
+    } else if (words[i] == "--levels") {
+      options.levels = value;
+    } else if (words[i] == "--level") {
+      options.level = value;
+    } else {
+      usage(words[i].c_str());
+    }
+    ++i;
+  }
+  return options;
+}
+
+std::string number(const char* format, double x) {
+  char text[64];
+  std::snprintf(text, sizeof text, format, x);
+  return text;
+}
+
+template <class T>
+void print_line(const Options& options, const Row<T>& row, int slot, const Measurement& found,
+                const std::string& arguments) {
+  std::string at;
+  if (found.worst > 0) {
+    for (int k = 0; k < row.shape.numbers_in(); ++k)
+      at.append(k > 0 ? ", " : "").append(number("%a", found.at[static_cast<size_t>(k)]));
+  }
+  const AccuracyLine line{row.name(),
+                          options.level,
+                          row.sharing(slot),
+                          number("%.4f", found.worst),
+                          at,
+                          number("%.4f", found.mean()),
+                          arguments};
+  std::printf("%s\n", qor::tools::to_text(line).c_str());
+  std::fflush(stdout);
+}
+
+template <class T>
+void measure(const Options& options, const Row<T>& row) {
+  if (!options.only.empty() && std::ranges::count(options.only, row.name()) == 0) return;
+  for (int slot : row.distinct_slots()) {
+    if constexpr (sizeof(T) == sizeof(float)) {
+      if (options.exhaustive && row.shape.numbers_in() == 1 && row.shape.outputs == 1 &&
+          row.reference->in_double != nullptr) {
+        print_line(options, row, slot, qor::tools::measure_all(row, slot, options.threads),
+                   qor::tools::every_argument);
+        continue;
+      }
+    }
+    const Measurement found = qor::tools::measure_sample(row, slot, options.count);
+    print_line(options, row, slot, found, std::to_string(found.count));
+  }
+}
+
+void write_page(const Options& options, std::vector<std::string> arguments) {
+  std::vector<AccuracyLine> lines;
+  for (const std::string& level : qor::tools::runnable_levels(options.levels)) {
+    std::vector<std::string> words = arguments;
+    words.insert(words.end(), {"--level", level, "--write", ""});
+    for (const std::string& text : qor::tools::run_on_level(options.levels, level, words)) {
+      lines.push_back(qor::tools::from_text(text));
+    }
+    qor::tools::write_accuracy_page(options.page, lines);
+  }
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+  const std::vector<std::string> arguments(words + 1, words + count);
+  const Options options = parse(arguments);
+  if (!options.page.empty()) {
+    write_page(options, arguments);
+    return 0;
+  }
+  _arkSetMode(QOR_MODE_ERRORS_IGNORE);
+  for (const auto& any : qor::test::rows()) {
+    std::visit([&](const auto& row) { measure(options, row); }, any);
+  }
+  return 0;
+}
