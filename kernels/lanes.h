@@ -775,21 +775,6 @@ inline f64 look_up(const double (&table)[16], i64 index) {
 #endif
 }
 
-inline f32 look_up(const float (&table)[16], i32 index) {
-#if QOR_LANES_512
-  return std::bit_cast<f32>(
-      _mm512_maskz_permutexvar_ps(0xFFFF, std::bit_cast<__m512i>(index), _mm512_loadu_ps(table)));
-#elif QOR_LANES_256
-  const __m256i at = std::bit_cast<__m256i>(index);
-  const __m256 low = _mm256_permutevar8x32_ps(_mm256_loadu_ps(table), at);
-  const __m256 high = _mm256_permutevar8x32_ps(_mm256_loadu_ps(table + 8), at);
-  const __m256 is_high = _mm256_castsi256_ps(_mm256_slli_epi32(at, 28));
-  return std::bit_cast<f32>(_mm256_blendv_ps(low, high, is_high));
-#else
-  return gather(table, index & 15);
-#endif
-}
-
 // ---- Parts of a number ----------------------------------------------------------------------
 
 // floor(log2 x), for normal x > 0.
