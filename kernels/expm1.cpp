@@ -86,13 +86,11 @@ struct SExpm1 : Unary<float> {
     const V rest = multiply_add(p.high, tail, multiply_add(p.low, r, p.low));
     const Exact y = leading_terms(p.scale * p.high, r);
     const V result = y.first + multiply_add(p.scale, rest, y.second);
-    return lanes::from_image(image(result) | (image(argument) & INT32_MIN));  // -0 too
+    return lanes::with_sign(result, argument);  // -0 too
   }
 
   Doubt care(V x) const {
-    constexpr int32_t largest_finite = 0x7F7FFFFF;
-    return lanes::above(image(x), limits::sexpm1::fast_image) |
-           lanes::above(image(lanes::abs(x)), largest_finite);
+    return lanes::above(image(x), limits::sexpm1::fast_image) | lanes::not_finite(x);
   }
 
   // Large arguments and special ones: an exponential, where the 1 is lost anyway.

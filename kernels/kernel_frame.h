@@ -13,8 +13,10 @@
 //   Outcome<Real> scalar(Real x) const        such a lane: correctly signalled value, and a code
 //
 // and, where they differ from the usual: environment, strided_environment, registers (see
-// run_calm_groups), settle (see settle_lanes). A function without `care` has no side path, one
-// without `core` gives every element to its scalar routine.
+// run_calm_groups), settle (see settle_lanes). A function without `care` has no side path. One
+// without a vector path has, in place of core, care and scalar,
+//
+//   int32_t evaluate(const Real& x, Real& y) const   sets y to the value of an element; its code
 #pragma once
 
 #include <bit>
@@ -372,19 +374,14 @@ template <class F, class Vectors>
   }
 }
 
-template <class F>
-inline constexpr bool has_vector_path = requires {
-  &F::core;
-};
-
 template <Environment environment, class F, class Vectors>
 inline void run(const F& f, const Vectors& vectors, int64_t n) {
   FpEnvSave save;
   [[maybe_unused]] const uint32_t mode = enter<environment>(save);
-  if constexpr (has_vector_path<F>) {
-    run_lanes<F, Vectors>(f, vectors, n, mode);
-  } else {
+  if constexpr (requires { &F::evaluate; }) {
     run_elements<F, Vectors>(f, vectors, n);
+  } else {
+    run_lanes<F, Vectors>(f, vectors, n, mode);
   }
   leave(save);
 }

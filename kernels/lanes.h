@@ -680,30 +680,6 @@ inline Two<f32> gather_rows<float>(const Row<float>* table, i32 index) {
 }
 #endif
 
-// A row of three numbers, padded to 256 bits.
-struct alignas(32) Row3 {
-  double first, second, third;
-};
-struct Three {
-  f64 first, second, third;
-};
-
-// Rows table[offset / 4], a register for each of their numbers.
-inline Three gather_rows(const Row3* table, i64 offset) {
-#if QOR_LANES_256 && !QOR_LANES_512
-  const auto row = [&](int lane) { return _mm256_load_pd(&table->first + offset[lane]); };
-  const __m256d r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
-  const __m256d even01 = _mm256_unpacklo_pd(r0, r1), odd01 = _mm256_unpackhi_pd(r0, r1);
-  const __m256d even23 = _mm256_unpacklo_pd(r2, r3), odd23 = _mm256_unpackhi_pd(r2, r3);
-  return {std::bit_cast<f64>(_mm256_permute2f128_pd(even01, even23, 0x20)),
-          std::bit_cast<f64>(_mm256_permute2f128_pd(odd01, odd23, 0x20)),
-          std::bit_cast<f64>(_mm256_permute2f128_pd(even01, even23, 0x31))};
-#else
-  return {gather(&table->first, offset), gather(&table->second, offset),
-          gather(&table->third, offset)};
-#endif
-}
-
 // A row of a table of fours, and four registers.
 template <class T>
 struct alignas(4 * sizeof(T)) Row4 {
@@ -817,6 +793,16 @@ inline f32 look_up(const float (&table)[16], i32 index) {
 #endif
 }
 
+// Elements table[index mod 8].
+inline f32 look_up(const float (&table)[8], i32 index) {
+#if QOR_LANES_256 && !QOR_LANES_512
+  return std::bit_cast<f32>(
+      _mm256_permutevar8x32_ps(_mm256_loadu_ps(table), std::bit_cast<__m256i>(index)));
+#else
+  return gather(table, index & 7);
+#endif
+}
+
 inline f64 look_up(const double (&table)[16], i64 index) {
 #if QOR_LANES_512
   return std::bit_cast<f64>(_mm512_permutex2var_pd(
@@ -826,28 +812,16 @@ inline f64 look_up(const double (&table)[16], i64 index) {
 #endif
 }
 
-#if !QOR_LANES_512
-// Elements of a table of a register, by the index modulo its size.
-inline f32 look_up(const float (&table)[Lanes<float>::count], i32 index) {
-#if QOR_LANES_256
-  return std::bit_cast<f32>(
-      _mm256_permutevar8x32_ps(_mm256_loadu_ps(table), std::bit_cast<__m256i>(index)));
-#else
-  return gather(table, index & 3);
-#endif
-}
-#endif
-
 // ---- Parts of a number ----------------------------------------------------------------------
 
 inline f32 to_float(i32 x) { return __builtin_convertvector(x, f32); }
 
-// The biased exponent of x >= 0.
-inline f32 biased_exponent(f32 x) { return to_float(image(x) >> 23); }
-inline f64 biased_exponent(f64 x) {
+// The biased exponent less `offset`, for x > 0.
+inline f32 biased_exponent(f32 x, float offset = 0) { return to_float(image(x) >> 23) - offset; }
+inline f64 biased_exponent(f64 x, double offset = 0) {
   constexpr double shifter = 0x1p+52;  // there is no conversion from 64 bits below 512
   const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
-  return from_image(biased | std::bit_cast<int64_t>(shifter)) - shifter;
+  return from_image(biased | std::bit_cast<int64_t>(shifter)) - (shifter + offset);
 }
 
 // floor(log2 x), for normal x > 0.
@@ -855,16 +829,14 @@ inline f32 exponent(f32 x) {
 #if QOR_LANES_512
   return std::bit_cast<f32>(_mm512_maskz_getexp_ps(0xFFFF, std::bit_cast<__m512>(x)));
 #else
-  return biased_exponent(x) - 127.0f;
+  return biased_exponent(x, 127);
 #endif
 }
 inline f64 exponent(f64 x) {
 #if QOR_LANES_512
   return std::bit_cast<f64>(_mm512_maskz_getexp_pd(0xFF, std::bit_cast<__m512d>(x)));
 #else
-  constexpr double shifter = 0x1p+52;
-  const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
-  return from_image(biased | std::bit_cast<int64_t>(shifter)) - (shifter + 1023);
+  return biased_exponent(x, 1023);
 #endif
 }
 
