@@ -87,6 +87,10 @@ inline typename Lanes<T>::V all(T x) {
   (std::make_integer_sequence<int, Lanes<T>::count>{});
 }
 
+// Shifted as unsigned images.
+inline i32 shift_right(i32 x, int by) { return std::bit_cast<i32>(std::bit_cast<u32>(x) >> by); }
+inline i64 shift_right(i64 x, int by) { return std::bit_cast<i64>(std::bit_cast<u64>(x) >> by); }
+
 inline f32 abs(f32 x) { return from_image(image(x) & 0x7FFFFFFF); }
 inline f64 abs(f64 x) { return from_image(image(x) & 0x7FFFFFFFFFFFFFFF); }
 
@@ -186,9 +190,15 @@ inline auto magnitude_outside(V x, int32_t first, int32_t last) {
   return outside(image(abs(x)), first, last);
 }
 
+// Magnitudes whose image (of a double the high word) is above `last`.
+inline Doubt<float> magnitude_above(f32 x, int32_t last) { return above(image(abs(x)), last); }
+inline Doubt<double> magnitude_above(f64 x, int32_t last) {
+  return high_word_above(image(abs(x)), last);
+}
+
 // Infinities and NaN.
-inline Doubt<float> not_finite(f32 x) { return above(image(abs(x)), 0x7F7FFFFF); }
-inline Doubt<double> not_finite(f64 x) { return high_word_above(image(abs(x)), 0x7FEFFFFF); }
+inline Doubt<float> not_finite(f32 x) { return magnitude_above(x, 0x7F7FFFFF); }
+inline Doubt<double> not_finite(f64 x) { return magnitude_above(x, 0x7FEFFFFF); }
 
 // Lanes with x equal to y; a quiet NaN is equal to nothing and raises nothing.
 inline Doubt<float> equal(f32 x, f32 y) {
@@ -300,6 +310,17 @@ inline V estrin(V x, const T (&coefficients)[count]) {
   V powers[std::bit_width(count - 1)] = {x};
   for (size_t i = 1; i < std::size(powers); ++i) powers[i] = powers[i - 1] * powers[i - 1];
   return estrin_part<0, count>(powers, coefficients);
+}
+
+// The same polynomial as two of x^2, of the even and the odd powers: half the latency.
+template <class V, class T, size_t count>
+inline V even_odd(V x, const T (&coefficients)[count]) {
+  const V square = x * x;
+  V sums[2] = {all(coefficients[0]), all(coefficients[1])};
+  for (size_t i = 2; i < count; ++i) {
+    sums[i % 2] = multiply_add(sums[i % 2], square, coefficients[i]);
+  }
+  return multiply_add(sums[count % 2], x, sums[(count + 1) % 2]);
 }
 
 // (The masked forms at 512 bits are the same instruction; g++ 12 warns in its own header at the
@@ -490,34 +511,73 @@ inline f32 reciprocal_estimate(f32 x) {
 #endif
 }
 
-// The float lanes as doubles, the lower half first, and back.
+// The 32-bit lanes as 64-bit ones, the lower half first: floats and integers to doubles.
+#if QOR_LANES_512 || QOR_LANES_256
+template <class Whole, class Convert>
+inline auto convert_halves(Whole x, Convert convert) {
+  return [&]<int... lane>(std::integer_sequence<int, lane...>) {
+    constexpr int half = sizeof...(lane);
+    return Two{convert(__builtin_shufflevector(x, x, lane...)),
+               convert(__builtin_shufflevector(x, x, (half + lane)...))};
+  }
+  (std::make_integer_sequence<int, Lanes<double>::count>{});
+}
 inline Two<f64> widen(f32 x) {
+  return convert_halves(x, [](auto half) {
 #if QOR_LANES_512
-  const auto v = std::bit_cast<__m512>(x);
-  return {std::bit_cast<f64>(_mm512_maskz_cvtps_pd(0xFF, _mm512_castps512_ps256(v))),
-          std::bit_cast<f64>(_mm512_maskz_cvtps_pd(0xFF, _mm512_extractf32x8_ps(v, 1)))};
-#elif QOR_LANES_256
-  const auto v = std::bit_cast<__m256>(x);
-  return {std::bit_cast<f64>(_mm256_cvtps_pd(_mm256_castps256_ps128(v))),
-          std::bit_cast<f64>(_mm256_cvtps_pd(_mm256_extractf128_ps(v, 1)))};
+    return std::bit_cast<f64>(_mm512_maskz_cvtps_pd(0xFF, std::bit_cast<__m256>(half)));
 #else
+    return std::bit_cast<f64>(_mm256_cvtps_pd(std::bit_cast<__m128>(half)));
+#endif
+  });
+}
+inline Two<f64> to_double(i32 x) {
+  return convert_halves(x, [](auto half) {
+#if QOR_LANES_512
+    return std::bit_cast<f64>(_mm512_maskz_cvtepi32_pd(0xFF, std::bit_cast<__m256i>(half)));
+#else
+    return std::bit_cast<f64>(_mm256_cvtepi32_pd(std::bit_cast<__m128i>(half)));
+#endif
+  });
+}
+#else
+inline Two<f64> widen(f32 x) {
   const auto v = std::bit_cast<__m128>(x);
   return {std::bit_cast<f64>(_mm_cvtps_pd(v)),
           std::bit_cast<f64>(_mm_cvtps_pd(_mm_movehl_ps(v, v)))};
-#endif
 }
+inline Two<f64> to_double(i32 x) {
+  const auto v = std::bit_cast<__m128i>(x);
+  return {std::bit_cast<f64>(_mm_cvtepi32_pd(v)),
+          std::bit_cast<f64>(_mm_cvtepi32_pd(_mm_unpackhi_epi64(v, v)))};
+}
+#endif
+
+// Two registers of doubles as floats; and the low words of their images.
 inline f32 narrow(Two<f64> x) {
+#if QOR_LANES_512 || QOR_LANES_256
 #if QOR_LANES_512
-  const __m256 low = _mm512_maskz_cvtpd_ps(0xFF, std::bit_cast<__m512d>(x.first));
-  const __m256 high = _mm512_maskz_cvtpd_ps(0xFF, std::bit_cast<__m512d>(x.second));
-  return std::bit_cast<f32>(_mm512_maskz_insertf32x8(0xFFFF, _mm512_castps256_ps512(low), high, 1));
-#elif QOR_LANES_256
-  return std::bit_cast<f32>(_mm256_set_m128(_mm256_cvtpd_ps(std::bit_cast<__m256d>(x.second)),
-                                            _mm256_cvtpd_ps(std::bit_cast<__m256d>(x.first))));
+  const auto half = [](f64 wide) {
+    return _mm512_maskz_cvtpd_ps(0xFF, std::bit_cast<__m512d>(wide));
+  };
+#else
+  const auto half = [](f64 wide) { return _mm256_cvtpd_ps(std::bit_cast<__m256d>(wide)); };
+#endif
+  return [&]<int... lane>(std::integer_sequence<int, lane...>) {
+    return std::bit_cast<f32>(__builtin_shufflevector(half(x.first), half(x.second), lane...));
+  }
+  (std::make_integer_sequence<int, Lanes<float>::count>{});
 #else
   return std::bit_cast<f32>(_mm_movelh_ps(_mm_cvtpd_ps(std::bit_cast<__m128d>(x.first)),
                                           _mm_cvtpd_ps(std::bit_cast<__m128d>(x.second))));
 #endif
+}
+inline i32 low_words(Two<f64> x) {
+  return [&]<int... lane>(std::integer_sequence<int, lane...>) {
+    return __builtin_shufflevector(std::bit_cast<i32>(x.first), std::bit_cast<i32>(x.second),
+                                   2 * lane...);
+  }
+  (std::make_integer_sequence<int, Lanes<float>::count>{});
 }
 
 // The high half of the product of each 16-bit part with `factor`.
@@ -619,30 +679,6 @@ inline Two<f32> gather_rows<float>(const Row<float>* table, i32 index) {
           __builtin_shufflevector(first, second, 1, 3, 5, 7)};
 }
 #endif
-
-// A row of three numbers, padded to 256 bits.
-struct alignas(32) Row3 {
-  double first, second, third;
-};
-struct Three {
-  f64 first, second, third;
-};
-
-// Rows table[offset / 4], a register for each of their numbers.
-inline Three gather_rows(const Row3* table, i64 offset) {
-#if QOR_LANES_256 && !QOR_LANES_512
-  const auto row = [&](int lane) { return _mm256_load_pd(&table->first + offset[lane]); };
-  const __m256d r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
-  const __m256d even01 = _mm256_unpacklo_pd(r0, r1), odd01 = _mm256_unpackhi_pd(r0, r1);
-  const __m256d even23 = _mm256_unpacklo_pd(r2, r3), odd23 = _mm256_unpackhi_pd(r2, r3);
-  return {std::bit_cast<f64>(_mm256_permute2f128_pd(even01, even23, 0x20)),
-          std::bit_cast<f64>(_mm256_permute2f128_pd(odd01, odd23, 0x20)),
-          std::bit_cast<f64>(_mm256_permute2f128_pd(even01, even23, 0x31))};
-#else
-  return {gather(&table->first, offset), gather(&table->second, offset),
-          gather(&table->third, offset)};
-#endif
-}
 
 // A row of a table of fours, and four registers.
 template <class T>
@@ -757,6 +793,16 @@ inline f32 look_up(const float (&table)[16], i32 index) {
 #endif
 }
 
+// Elements table[index mod 8].
+inline f32 look_up(const float (&table)[8], i32 index) {
+#if QOR_LANES_256 && !QOR_LANES_512
+  return std::bit_cast<f32>(
+      _mm256_permutevar8x32_ps(_mm256_loadu_ps(table), std::bit_cast<__m256i>(index)));
+#else
+  return gather(table, index & 7);
+#endif
+}
+
 inline f64 look_up(const double (&table)[16], i64 index) {
 #if QOR_LANES_512
   return std::bit_cast<f64>(_mm512_permutex2var_pd(
@@ -766,28 +812,16 @@ inline f64 look_up(const double (&table)[16], i64 index) {
 #endif
 }
 
-#if !QOR_LANES_512
-// Elements of a table of a register, by the index modulo its size.
-inline f32 look_up(const float (&table)[Lanes<float>::count], i32 index) {
-#if QOR_LANES_256
-  return std::bit_cast<f32>(
-      _mm256_permutevar8x32_ps(_mm256_loadu_ps(table), std::bit_cast<__m256i>(index)));
-#else
-  return gather(table, index & 3);
-#endif
-}
-#endif
-
 // ---- Parts of a number ----------------------------------------------------------------------
 
 inline f32 to_float(i32 x) { return __builtin_convertvector(x, f32); }
 
-// The biased exponent of x >= 0.
-inline f32 biased_exponent(f32 x) { return to_float(image(x) >> 23); }
-inline f64 biased_exponent(f64 x) {
+// The biased exponent less `offset`, for x > 0.
+inline f32 biased_exponent(f32 x, float offset = 0) { return to_float(image(x) >> 23) - offset; }
+inline f64 biased_exponent(f64 x, double offset = 0) {
   constexpr double shifter = 0x1p+52;  // there is no conversion from 64 bits below 512
   const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
-  return from_image(biased | std::bit_cast<int64_t>(shifter)) - shifter;
+  return from_image(biased | std::bit_cast<int64_t>(shifter)) - (shifter + offset);
 }
 
 // floor(log2 x), for normal x > 0.
@@ -795,16 +829,14 @@ inline f32 exponent(f32 x) {
 #if QOR_LANES_512
   return std::bit_cast<f32>(_mm512_maskz_getexp_ps(0xFFFF, std::bit_cast<__m512>(x)));
 #else
-  return biased_exponent(x) - 127.0f;
+  return biased_exponent(x, 127);
 #endif
 }
 inline f64 exponent(f64 x) {
 #if QOR_LANES_512
   return std::bit_cast<f64>(_mm512_maskz_getexp_pd(0xFF, std::bit_cast<__m512d>(x)));
 #else
-  constexpr double shifter = 0x1p+52;
-  const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
-  return from_image(biased | std::bit_cast<int64_t>(shifter)) - (shifter + 1023);
+  return biased_exponent(x, 1023);
 #endif
 }
 

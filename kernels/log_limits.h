@@ -6,17 +6,16 @@
 
 namespace qor::kernels::limits {
 
-// Images of positive normal numbers, moved by an offset to the bottom of the signed integers: all
-// others (zeros, denormals, negative numbers, infinities, NaN) compare above.
+// The vector paths are for positive normal numbers.
 namespace slog {
-inline constexpr uint32_t offset = 0x7F800000;
-inline constexpr int32_t last_image = static_cast<int32_t>(0xFEFFFFFF);
+inline constexpr int32_t first_image = 0x00800000;
+inline constexpr int32_t last_image = 0x7F7FFFFF;
 inline constexpr float denormal_scale = 0x1p25f;  // Logb: makes a denormal normal
 }  // namespace slog
 
 namespace dlog {
-inline constexpr uint64_t offset = 0x7FF0000000000000;
-inline constexpr int32_t last_high_word = static_cast<int32_t>(0xFFDFFFFF);
+inline constexpr int32_t first_high_word = 0x00100000;
+inline constexpr int32_t last_high_word = 0x7FEFFFFF;
 inline constexpr double denormal_scale = 0x1p55;
 }  // namespace dlog
 

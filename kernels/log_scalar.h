@@ -25,13 +25,13 @@ inline double ln_of_mantissa(double m) {
                                    0x1.5555555555613p-2,
                                    -0.5};
   const auto index = static_cast<uint64_t>(std::bit_cast<int64_t>(m + to_index)) & 127;
-  const lanes::Row3& row = tables::ln_scalar_rows[index];
+  const lanes::Row4<double>& row = tables::ln_scalar_rows[index];
   const double leading = (m + to_leading) - to_leading;
-  const double r_high = leading * row.first - 1.0;
-  const double r = r_high + (m - leading) * row.first;
+  const double r_high = leading * row.a - 1.0;
+  const double r = r_high + (m - leading) * row.a;
   double p = polynomial[0];
   for (int i = 1; i < 7; ++i) p = p * r + polynomial[i];
-  return row.second + (r + (row.third + p * r * r));
+  return row.b + (r + (row.c + p * r * r));
 }
 
 // log_b(x) for finite x > 0 that is far from 1: the sum is led by the exponent's part.

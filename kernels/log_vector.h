@@ -42,7 +42,7 @@ using Pair = lanes::Two<V<T>>;
 // The cells' table and polynomial that suit the level: cells in memory or cells in registers.
 template <class InMemory, class InRegisters>
 constexpr const auto& for_doubles(const InMemory& in_memory, const InRegisters& in_registers) {
-  if constexpr (lanes::has_register_tables) {
+  if constexpr (lanes::has_register_tables<double>) {
     return in_registers;
   } else {
     return in_memory;
@@ -241,23 +241,22 @@ struct CellRow {
   Pair<T> logarithm;
 };
 
-// The top bits of x's fraction, times 2^scale_bits; other bits stand above them.
-template <std::size_t count, int scale_bits, class T>
+// The top bits of x's fraction; other bits stand above them.
+template <std::size_t count, class T>
 inline I<T> cell_index(V<T> x) {
-  constexpr int last = Format<T>::fraction_bits - std::countr_zero(count) - scale_bits;
+  constexpr int last = Format<T>::fraction_bits - std::countr_zero(count);
   return std::bit_cast<I<T>>(std::bit_cast<typename Lanes<T>::U>(x) >> last);
 }
 
 template <class T, std::size_t count>
 inline CellRow<T> look_up_cell(const T (&cells)[3][count], V<T> x) {
-  const I<T> i = cell_index<count, 0, T>(x);
+  const I<T> i = cell_index<count, T>(x);
   return {lanes::look_up(cells[0], i), {lanes::look_up(cells[1], i), lanes::look_up(cells[2], i)}};
 }
 template <class T, std::size_t count>
-inline CellRow<T> look_up_cell(const lanes::Row3 (&cells)[count], V<T> x) {
-  const I<T> offset = cell_index<count, 2, T>(x) & int64_t{(count - 1) * 4};
-  const auto row = lanes::gather_rows(cells, offset);
-  return {row.first, {row.second, row.third}};
+inline CellRow<T> look_up_cell(const lanes::Row4<double> (&cells)[count], V<T> x) {
+  const auto row = lanes::gather_rows(cells, cell_index<count, T>(x) & int64_t{count - 1});
+  return {row.a, {row.b, row.c}};
 }
 
 // A table row for each cell of m. m c - 1 is exact when fused.
@@ -298,12 +297,10 @@ inline auto logarithm(V<typename Base::Real> x, R rest = {}) {
 
 // Lanes that are not positive normal numbers.
 inline lanes::Doubt<float> care(lanes::f32 x) {
-  const auto moved = std::bit_cast<lanes::i32>(std::bit_cast<lanes::u32>(x) + limits::slog::offset);
-  return lanes::above(moved, limits::slog::last_image);
+  return lanes::outside(image(x), limits::slog::first_image, limits::slog::last_image);
 }
 inline lanes::Doubt<double> care(lanes::f64 x) {
-  const auto moved = std::bit_cast<lanes::i64>(std::bit_cast<lanes::u64>(x) + limits::dlog::offset);
-  return lanes::high_word_above(moved, limits::dlog::last_high_word);
+  return lanes::outside(image(x), limits::dlog::first_high_word, limits::dlog::last_high_word);
 }
 
 }  // namespace qor::kernels::log_vector

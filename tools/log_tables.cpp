@@ -77,16 +77,16 @@ struct Cell {
   double first, width, grid;
 };
 
-// Row i: the reciprocal c of cell i, log_b(1 / c) in two parts. The exponent that goes with a
-// mantissa below 1 is one too low: its log_b(2) is in the table.
+// Row i: the reciprocal c of cell i, log_b(1 / c) in two parts, and 0. The exponent that goes with
+// a mantissa below 1 is one too low: its log_b(2) is in the table.
 template <int count, class T, class Base>
-std::array<T, 3> cell_row(const Function& log, int i) {
+std::array<T, 4> cell_row(const Function& log, int i) {
   const Cell cell(i, count);
   const double c = cell.reciprocal(count);
   if (c * cell.first - 1 < constants::Cells<count>::first) std::abort();
   if (c * (cell.first + cell.width) - 1 > constants::Cells<count>::last) std::abort();
   const auto logs = parts<T, Base>(log, Real(1.0) / Real(c), cell.first < 1 ? 1 : 0);
-  return {static_cast<T>(c), logs[0], logs[1]};
+  return {static_cast<T>(c), logs[0], logs[1], T{0}};
 }
 
 template <int count>
@@ -98,7 +98,7 @@ std::string cells_rule(const Function& log) {
 // Cells that are looked up in memory: a row for each.
 template <int count, class Base>
 void print_cells(const std::string& stem, const Function& log) {
-  qor::tools::print_table(cells_rule<count>(log).c_str(), "Row3",
+  qor::tools::print_table(cells_rule<count>(log).c_str(), "Row4<double>",
                           (stem + "_cells_" + std::to_string(count)).c_str(), count,
                           [&](int i) { return cell_row<count, double, Base>(log, i); });
 }
@@ -131,26 +131,26 @@ void print_base(const char* name, Logarithm logarithm) {
   print_register_cells<16, float, Base<float>>(s, log);
 }
 
-// Row i: a reciprocal c of 1 + i / 64, of 12 bits, and ln(1 / c).
-std::array<double, 3> scalar_row(int i) {
+// Row i: a reciprocal c of 1 + i / 64, of 12 bits, ln(1 / c) in two parts, and 0.
+std::array<double, 4> scalar_row(int i) {
   const double c = std::nearbyint(0x1p12 / (1 + i / 64.0)) / 0x1p12;
   const auto logs =
       parts<double, constants::Natural<double>>({"ln", mpfr_log}, Real(1.0) / Real(c), 0);
-  return {c, logs[0], logs[1]};
+  return {c, logs[0], logs[1], 0.0};
 }
 
 }  // namespace
 
 int main() {
   qor::tools::print_head("log_tables", "#include \"kernels/lanes.h\"\n");
-  std::printf("\nusing lanes::Row;\nusing lanes::Row3;\n");
+  std::printf("\nusing lanes::Row;\nusing lanes::Row4;\n");
   std::printf("\nusing Doubles16 = double[16];\nusing Floats16 = float[16];\n");
   std::printf("using Floats8 = float[8];\n");
   print_base<constants::Natural>("ln", mpfr_log);
   print_base<constants::Decimal>("log10", mpfr_log10);
   print_base<constants::Binary>("log2", mpfr_log2);
   qor::tools::print_table(
-      "c, the 12-bit number nearest to 1 / (1 + i/64), and ln(1 / c): high part, low part.", "Row3",
-      "ln_scalar_rows", 65, scalar_row);
+      "c, the 12-bit number nearest to 1 / (1 + i/64), and ln(1 / c): high part, low part.",
+      "Row4<double>", "ln_scalar_rows", 65, scalar_row);
   qor::tools::print_tail();
 }
