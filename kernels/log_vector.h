@@ -64,7 +64,8 @@ constexpr const auto& for_floats(const Eight& eight, const Sixteen& sixteen) {
 //   rows    log_b(1 + r) = v + v P(v), v = slope r
 //   cells   log_b(1 + r) = r log_b(e) + r P(r)
 //
-// and for base e, where the linear terms are 0, r + r^2 P(r) for both.
+// and for base e, where the linear terms are 0, r + r^2 P(r) for both, or in the cells of double in
+// registers r - r^2 / 2 + r^3 P(r).
 template <class T>
 struct Natural;
 template <class T>
@@ -75,6 +76,7 @@ struct Binary;
 template <>
 struct Natural<double> : log_constants::Natural<double> {
   using Real = double;
+  static constexpr bool half_apart = lanes::has_register_tables<double>;
   static constexpr const auto& rows = tables::dln_rows;
   static constexpr const auto& row_polynomial = tables::dln_rows_polynomial;
   static constexpr const auto& cells = for_doubles(tables::dln_cells_128, tables::dln_cells_16);
@@ -111,6 +113,7 @@ struct Binary<double> : log_constants::Binary<double> {
 template <>
 struct Natural<float> : log_constants::Natural<float> {
   using Real = float;
+  static constexpr bool half_apart = false;
   static constexpr const auto& rows = tables::sln_rows;
   static constexpr const auto& row_polynomial = tables::sln_rows_polynomial;
   static constexpr const auto& cells = for_floats(tables::sln_cells_8, tables::sln_cells_16);
@@ -273,7 +276,9 @@ inline V<T> by_cells(V<T> x, R rest) {
     sum.second += rest_term<T>(rest, row.reciprocal * power, r);
   }
   if constexpr (Base::log_e == 1) {
-    return add_up(sum.first, r, sum.second, r * r, p);
+    const V<T> square = r * r;
+    if constexpr (!Base::half_apart) return add_up(sum.first, r, sum.second, square, p);
+    return add_up(sum.first, r, multiply_add(square * r, p, sum.second), square, all(T{-0.5}));
   } else if constexpr (std::is_same_v<T, float>) {
     return sum.first + multiply_add(r, all(Base::log_e), multiply_add(r, p, sum.second));
   } else {
