@@ -110,7 +110,7 @@ struct Hypot : Binary<T> {
     constexpr int digits = std::numeric_limits<T>::digits;
     const auto gap = (image_of(larger) >> (digits - 1)) - (image_of(smaller) >> (digits - 1));
     if (smaller == 0 || gap > digits + 1) return {larger + smaller};
-    constexpr int n = std::numeric_limits<T>::max_exponent * 5 / 8;
+    constexpr int n = std::numeric_limits<T>::max_exponent * 11 / 16;
     const int up = larger < 1 ? n : -n;
     const T scale = power_of_two<T>(up);
     return {core(all(larger * scale), all(smaller * scale))[0] * power_of_two<T>(-up)};

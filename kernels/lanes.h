@@ -87,6 +87,10 @@ inline typename Lanes<T>::V all(T x) {
   (std::make_integer_sequence<int, Lanes<T>::count>{});
 }
 
+// Shifted as unsigned images.
+inline i32 shift_right(i32 x, int by) { return std::bit_cast<i32>(std::bit_cast<u32>(x) >> by); }
+inline i64 shift_right(i64 x, int by) { return std::bit_cast<i64>(std::bit_cast<u64>(x) >> by); }
+
 inline f32 abs(f32 x) { return from_image(image(x) & 0x7FFFFFFF); }
 inline f64 abs(f64 x) { return from_image(image(x) & 0x7FFFFFFFFFFFFFFF); }
 
@@ -186,9 +190,15 @@ inline auto magnitude_outside(V x, int32_t first, int32_t last) {
   return outside(image(abs(x)), first, last);
 }
 
+// Magnitudes whose image (of a double the high word) is above `last`.
+inline Doubt<float> magnitude_above(f32 x, int32_t last) { return above(image(abs(x)), last); }
+inline Doubt<double> magnitude_above(f64 x, int32_t last) {
+  return high_word_above(image(abs(x)), last);
+}
+
 // Infinities and NaN.
-inline Doubt<float> not_finite(f32 x) { return above(image(abs(x)), 0x7F7FFFFF); }
-inline Doubt<double> not_finite(f64 x) { return high_word_above(image(abs(x)), 0x7FEFFFFF); }
+inline Doubt<float> not_finite(f32 x) { return magnitude_above(x, 0x7F7FFFFF); }
+inline Doubt<double> not_finite(f64 x) { return magnitude_above(x, 0x7FEFFFFF); }
 
 // Lanes with x equal to y; a quiet NaN is equal to nothing and raises nothing.
 inline Doubt<float> equal(f32 x, f32 y) {
@@ -282,8 +292,6 @@ inline V horner(V x, const T (&coefficients)[count]) {
   return sum;
 }
 
-// (The masked forms at 512 bits are the same instruction; g++ 12 warns in its own header at the
-// others.)
 // Estrin's scheme (1960), coefficients from the highest power down: a shorter chain than Horner's
 // rule for a few more multiplications. powers[i] is x^(2^i).
 template <size_t first, size_t terms, class V, class T, size_t count, size_t power_count>
@@ -304,6 +312,19 @@ inline V estrin(V x, const T (&coefficients)[count]) {
   return estrin_part<0, count>(powers, coefficients);
 }
 
+// The same polynomial as two of x^2, of the even and the odd powers: half the latency.
+template <class V, class T, size_t count>
+inline V even_odd(V x, const T (&coefficients)[count]) {
+  const V square = x * x;
+  V sums[2] = {all(coefficients[0]), all(coefficients[1])};
+  for (size_t i = 2; i < count; ++i) {
+    sums[i % 2] = multiply_add(sums[i % 2], square, coefficients[i]);
+  }
+  return multiply_add(sums[count % 2], x, sums[(count + 1) % 2]);
+}
+
+// (The masked forms at 512 bits are the same instruction; g++ 12 warns in its own header at the
+// others.)
 inline f32 sqrt(f32 x) {
 #if QOR_LANES_512
   return std::bit_cast<f32>(_mm512_maskz_sqrt_ps(0xFFFF, std::bit_cast<__m512>(x)));
@@ -490,34 +511,73 @@ inline f32 reciprocal_estimate(f32 x) {
 #endif
 }
 
-// The float lanes as doubles, the lower half first, and back.
+// The 32-bit lanes as 64-bit ones, the lower half first: floats and integers to doubles.
+#if QOR_LANES_512 || QOR_LANES_256
+template <class Whole, class Convert>
+inline auto convert_halves(Whole x, Convert convert) {
+  return [&]<int... lane>(std::integer_sequence<int, lane...>) {
+    constexpr int half = sizeof...(lane);
+    return Two{convert(__builtin_shufflevector(x, x, lane...)),
+               convert(__builtin_shufflevector(x, x, (half + lane)...))};
+  }
+  (std::make_integer_sequence<int, Lanes<double>::count>{});
+}
 inline Two<f64> widen(f32 x) {
+  return convert_halves(x, [](auto half) {
 #if QOR_LANES_512
-  const auto v = std::bit_cast<__m512>(x);
-  return {std::bit_cast<f64>(_mm512_maskz_cvtps_pd(0xFF, _mm512_castps512_ps256(v))),
-          std::bit_cast<f64>(_mm512_maskz_cvtps_pd(0xFF, _mm512_extractf32x8_ps(v, 1)))};
-#elif QOR_LANES_256
-  const auto v = std::bit_cast<__m256>(x);
-  return {std::bit_cast<f64>(_mm256_cvtps_pd(_mm256_castps256_ps128(v))),
-          std::bit_cast<f64>(_mm256_cvtps_pd(_mm256_extractf128_ps(v, 1)))};
+    return std::bit_cast<f64>(_mm512_maskz_cvtps_pd(0xFF, std::bit_cast<__m256>(half)));
 #else
+    return std::bit_cast<f64>(_mm256_cvtps_pd(std::bit_cast<__m128>(half)));
+#endif
+  });
+}
+inline Two<f64> to_double(i32 x) {
+  return convert_halves(x, [](auto half) {
+#if QOR_LANES_512
+    return std::bit_cast<f64>(_mm512_maskz_cvtepi32_pd(0xFF, std::bit_cast<__m256i>(half)));
+#else
+    return std::bit_cast<f64>(_mm256_cvtepi32_pd(std::bit_cast<__m128i>(half)));
+#endif
+  });
+}
+#else
+inline Two<f64> widen(f32 x) {
   const auto v = std::bit_cast<__m128>(x);
   return {std::bit_cast<f64>(_mm_cvtps_pd(v)),
           std::bit_cast<f64>(_mm_cvtps_pd(_mm_movehl_ps(v, v)))};
-#endif
 }
+inline Two<f64> to_double(i32 x) {
+  const auto v = std::bit_cast<__m128i>(x);
+  return {std::bit_cast<f64>(_mm_cvtepi32_pd(v)),
+          std::bit_cast<f64>(_mm_cvtepi32_pd(_mm_unpackhi_epi64(v, v)))};
+}
+#endif
+
+// Two registers of doubles as floats; and the low words of their images.
 inline f32 narrow(Two<f64> x) {
+#if QOR_LANES_512 || QOR_LANES_256
 #if QOR_LANES_512
-  const __m256 low = _mm512_maskz_cvtpd_ps(0xFF, std::bit_cast<__m512d>(x.first));
-  const __m256 high = _mm512_maskz_cvtpd_ps(0xFF, std::bit_cast<__m512d>(x.second));
-  return std::bit_cast<f32>(_mm512_maskz_insertf32x8(0xFFFF, _mm512_castps256_ps512(low), high, 1));
-#elif QOR_LANES_256
-  return std::bit_cast<f32>(_mm256_set_m128(_mm256_cvtpd_ps(std::bit_cast<__m256d>(x.second)),
-                                            _mm256_cvtpd_ps(std::bit_cast<__m256d>(x.first))));
+  const auto half = [](f64 wide) {
+    return _mm512_maskz_cvtpd_ps(0xFF, std::bit_cast<__m512d>(wide));
+  };
+#else
+  const auto half = [](f64 wide) { return _mm256_cvtpd_ps(std::bit_cast<__m256d>(wide)); };
+#endif
+  return [&]<int... lane>(std::integer_sequence<int, lane...>) {
+    return std::bit_cast<f32>(__builtin_shufflevector(half(x.first), half(x.second), lane...));
+  }
+  (std::make_integer_sequence<int, Lanes<float>::count>{});
 #else
   return std::bit_cast<f32>(_mm_movelh_ps(_mm_cvtpd_ps(std::bit_cast<__m128d>(x.first)),
                                           _mm_cvtpd_ps(std::bit_cast<__m128d>(x.second))));
 #endif
+}
+inline i32 low_words(Two<f64> x) {
+  return [&]<int... lane>(std::integer_sequence<int, lane...>) {
+    return __builtin_shufflevector(std::bit_cast<i32>(x.first), std::bit_cast<i32>(x.second),
+                                   2 * lane...);
+  }
+  (std::make_integer_sequence<int, Lanes<float>::count>{});
 }
 
 // The high half of the product of each 16-bit part with `factor`.

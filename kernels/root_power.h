@@ -50,7 +50,6 @@ template <class T, int p, int q>
 struct RationalPower {
   using V = typename lanes::Lanes<T>::V;
   using I = typename lanes::Lanes<T>::I;
-  using U = typename lanes::Lanes<T>::U;
   static constexpr int mantissa_bits = std::numeric_limits<T>::digits - 1;
   static constexpr int bias = std::numeric_limits<T>::max_exponent - 1;
   static constexpr int cell_bits = 5;
@@ -70,7 +69,7 @@ struct RationalPower {
   // floor(e / q); for q = 3 as e * 0x1556 >> 14, right up to 2^13.
   static I quotient(I e) {
     if constexpr (q == 3) return lanes::high_product_16(e, 0x1556 << 2);
-    return std::bit_cast<I>(std::bit_cast<U>(e) >> (q - 1));
+    return lanes::shift_right(e, q - 1);
   }
 
   static V series_at(V r) {
@@ -80,15 +79,14 @@ struct RationalPower {
   }
 
   static V of(V x) {
-    const U bits = std::bit_cast<U>(x);
-    const I e = std::bit_cast<I>(bits >> mantissa_bits) + shift;
+    const I bits = lanes::image(x);
+    const I e = lanes::shift_right(bits, mantissa_bits) + shift;
     const I n = quotient(e);
     const I k = q == 3 ? e - n - n - n : e - n - n;
-    const I cell = std::bit_cast<I>(bits >> (mantissa_bits - cell_bits)) & ((1 << cell_bits) - 1);
+    const I cell = lanes::shift_right(bits, mantissa_bits - cell_bits) & ((1 << cell_bits) - 1);
     const auto row = lanes::gather_rows(root_table<T, p, q>, (k << cell_bits) | cell);
     constexpr Image<T> one = Image<T>{bias} << mantissa_bits;
-    const V m =
-        lanes::from_image((std::bit_cast<I>(x) & ((Image<T>{1} << mantissa_bits) - 1)) | one);
+    const V m = lanes::from_image((bits & ((Image<T>{1} << mantissa_bits) - 1)) | one);
     const V r = (m - row.c) * row.d;
     const V y = lanes::multiply_add(row.a, r * series_at(r), row.b) + row.a;
     constexpr int middle = (bias + shift) / q;

@@ -31,6 +31,7 @@
   X(s, Ln,         unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Log10,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Sqr,        unary,           A, A, A, 1111.0, 1111.0, 1111.0) \
+  X(s, Expm1,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Log1p,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Pow3o2,     unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Pow2o3,     unary,           A, A, A, 1.0, 1.0, 1.0) \
@@ -55,6 +56,7 @@
   X(d, Ln,         unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Log10,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Sqr,        unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Expm1,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Log1p,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Pow3o2,     unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Pow2o3,     unary,           A, A, A, 1.0, 1.0, 1.0) \
@@ -63,6 +65,7 @@
   X(d, Log2,       unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(d, Logb,       unary,           A, A, A, 220.3, 220.3, 220.3) \
   X(s, Div,        binary,          A, A, A, 1.0, 1.0, 1.0) \
+  X(s, Pow,        binary,          A, A, A, 1.0, 1.0, 1.0) \
   X(s, Hypot,      binary,          A, A, A, 1.0, 1.0, 1.0) \
   X(s, Add,        binary,          A, A, A, 0.79, 0.79, 0.79) \
   X(s, Sub,        binary,          A, A, A, 0.79, 0.79, 0.79) \
@@ -74,9 +77,11 @@
   X(s, Fmin,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(s, MaxMag,     binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(s, MinMag,     binary,          A, A, A, 220.3, 220.3, 220.3) \
+  X(s, Powr,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(s, Remainder,  binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(s, Fmod,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, Div,        binary,          A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Pow,        binary,          A, B, A, 33.617, 35.876, 33.617) \
   X(d, Hypot,      binary,          A, A, A, 1.0, 1.0, 1.0) \
   X(d, Add,        binary,          A, A, A, 1.85, 1.85, 1.85) \
   X(d, Sub,        binary,          A, A, A, 1.0, 1.0, 1.0) \
@@ -88,8 +93,11 @@
   X(d, Fmin,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, MaxMag,     binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, MinMag,     binary,          A, A, A, 220.3, 220.3, 220.3) \
+  X(d, Powr,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, Remainder,  binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, Fmod,       binary,          A, A, A, 220.3, 220.3, 220.3) \
+  X(s, Powx,       scalar_exponent, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Powx,       scalar_exponent, A, A, A, 1.0, 1.0, 1.0) \
   X(s, Modf,       two_outputs,     A, A, A, 1.0, 1.0, 1.0) \
   X(d, Modf,       two_outputs,     A, A, A, 1.0, 1.0, 1.0) \
   X(s, LinearFrac, linear_fraction, A, A, A, 111.0, 111.0, 111.0) \
