@@ -90,28 +90,30 @@ std::array<double, 4> row(double c) {
   return {c, high, low, 0};
 }
 
-// 2^f on [-1/2, 1/2] by the polynomial through its values at the Chebyshev nodes: Newton's divided
-// differences, multiplied out.
+// 2^f on [-1/2, 1/2] as 1 + f g(f), exact at 0: g by the polynomial through its values at the
+// Chebyshev nodes, in Newton's divided differences multiplied out. The lowest power first.
 std::vector<Real> exp2_polynomial(int degree) {
-  const auto count = static_cast<size_t>(degree) + 1;
+  const auto count = static_cast<size_t>(degree);
   std::vector<Real> node(count), difference(count);
   for (size_t i = 0; i < count; ++i) {
     node[i] =
         Real(0.5 * std::cos(M_PI * (static_cast<double>(i) + 0.5) / static_cast<double>(count)));
     mpfr_exp2(difference[i].get(), node[i].get(), MPFR_RNDN);
+    difference[i] = (difference[i] - Real(1)) / node[i];
   }
   for (size_t order = 1; order < count; ++order) {
     for (size_t i = count - 1; i >= order; --i) {
       difference[i] = (difference[i] - difference[i - 1]) / (node[i] - node[i - order]);
     }
   }
-  std::vector<Real> coefficient(count, Real(0));  // of the lowest power first
+  std::vector<Real> coefficient(count, Real(0));
   for (size_t i = count; i-- > 0;) {
     for (size_t k = count - 1; k > 0; --k) {
       coefficient[k] = coefficient[k - 1] - coefficient[k] * node[i];
     }
     coefficient[0] = difference[i] - coefficient[0] * node[i];
   }
+  coefficient.insert(coefficient.begin(), Real(1));
   return coefficient;
 }
 

@@ -96,6 +96,8 @@
   X(d, Powr,       binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, Remainder,  binary,          A, A, A, 220.3, 220.3, 220.3) \
   X(d, Fmod,       binary,          A, A, A, 220.3, 220.3, 220.3) \
+  X(s, Powx,       scalar_exponent, A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Powx,       scalar_exponent, A, A, A, 1.0, 1.0, 1.0) \
   X(s, Modf,       two_outputs,     A, A, A, 1.0, 1.0, 1.0) \
   X(d, Modf,       two_outputs,     A, A, A, 1.0, 1.0, 1.0) \
   X(s, LinearFrac, linear_fraction, A, A, A, 111.0, 111.0, 111.0) \

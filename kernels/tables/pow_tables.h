@@ -1210,14 +1210,14 @@ alignas(64) inline constexpr float pow_log2_16[16] = {
 
 // 2^f for |f| <= 1/2, from the highest power down; relative error below 2^-33.
 inline constexpr double pow_exp2[8] = {
-  0x1.00c0e4e15189cp-16,
-  0x1.446c79efd4834p-13,
-  0x1.5d877598350dep-10,
-  0x1.3b29d8bb0b97ep-7,
-  0x1.c6b08da70cce3p-5,
-  0x1.ebfbe0aa03dfp-3,
-  0x1.62e42fef9cc69p-1,
-  0x1.ffffffffa7135p-1,
+  0x1.00a581594758ep-16,
+  0x1.443fffc90db59p-13,
+  0x1.5d879ead06a82p-10,
+  0x1.3b2a1b7152befp-7,
+  0x1.c6b08d883dca1p-5,
+  0x1.ebfbe045f4d3cp-3,
+  0x1.62e42fefa39efp-1,
+  0x1p+0,
 };
 
 }  // namespace qor::kernels::tables
