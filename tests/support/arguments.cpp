@@ -224,6 +224,32 @@ Batch<T> Arguments<T>::random(size_t count) {
   return batch;
 }
 
+template <class T>
+Batch<T> Arguments<T>::ordinary(size_t count) {
+  const auto parts = static_cast<size_t>(row_.shape.input_parts);
+  const auto draw = [this] { return static_cast<T>(40 * unit() - 20); };
+  Batch<T> batch;
+  batch.scalar = {T(2.25), T(0.5), T(1.5), T(0.25)};
+  Value<T> value;
+  while (batch.in[0].size() < count * parts) {
+    std::array<T, Value<T>::most_inputs> numbers;
+    std::generate(numbers.begin(), numbers.end(), draw);
+    const size_t in_vectors = parts * static_cast<size_t>(row_.shape.inputs);
+    std::copy_n(batch.scalar.begin(), row_.shape.scalars, numbers.begin() + in_vectors);
+    value.compute(*row_.reference, numbers.data(), row_.shape.numbers_in());
+    const int results = row_.shape.outputs * row_.shape.output_parts;
+    bool ordinary = true;
+    for (int k = 0; k < results; ++k)
+      ordinary = ordinary && !std::isnan(value.rounded(k)) && !std::isinf(value.rounded(k));
+    if (!ordinary) continue;
+    for (size_t k = 0; k < static_cast<size_t>(row_.shape.inputs); ++k) {
+      batch.in[k].insert(batch.in[k].end(), numbers.begin() + k * parts,
+                         numbers.begin() + (k + 1) * parts);
+    }
+  }
+  return batch;
+}
+
 template class Arguments<float>;
 template class Arguments<double>;
 

@@ -54,6 +54,10 @@ class Arguments {
   // others evenly between two edges or close to one; for two as the function's pairing says.
   Batch<T> random(size_t count);
 
+  // `count` elements between -20 and 20 where the results are finite: what the time of a call
+  // is measured with.
+  Batch<T> ordinary(size_t count);
+
  private:
   T by_exponent();
   T between_edges();
