@@ -2,6 +2,7 @@
 #include <iterator>
 
 #include "kernels/exp_limits.h"
+#include "kernels/root_limits.h"
 #include "tests/support/arguments.h"
 
 namespace qor::test {
@@ -15,6 +16,13 @@ constexpr double from_image(int32_t image) {
 constexpr double from_high_word(int32_t word) {
   return std::bit_cast<double>((static_cast<int64_t>(word) << 32) | 0xFFFFFFFF);
 }
+// The ends of a range of images, and of high words.
+constexpr double first_s(limits::Range range) { return from_image(range.first); }
+constexpr double last_s(limits::Range range) { return from_image(range.last); }
+constexpr double first_d(limits::Range range) {
+  return std::bit_cast<double>(static_cast<int64_t>(range.first) << 32);
+}
+constexpr double last_d(limits::Range range) { return from_high_word(range.last); }
 constexpr double from_exponent_s(int32_t biased) { return from_image(biased << 23); }
 constexpr double from_exponent_d(int32_t biased) {
   return std::bit_cast<double>(static_cast<int64_t>(biased) << 52);
@@ -32,6 +40,11 @@ const Edges kEdges[] = {
     {"dExp",
      {from_high_word(limits::dexp::fast_high_word), limits::dexp::overflow, limits::dexp::underflow,
       limits::dexp::denormal, from_exponent_d(limits::dexp::tiny_exponent)}},
+    {"sSqrt", {first_s(limits::root::ssqrt), last_s(limits::root::ssqrt)}},
+    {"sPow3o2", {first_s(limits::root::spow3o2), last_s(limits::root::spow3o2)}},
+    {"dPow3o2", {first_d(limits::root::dpow3o2), last_d(limits::root::dpow3o2)}},
+    {"sHypot", {first_s(limits::hypot::middle_float), last_s(limits::hypot::middle_float)}},
+    {"dHypot", {first_d(limits::hypot::middle_double), last_d(limits::hypot::middle_double)}},
 };
 
 }  // namespace
