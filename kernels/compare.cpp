@@ -99,7 +99,8 @@ struct Fdim : Comparison<T> {
   Outcome<T> scalar(T a, T b) const {
     if (std::isnan(b)) return {quieted(b)};
     if (std::isnan(a)) return {quieted(a)};
-    return {a > b ? a - b : T{0}};
+    if (!(a > b)) return {T{0}};
+    return {opaque(a) - b};  // not to be computed beforehand: equal infinities raise nothing
   }
 };
 

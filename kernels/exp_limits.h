@@ -57,7 +57,9 @@ inline constexpr float overflow = sexp::overflow;  // above: +infinity
 }  // namespace sexpm1
 
 namespace dexpm1 {
-inline constexpr int32_t tiny_exponent = 971;       // biased exponents below: x
+inline constexpr double tiny = 0x1p-54;             // |x| below: x
+inline constexpr double small = 0x1p-5;             // |x| below: no table
+inline constexpr double saturated = -0x1.2cp+5;     // below: -1
 inline constexpr double overflow = dexp::overflow;  // above: +infinity
 }  // namespace dexpm1
 

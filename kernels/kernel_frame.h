@@ -13,7 +13,10 @@
 //   Outcome<Real> scalar(Real x) const        such a lane: correctly signalled value, and a code
 //
 // and, where they differ from the usual: environment, strided_environment, registers (see
-// run_calm_groups), settle (see settle_lanes). A function without `care` has no side path.
+// run_calm_groups), settle (see settle_lanes). A function without `care` has no side path. One
+// without a vector path has, in place of core, care and scalar,
+//
+//   int32_t evaluate(const Real& x, Real& y) const   sets y to the value of an element; its code
 #pragma once
 
 #include <bit>
@@ -94,6 +97,7 @@ struct Contiguous {
   void store_first(int k, int64_t i, int count, typename F::V y) const {
     lanes::store_first(out[k] + i, count, y);
   }
+  const T& argument(int k, int64_t i) const { return in[k][i]; }
   T& element(int k, int64_t i) const { return out[k][i]; }
 
   void report(int32_t code, int64_t i) const {
@@ -129,6 +133,7 @@ struct Strided {
   void store_first(int k, int64_t i, int count, typename F::V y) const {
     for (int lane = 0; lane < count; ++lane) out[k][(i + lane) * out_inc[k]] = y[lane];
   }
+  const T& argument(int k, int64_t i) const { return in[k][i * in_inc[k]]; }
   T& element(int k, int64_t i) const { return out[k][i * out_inc[k]]; }
 
   static constexpr const char* name() {
@@ -279,7 +284,8 @@ inline uint32_t careful_lanes(const F& f, const Inputs<F>& x) {
 }
 
 // Runs groups of F::registers blocks, with one test of care for all, up to a group with a lane that
-// needs care; returns where it stopped. For functions of a few instructions, where the test weighs.
+// needs care; returns where it stopped. For functions of a few instructions, where the test weighs;
+// not for a Provisional core.
 template <class F, class Vectors>
 inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i, int64_t n) {
   constexpr int width = lanes::Lanes<typename F::Real>::count;
@@ -356,11 +362,27 @@ template <class F, class Vectors>
   for (int k = 0; k < F::outputs; ++k) vectors.store_first(k, i, left, y.at[k]);
 }
 
+// ---- Walk -----------------------------------------------------------------------------------
+
+// The elements one by one, for a function of one input and output without a vector path.
+template <class F, class Vectors>
+[[gnu::noinline]] void run_elements(const F f, const Vectors vectors, int64_t n) {
+  for (int64_t i = 0; i < n; ++i) {
+    const int32_t code = f.evaluate(vectors.argument(0, i), vectors.element(0, i));
+    if (code != QOR_ERROR_NONE) [[unlikely]]
+      vectors.report(code, i);
+  }
+}
+
 template <Environment environment, class F, class Vectors>
 inline void run(const F& f, const Vectors& vectors, int64_t n) {
   FpEnvSave save;
-  const uint32_t mode = enter<environment>(save);
-  run_lanes<F, Vectors>(f, vectors, n, mode);
+  [[maybe_unused]] const uint32_t mode = enter<environment>(save);
+  if constexpr (requires { &F::evaluate; }) {
+    run_elements<F, Vectors>(f, vectors, n);
+  } else {
+    run_lanes<F, Vectors>(f, vectors, n, mode);
+  }
   leave(save);
 }
 

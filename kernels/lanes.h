@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -189,9 +190,15 @@ inline auto magnitude_outside(V x, int32_t first, int32_t last) {
   return outside(image(abs(x)), first, last);
 }
 
+// Magnitudes whose image (of a double the high word) is above `last`.
+inline Doubt<float> magnitude_above(f32 x, int32_t last) { return above(image(abs(x)), last); }
+inline Doubt<double> magnitude_above(f64 x, int32_t last) {
+  return high_word_above(image(abs(x)), last);
+}
+
 // Infinities and NaN.
-inline Doubt<float> not_finite(f32 x) { return above(image(abs(x)), 0x7F7FFFFF); }
-inline Doubt<double> not_finite(f64 x) { return high_word_above(image(abs(x)), 0x7FEFFFFF); }
+inline Doubt<float> not_finite(f32 x) { return magnitude_above(x, 0x7F7FFFFF); }
+inline Doubt<double> not_finite(f64 x) { return magnitude_above(x, 0x7FEFFFFF); }
 
 // Lanes with x equal to y; a quiet NaN is equal to nothing and raises nothing.
 inline Doubt<float> equal(f32 x, f32 y) {
@@ -283,6 +290,26 @@ inline V horner(V x, const T (&coefficients)[count]) {
   V sum = all(coefficients[0]);
   for (size_t i = 1; i < count; ++i) sum = multiply_add(sum, x, coefficients[i]);
   return sum;
+}
+
+// Estrin's scheme (1960), coefficients from the highest power down: a shorter chain than Horner's
+// rule for a few more multiplications. powers[i] is x^(2^i).
+template <size_t first, size_t terms, class V, class T, size_t count, size_t power_count>
+inline V estrin_part(const V (&powers)[power_count], const T (&coefficients)[count]) {
+  if constexpr (terms == 1) {
+    return all(coefficients[first]);
+  } else {
+    constexpr size_t split = std::bit_ceil(terms) / 2;  // terms of the lower half
+    const V upper = estrin_part<first, terms - split>(powers, coefficients);
+    const V lower = estrin_part<first + terms - split, split>(powers, coefficients);
+    return multiply_add(upper, powers[std::countr_zero(split)], lower);
+  }
+}
+template <class V, class T, size_t count>
+inline V estrin(V x, const T (&coefficients)[count]) {
+  V powers[std::bit_width(count - 1)] = {x};
+  for (size_t i = 1; i < std::size(powers); ++i) powers[i] = powers[i - 1] * powers[i - 1];
+  return estrin_part<0, count>(powers, coefficients);
 }
 
 // The same polynomial as two of x^2, of the even and the odd powers: half the latency.
@@ -766,6 +793,16 @@ inline f32 look_up(const float (&table)[16], i32 index) {
 #endif
 }
 
+// Elements table[index mod 8].
+inline f32 look_up(const float (&table)[8], i32 index) {
+#if QOR_LANES_256 && !QOR_LANES_512
+  return std::bit_cast<f32>(
+      _mm256_permutevar8x32_ps(_mm256_loadu_ps(table), std::bit_cast<__m256i>(index)));
+#else
+  return gather(table, index & 7);
+#endif
+}
+
 inline f64 look_up(const double (&table)[16], i64 index) {
 #if QOR_LANES_512
   return std::bit_cast<f64>(_mm512_permutex2var_pd(
@@ -777,25 +814,49 @@ inline f64 look_up(const double (&table)[16], i64 index) {
 
 // ---- Parts of a number ----------------------------------------------------------------------
 
+inline f32 to_float(i32 x) { return __builtin_convertvector(x, f32); }
+
+// The biased exponent less `offset`, for x > 0.
+inline f32 biased_exponent(f32 x, float offset = 0) { return to_float(image(x) >> 23) - offset; }
+inline f64 biased_exponent(f64 x, double offset = 0) {
+  constexpr double shifter = 0x1p+52;  // there is no conversion from 64 bits below 512
+  const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
+  return from_image(biased | std::bit_cast<int64_t>(shifter)) - (shifter + offset);
+}
+
 // floor(log2 x), for normal x > 0.
+inline f32 exponent(f32 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(_mm512_maskz_getexp_ps(0xFFFF, std::bit_cast<__m512>(x)));
+#else
+  return biased_exponent(x, 127);
+#endif
+}
 inline f64 exponent(f64 x) {
 #if QOR_LANES_512
   return std::bit_cast<f64>(_mm512_maskz_getexp_pd(0xFF, std::bit_cast<__m512d>(x)));
 #else
-  constexpr double shifter = 0x1p+52;
-  const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
-  return from_image(biased | std::bit_cast<int64_t>(shifter)) - (shifter + 1023);
+  return biased_exponent(x, 1023);
 #endif
 }
 
 // x times a power of 2, in [0.75, 1.5), for normal x > 0.
+inline f32 mantissa_around_one(f32 x) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(_mm512_maskz_getmant_ps(0xFFFF, std::bit_cast<__m512>(x),
+                                                    _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero));
+#else
+  constexpr int32_t least = 0x3F400000;
+  return from_image(((image(x) - least) & 0x7FFFFF) + least);
+#endif
+}
 inline f64 mantissa_around_one(f64 x) {
 #if QOR_LANES_512
   return std::bit_cast<f64>(_mm512_maskz_getmant_pd(0xFF, std::bit_cast<__m512d>(x),
                                                     _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero));
 #else
-  const f64 m = from_image((image(x) & 0xFFFFFFFFFFFFF) | 0x3FF0000000000000);
-  return m < 1.5 ? m : m * 0.5;
+  constexpr int64_t least = 0x3FE8000000000000;
+  return from_image(((image(x) - least) & 0xFFFFFFFFFFFFF) + least);
 #endif
 }
 

@@ -1,62 +1,103 @@
-// Constants of the logarithms' bases and table reductions: read by the kernels and by the tools
-// that make their tables and polynomials.
+// Constants of the logarithms' bases and reductions: read by the kernels and by the tools that make
+// their tables and polynomials.
 #pragma once
+
+#include <cstdint>
 
 namespace qor::kernels::log_constants {
 
-// For a base b:
-//   two_high, two_low  log_b 2 in two parts, with trailing zeros that make their products with an
-//                      exponent exact, so that these cancel exactly at x = 1
-//   slope              a number of few bits near log_b e: the reduced argument is kept times slope,
-//                      and its product with the leading bits of x stays exact
-//   row_bits           table rows are for c / 2^row_bits, c from 2^(row_bits - 1) to 2^row_bits
-//   per_natural        log_b e in two parts
-struct Natural {
-  static constexpr double two_high = 0x1.62e42fefap-1;
-  static constexpr double two_low = 0x1.cf79abc9ep-40;
+// For a base b and a type:
+//   two_high, two_low  log_b 2 in two parts; the products of two_high with an exponent are exact
+//   log_e              log_b e
+//   slope              a number of few bits near log_b e: at a table row the reduced argument is
+//                      kept times slope, so that its products stay exact
+//   row_bits           rows are for reciprocals c / 2^row_bits, c in [2^(row_bits - 1), 2^row_bits]
+template <class T>
+struct Natural;
+template <class T>
+struct Decimal;
+template <class T>
+struct Binary;
+
+template <>
+struct Natural<double> {
+  static constexpr double two_high = 0x1.62e42fefap-1, two_low = 0x1.cf79abc9ep-40;
+  static constexpr double log_e = 1.0;
   static constexpr double slope = 1.0;
   static constexpr int row_bits = 10;
-  static constexpr double per_natural = 1.0, per_natural_low = 0.0;
 };
 
-struct Decimal {
-  static constexpr double two_high = 0x1.34413509fp-2;
-  static constexpr double two_low = 0x1.e7fbcc47cp-40;
+template <>
+struct Decimal<double> {
+  static constexpr double two_high = 0x1.34413509fp-2, two_low = 0x1.e7fbcc47cp-40;
+  static constexpr double log_e = 0x1.bcb7b1526e50ep-2;
   static constexpr double slope = 0x1.bcp-2;
   static constexpr int row_bits = 10;
-  static constexpr double per_natural = 0x1.bcb7b1526e50ep-2;
-  static constexpr double per_natural_low = 0x1.95355baaafad3p-57;
 };
 
-struct Binary {
-  static constexpr double two_high = 1.0;
-  static constexpr double two_low = 0.0;
+template <>
+struct Binary<double> {
+  static constexpr double two_high = 1.0, two_low = 0.0;
+  static constexpr double log_e = 0x1.71547652b82fep+0;
   static constexpr double slope = 0x1.71p+0;
   static constexpr int row_bits = 9;
-  static constexpr double per_natural = 0x1.71547652b82fep+0;
-  static constexpr double per_natural_low = 0x1.777d0ffda0d24p-56;
 };
 
-inline constexpr int exponent_bias = 1023;
+template <>
+struct Natural<float> {
+  static constexpr float two_high = 0x1.62e4p-1f, two_low = 0x1.7f7d1cp-20f;
+  static constexpr float log_e = 1.0f;
+  static constexpr float slope = 1.0f;
+  static constexpr int row_bits = 7;
+};
 
-// The high part of a row's logarithm is a multiple of this: it adds to the exponent's high part and
-// to the leading part of the reduced argument without rounding.
-inline constexpr double row_grid = 0x1p-42;
+template <>
+struct Decimal<float> {
+  static constexpr float two_high = 0x1.3442p-2f, two_low = -0x1.95ecp-19f;
+  static constexpr float log_e = 0x1.bcb7b2p-2f;
+  static constexpr float slope = 0x1.cp-2f;
+  static constexpr int row_bits = 7;
+};
 
-// The 16 cells of [0.75, 1.5): the reduced argument m c - 1 lies in this interval.
-inline constexpr double cell_first = -0.0375, cell_last = 0.0625;
+template <>
+struct Binary<float> {
+  static constexpr float two_high = 1.0f, two_low = 0.0f;
+  static constexpr float log_e = 0x1.715476p+0f;
+  static constexpr float slope = 0x1.7p+0f;
+  static constexpr int row_bits = 7;
+};
 
-// Coefficients of v^4 to v^6 in log2(1 + v / slope), |v| <= slope / 512; the lower ones are fitted.
-inline constexpr double log2_rows_last[] = {-0x1.563d0fce1881p-4, 0x1.7be52039fb7cep-5,
-                                            -0x1.b743ca0b38eebp-6};
+template <class T>
+struct Format;
 
-// Single precision: the mantissa lies in [split, 2 split), as an image, and log_b(1 + r) is
-// slope r + r P(r) with slope r exact.
-namespace single {
-inline constexpr int natural_split = 0x3F2AAAAB;  // 2/3
-inline constexpr int even_split = 0x3F3504F3;     // the square root of 1/2
-inline constexpr float decimal_slope = 0.5f;
-inline constexpr float binary_slope = 1.5f;
-}  // namespace single
+template <>
+struct Format<double> {
+  static constexpr int fraction_bits = 52;
+  static constexpr int bias = 1023;
+  // The high part of a table's logarithm is a multiple of this, so that it adds to that of the
+  // exponent without rounding.
+  static constexpr double grid = 0x1p-42;
+};
+
+template <>
+struct Format<float> {
+  static constexpr int fraction_bits = 23;
+  static constexpr int bias = 127;
+  static constexpr double grid = 0x1p-16;
+};
+
+// The cells of the mantissas m in [0.75, 1.5): the reduced argument m c - 1 lies in this interval.
+template <int count>
+struct Cells {
+  static constexpr double first = -0.5 / count, last = 1.0 / count;
+};
+
+// log10(1 + v/slope)/v - 1 and the upper half of log2's at the rows of double, from the highest
+// power of v down.
+inline constexpr double log10_row_polynomial[] = {-0x1.5c91a15f7eb9fp+3, 0x1.6aba863a166dbp+2,
+                                                  -0x1.8930964d2fa9bp+1, 0x1.c6a02dc954978p+0,
+                                                  -0x1.27af2dc77b115p+0, 0x1.a7a6cbf2e410cp-10};
+inline constexpr double log2_row_upper[] = {-0x1.b743ca0b38eebp-6, 0x1.7be52039fb7cep-5,
+                                            -0x1.563d0fce1881p-4};
 
 }  // namespace qor::kernels::log_constants

@@ -7,7 +7,6 @@
 #include <limits>
 
 #include "kernels/kernel_frame.h"
-#include "kernels/log_constants.h"
 #include "kernels/signals.h"
 #include "kernels/tables/log_tables.h"
 
@@ -26,21 +25,21 @@ inline double ln_of_mantissa(double m) {
                                    0x1.5555555555613p-2,
                                    -0.5};
   const auto index = static_cast<uint64_t>(std::bit_cast<int64_t>(m + to_index)) & 127;
-  const tables::ReciprocalRow& row = tables::ln_scalar_rows[index];
+  const lanes::Row4<double>& row = tables::ln_scalar_rows[index];
   const double leading = (m + to_leading) - to_leading;
-  const double r_high = leading * row.reciprocal - 1.0;
-  const double r = r_high + (m - leading) * row.reciprocal;
+  const double r_high = leading * row.a - 1.0;
+  const double r = r_high + (m - leading) * row.a;
   double p = polynomial[0];
   for (int i = 1; i < 7; ++i) p = p * r + polynomial[i];
-  return row.high + (r + (row.low + p * r * r));
+  return row.b + (r + (row.c + p * r * r));
 }
 
 // log_b(x) for finite x > 0 that is far from 1: the sum is led by the exponent's part.
 template <class Base>
 double far_from_one(double x) {
   constexpr int64_t mantissa = (int64_t{1} << 52) - 1;
-  constexpr int64_t one = int64_t{log_constants::exponent_bias} << 52;
-  int64_t exponent = -log_constants::exponent_bias;
+  constexpr int64_t one = int64_t{1023} << 52;
+  int64_t exponent = -1023;
   if (x < std::numeric_limits<double>::min()) {
     x *= 0x1p60;
     exponent -= 60;
@@ -48,17 +47,18 @@ double far_from_one(double x) {
   const auto bits = std::bit_cast<int64_t>(x);
   const auto e = static_cast<double>(exponent + (bits >> 52));
   const double m = std::bit_cast<double>((bits & mantissa) | one);
-  return e * Base::two_high + (e * Base::two_low + ln_of_mantissa(m) * Base::per_natural);
+  const double ln_m = ln_of_mantissa(m);
+  return e * Base::two_high + (e * Base::two_low + ln_m * Base::log_e);
 }
 
 // log_b of an argument that the vector path does not take.
-template <class Base, class T>
+template <template <class> class Base, class T>
 Outcome<T> logarithm(T x) {
   constexpr T infinity = std::numeric_limits<T>::infinity();
   if (x != x || x == infinity) return {x * x};
   if (x == T{0}) return {pole(T{-1}), QOR_ERROR_SINGULARITY};
   if (x < T{0}) return {undefined<T>(), QOR_ERROR_DOMAIN};
-  return {static_cast<T>(far_from_one<Base>(static_cast<double>(x)))};
+  return {static_cast<T>(far_from_one<Base<double>>(static_cast<double>(x)))};
 }
 
 }  // namespace qor::kernels::log_scalar

@@ -5,10 +5,10 @@
 
 #include <cmath>
 
-#include "kernels/log_double.h"
-#include "kernels/log_scalar.h"
-#include "kernels/log_single.h"
+#include "kernels/log_limits.h"
+#include "kernels/log_vector.h"
 #include "kernels/rows.h"
+#include "kernels/signals.h"
 
 namespace qor::kernels {
 namespace {
@@ -28,8 +28,8 @@ Outcome<T> logb_scalar(T x, T scale, int fraction_bits, Image bias) {
 struct SLogb : Unary<float> {
   static constexpr const char* name = "vsLogb";
 
-  V core(V x) const { return log_single::to_float((image(abs(x)) >> 23) - 127); }
-  Doubt care(V x) const { return log_single::care(abs(x)); }
+  V core(V x) const { return lanes::to_float((image(abs(x)) >> 23) - 127); }
+  Doubt care(V x) const { return log_vector::care(abs(x)); }
   Outcome<float> scalar(float x) const {
     return logb_scalar(x, limits::slog::denormal_scale, 23, 127 + 25);
   }
@@ -39,7 +39,7 @@ struct DLogb : Unary<double> {
   static constexpr const char* name = "vdLogb";
 
   V core(V x) const { return lanes::exponent(abs(x)); }
-  Doubt care(V x) const { return log_double::care(abs(x)); }
+  Doubt care(V x) const { return log_vector::care(abs(x)); }
   Outcome<double> scalar(double x) const {
     return logb_scalar(x, limits::dlog::denormal_scale, 52, int64_t{1023 + 55});
   }

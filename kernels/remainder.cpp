@@ -37,15 +37,19 @@ struct Reach {
   static constexpr int quotient_bits = lanes::has_fma ? digits : low_bits;
 };
 
-// Divisors of the vector path, by their images (high words of a double): so large that nothing on
-// the way is denormal, so that it does not matter how the mode treats denormals.
+// Operands of the vector path, by the images of their magnitudes (high words of a double). A
+// divisor is so large that nothing on the way is denormal, so that it does not matter how the mode
+// treats denormals; a dividend so small that the product with a quotient rounded up does not
+// overflow.
 template <class T>
-struct Divisors {
-  static constexpr int32_t first = 0x0C800000, last = 0x7F7FFFFF;
+struct Operands {
+  static constexpr int32_t first_divisor = 0x0C800000, last_divisor = 0x7F7FFFFF;
+  static constexpr int32_t last_dividend = 0x7EFFFFFF;
 };
 template <>
-struct Divisors<double> {
-  static constexpr int32_t first = 0x03600000, last = 0x7FEFFFFF;
+struct Operands<double> {
+  static constexpr int32_t first_divisor = 0x03600000, last_divisor = 0x7FEFFFFF;
+  static constexpr int32_t last_dividend = 0x7FDFFFFF;
 };
 
 // Lanes whose quotient of magnitudes may reach the bound: images less than m steps of the exponent
@@ -76,7 +80,8 @@ inline V reduce(V x, V y) {
 
 template <class T, class V>
 inline lanes::Doubt<T> beyond_vector_path(V x, V y) {
-  return lanes::not_finite(x) | lanes::magnitude_outside(y, Divisors<T>::first, Divisors<T>::last) |
+  return lanes::magnitude_above(x, Operands<T>::last_dividend) |
+         lanes::magnitude_outside(y, Operands<T>::first_divisor, Operands<T>::last_divisor) |
          far_apart(x, y);
 }
 

@@ -175,3 +175,23 @@ int32_t __ostdBRngdAbstract(StreamState* stream, int32_t n, double* r, double a,
 int32_t __ostsBRngsAbstract(StreamState* stream, int32_t n, float* r, float a, float b) {
   return read_reals(stream, n, r, a, b);
 }
+
+// Output of another type than the ring's is refused, and nothing looked at.
+int32_t __ostsBRngiAbstract(StreamState*, int32_t, float*, float, float) {
+  return QOR_STREAM_WRONG_TYPE;
+}
+int32_t __ostdBRngiAbstract(StreamState*, int32_t, double*, double, double) {
+  return QOR_STREAM_WRONG_TYPE;
+}
+int32_t __ostsBRngdAbstract(StreamState*, int32_t, float*, float, float) {
+  return QOR_STREAM_WRONG_TYPE;
+}
+int32_t __ostiBRngdAbstract(StreamState*, int32_t, void*) {
+  return QOR_STREAM_WRONG_TYPE;
+}
+int32_t __ostdBRngsAbstract(StreamState*, int32_t, double*, double, double) {
+  return QOR_STREAM_WRONG_TYPE;
+}
+int32_t __ostiBRngsAbstract(StreamState*, int32_t, void*) {
+  return QOR_STREAM_WRONG_TYPE;
+}

@@ -104,8 +104,8 @@ void print_polynomials() {
   print_polynomial<double>("(10^r - 1) / r - 2", "exp10_double_16", Tail{ten, 1, 2.0},
                            half_step(ten, 16), 6, 1);
   print_polynomial<double>("(e^r - 1 - r) / r^2", "expm1_128", Tail{e, 2}, half_step(e, 128), 3, 2);
-  print_polynomial<double>("(e^r - 1 - r - r^2 / 2) / r^3", "expm1_small", Tail{e, 3}, Real(0.0625),
-                           6, 3);
+  print_polynomial<double>("(e^r - 1 - r - r^2 / 2) / r^3", "expm1_small", Tail{e, 3},
+                           Real(0.03125), 5, 3);
 }
 
 }  // namespace

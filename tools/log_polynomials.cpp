@@ -1,4 +1,5 @@
-// Makes kernels/tables/log_polynomials.h: polynomials of the logarithms.
+// Makes kernels/tables/log_polynomials.h: polynomials of the logarithms, coefficients from the
+// highest power down.
 //
 // A polynomial interpolates its function at the Chebyshev nodes of the interval, which is within a
 // small factor of the best; then its coefficients are rounded. The bound printed is the greatest
@@ -6,6 +7,8 @@
 // of, over 4001 points.
 
 #include <cmath>
+#include <iterator>
+#include <string>
 #include <vector>
 
 #include "kernels/log_constants.h"
@@ -13,7 +16,7 @@
 
 namespace {
 
-namespace bases = qor::kernels::log_constants;
+namespace constants = qor::kernels::log_constants;
 using qor::tools::nearest;
 using qor::tools::Real;
 
@@ -23,8 +26,8 @@ Real log_of_one_plus(const Real& x) {
   return y;
 }
 
-// 1 / ln(base); base 0 stands for e
-Real per_natural(double base) {
+// log_b(e); base 0 stands for e itself
+Real log_e(int base) {
   if (base == 0) return 1.0;
   Real y(base);
   mpfr_log(y.get(), y.get(), MPFR_RNDN);
@@ -39,6 +42,42 @@ struct Interval {
   }
 };
 
+// A polynomial P for log_b(1 + x / scale) = lead x + x^power P(x). Coefficients behind the fitted
+// ones may be given, from the lowest power up.
+struct Part {
+  std::string name;
+  const char* rule;
+  int base;
+  double scale;
+  Real lead;
+  int power;
+  Interval interval;
+  int count;
+  std::vector<double> given = {};
+
+  Real logarithm(const Real& x) const { return log_of_one_plus(x / Real(scale)) * log_e(base); }
+  Real target(const Real& x) const;
+};
+
+// Coefficients from the constant upwards.
+template <class T>
+Real value(const std::vector<T>& coefficients, const Real& x) {
+  Real sum(0.0);
+  for (auto c = coefficients.rbegin(); c != coefficients.rend(); ++c) {
+    sum = sum * x + Real(static_cast<double>(*c));
+  }
+  return sum;
+}
+
+// What the fitted coefficients are to approach.
+Real Part::target(const Real& x) const {
+  Real y = logarithm(x) - lead * x;
+  for (int i = 0; i < power; ++i) y = y / x;
+  Real rest = value(given, x);
+  for (int i = 0; i < count; ++i) rest = rest * x;
+  return y - rest;
+}
+
 // The constant coefficient of the polynomial through the points: Neville's scheme at 0.
 Real constant_of_interpolant(const std::vector<Real>& x, std::vector<Real> y) {
   for (std::size_t step = 1; step < x.size(); ++step) {
@@ -50,23 +89,14 @@ Real constant_of_interpolant(const std::vector<Real>& x, std::vector<Real> y) {
   return y[0];
 }
 
-template <class T>
-Real value(const std::vector<T>& coefficients, const Real& x) {
-  Real sum(0.0);
-  for (auto c = coefficients.rbegin(); c != coefficients.rend(); ++c) {
-    sum = sum * x + Real(static_cast<double>(*c));
-  }
-  return sum;
-}
-
 // Coefficients from the constant upwards: each is the constant of what the polynomial is after
 // taking off the ones before it and dividing by x.
-template <class T, class Function>
-std::vector<T> fit(const Function& f, Interval interval, int count) {
+template <class T>
+std::vector<T> fit(const Part& part) {
   std::vector<Real> x, y;
-  for (int i = 0; i < count; ++i) {
-    x.push_back(interval.node(i, count));
-    y.push_back(f(x.back()));
+  for (int i = 0; i < part.count; ++i) {
+    x.push_back(part.interval.node(i, part.count));
+    y.push_back(part.target(x.back()));
   }
   std::vector<T> coefficients;
   while (!x.empty()) {
@@ -79,31 +109,6 @@ std::vector<T> fit(const Function& f, Interval interval, int count) {
   return coefficients;
 }
 
-// A polynomial P for log_b(1 + x / scale) = lead x + x^power P(x). Coefficients behind the fitted
-// ones may be given.
-struct Part {
-  const char* name;
-  const char* rule;
-  double base, scale;
-  Real lead;
-  int power;
-  Interval interval;
-  int count;
-  std::vector<double> given = {};
-
-  Real logarithm(const Real& x) const {
-    return log_of_one_plus(x / Real(scale)) * per_natural(base);
-  }
-  // What the fitted coefficients are to approach.
-  Real operator()(const Real& x) const {
-    Real y = logarithm(x) - lead * x;
-    for (int i = 0; i < power; ++i) y = y / x;
-    Real rest = value(given, x);
-    for (int i = 0; i < count; ++i) rest = rest * x;
-    return y - rest;
-  }
-};
-
 template <class T>
 double worst_error(const Part& part, const std::vector<T>& coefficients) {
   double worst = 0;
@@ -111,50 +116,76 @@ double worst_error(const Part& part, const std::vector<T>& coefficients) {
     const double at = part.interval.first + (part.interval.last - part.interval.first) * i / 4000;
     if (at == 0) continue;
     const Real x(at);
-    Real error = part(x) - value(coefficients, x);
+    Real error = part.target(x) - value(coefficients, x);
     for (int k = 0; k < part.power; ++k) error = error * x;
-    const double relative = nearest<double>(error / part.logarithm(x));
-    worst = std::fmax(worst, std::fabs(relative));
+    worst = std::fmax(worst, std::fabs(nearest<double>(error / part.logarithm(x))));
   }
   return worst;
 }
 
 template <class T>
 void print(const Part& part) {
-  const auto coefficients = fit<T>(part, part.interval, part.count);
-  std::printf("\n// %s, in [%g, %g]; relative error %.2g = 2^%.1f.\n", part.rule,
-              part.interval.first, part.interval.last, worst_error(part, coefficients),
-              std::log2(worst_error(part, coefficients)));
-  std::printf("inline constexpr %s %s[] = {", sizeof(T) == 4 ? "float" : "double", part.name);
-  for (const T c : coefficients) std::printf("\n  %s,", qor::tools::literal(c).c_str());
+  const auto coefficients = fit<T>(part);
+  std::printf("\n// %s for %g <= x <= %g; relative error 2^%.1f.\n", part.rule, part.interval.first,
+              part.interval.last, std::log2(worst_error(part, coefficients)));
+  std::printf("inline constexpr %s %s[] = {", sizeof(T) == sizeof(float) ? "float" : "double",
+              part.name.c_str());
+  for (auto c = coefficients.rbegin(); c != coefficients.rend(); ++c) {
+    std::printf("\n  %s,", qor::tools::literal(*c).c_str());
+  }
   std::printf("\n};\n");
+}
+
+// Rows: |r| <= 2^-row_bits, and x = slope r where the slope is not 1.
+template <class Base>
+Interval row_interval() {
+  const double reach = static_cast<double>(Base::slope) / (1 << Base::row_bits);
+  return {-reach, reach};
+}
+
+template <class Base>
+void print_scaled_rows(const char* name, const char* rule, int base) {
+  const double slope = static_cast<double>(Base::slope);
+  print<float>({name, rule, base, slope, 1.0, 1, row_interval<Base>(), 4});
+}
+
+// A polynomial of `terms` terms beside the leading one of log_b e.
+template <int cells, class T>
+void print_cells(const std::string& letter, int terms) {
+  const Interval interval{constants::Cells<cells>::first, constants::Cells<cells>::last};
+  const std::string suffix = "_cells_" + std::to_string(cells) + "_polynomial";
+  const auto print_base = [&]<class Base>(Base, const char* name, const char* rule, int base) {
+    const Real lead(static_cast<double>(Base::log_e));
+    print<T>({letter + name + suffix, rule, base, 1, lead, 1, interval, terms + 1});
+  };
+  print<T>({letter + "ln" + suffix, "ln(1 + x) = x + x^2 P(x)", 0, 1, 1.0, 2, interval, terms});
+  print_base(constants::Decimal<T>{}, "log10", "log10(1 + x) = x log_e + x P(x)", 10);
+  print_base(constants::Binary<T>{}, "log2", "log2(1 + x) = x log_e + x P(x)", 2);
 }
 
 }  // namespace
 
 int main() {
+  using namespace constants;
   qor::tools::print_head("log_polynomials", "");
-  const Interval even{std::sqrt(0.5) - 1, std::sqrt(2.0) - 1};
-  print<float>({"log10_single", "log10(1 + r) = r/2 + r P(r)", 10, 1,
-                Real(static_cast<double>(bases::single::decimal_slope)), 1, even, 10});
-  print<float>({"log2_single", "log2(1 + r) = 3r/2 + r P(r)", 2, 1,
-                Real(static_cast<double>(bases::single::binary_slope)), 1, even, 10});
-  // |r| <= 2^-9, v = slope r
-  const double reach = bases::Binary::slope / 512;
-  print<double>({"log2_rows_first",
-                 "log2(1 + r) = v + v (P(v) + v^3 Q(v)), v = 369/256 r, Q given",
+  print<double>({"dln_rows_polynomial", "ln(1 + x) = x + x^2 P(x)", 0, 1, 1.0, 2,
+                 row_interval<Natural<double>>(), 5});
+  print<double>({"dlog2_rows_lower",
+                 "log2(1 + 256/369 x) = x + x (P(x) + x^3 Q(x)), Q given,",
                  2,
-                 bases::Binary::slope,
-                 Real(1.0),
+                 Binary<double>::slope,
+                 1.0,
                  1,
-                 {-reach, reach},
+                 row_interval<Binary<double>>(),
                  3,
-                 {bases::log2_rows_last[0], bases::log2_rows_last[1], bases::log2_rows_last[2]}});
-  const Interval cell{bases::cell_first, bases::cell_last};
-  print<double>({"ln_cells", "ln(1 + r) = r + r^2 P(r)", 0, 1, Real(1.0), 2, cell, 10});
-  print<double>(
-      {"log10_cells", "log10(1 + r) = r log10(e) + r^2 P(r)", 10, 1, per_natural(10), 2, cell, 10});
-  print<double>(
-      {"log2_cells", "log2(1 + r) = r log2(e) + r^2 P(r)", 2, 1, per_natural(2), 2, cell, 10});
+                 {std::rbegin(log2_row_upper), std::rend(log2_row_upper)}});
+  print<float>({"sln_rows_polynomial", "ln(1 + x) = x + x^2 P(x)", 0, 1, 1.0, 2,
+                row_interval<Natural<float>>(), 3});
+  print_scaled_rows<Decimal<float>>("slog10_rows_polynomial", "log10(1 + 16/7 x) = x + x P(x)", 10);
+  print_scaled_rows<Binary<float>>("slog2_rows_polynomial", "log2(1 + 16/23 x) = x + x P(x)", 2);
+  print_cells<16, double>("d", 10);
+  print_cells<128, double>("d", 6);
+  print_cells<16, float>("s", 5);
+  print_cells<8, float>("s", 6);
   qor::tools::print_tail();
 }

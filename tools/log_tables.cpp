@@ -1,124 +1,156 @@
-// Makes kernels/tables/log_tables.h: reciprocals of mantissa cells and the logarithms that undo
-// them, in two parts.
+// Makes kernels/tables/log_tables.h: reciprocals of mantissas and the logarithms that undo them, in
+// two parts.
 
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <string>
 
 #include "kernels/log_constants.h"
 #include "tools/table_writer.h"
 
 namespace {
 
-namespace bases = qor::kernels::log_constants;
+namespace constants = qor::kernels::log_constants;
 using qor::tools::nearest;
 using qor::tools::Real;
+using Logarithm = int (*)(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t);
 
-// log_b(x)
-template <class Base>
-Real logarithm(const Real& x) {
-  Real y, two(2.0);
-  mpfr_log2(y.get(), x.get(), MPFR_RNDN);
-  if constexpr (Base::per_natural == bases::Binary::per_natural) return y;
-  if constexpr (Base::per_natural == bases::Decimal::per_natural) {
-    mpfr_log10(two.get(), two.get(), MPFR_RNDN);
-  } else {
-    mpfr_log(two.get(), two.get(), MPFR_RNDN);
+// A base by its name and by MPFR's function.
+struct Function {
+  const char* name;
+  Logarithm logarithm;
+
+  Real operator()(const Real& x) const {
+    Real y;
+    logarithm(y.get(), x.get(), MPFR_RNDN);
+    return y;
   }
-  return y * two;
-}
+};
 
-// log_b(x) + twos * log_b(2), x in [1/sqrt2, sqrt2]: the part of x rounded to the grid, so that a
-// power of two gets exactly the multiple of two_high and two_low that an exponent cancels.
-template <class Base>
-std::array<double, 2> parts(const Real& x, int twos) {
-  const Real value = logarithm<Base>(x);
-  const double high = std::nearbyint(nearest<double>(value) / bases::row_grid) * bases::row_grid;
-  const double low = nearest<double>(value - Real(high) + Real(twos * Base::two_low));
-  return {high + twos * Base::two_high, low};
+template <class T>
+constexpr bool single = sizeof(T) == sizeof(float);
+
+// log_b(x) + twos * log_b(2), x in [1/sqrt2, sqrt2]: the high part of x rounded to the grid, so
+// that a power of two gets exactly the multiple of two_high and two_low that an exponent cancels.
+template <class T, class Base>
+std::array<T, 2> parts(const Function& log, const Real& x, int twos) {
+  const double grid = constants::Format<T>::grid;
+  const Real value = log(x);
+  const double high = std::nearbyint(nearest<double>(value) / grid) * grid;
+  const double two_high = twos * static_cast<double>(Base::two_high);
+  const Real two_low = Real(twos) * Real(static_cast<double>(Base::two_low));
+  return {static_cast<T>(high + two_high), nearest<T>(value - Real(high) + two_low)};
 }
 
 // Row i: log_b(2^row_bits / c) less the exponent bias, c = 2^(row_bits - 1) + i.
-template <class Base>
-std::array<double, 2> row(int i) {
-  const int unit = 1 << Base::row_bits;
-  const int c = unit / 2 + i;
-  const bool halved = 4 * c < 3 * unit;  // counts as 2 * (unit/2) / c
-  const Real x = Real(halved ? unit / 2 : unit) / Real(c);
-  return parts<Base>(x, (halved ? 1 : 0) - bases::exponent_bias);
-}
-
-template <class Base>
-void print_rows(const char* name, const char* base) {
-  const int rows = (1 << (Base::row_bits - 1)) + 1;
+template <class T, class Base>
+void print_rows(const std::string& stem, const Function& log) {
+  const int unit = 1 << Base::row_bits, bias = constants::Format<T>::bias;
+  const auto row = [&](int i) {
+    const int c = unit / 2 + i;
+    const bool halved = 4 * c < 3 * unit;  // taken as 2 * (unit/2) / c
+    const Real x = Real(halved ? unit / 2 : unit) / Real(c);
+    return parts<T, Base>(log, x, (halved ? 1 : 0) - bias);
+  };
   char rule[160];
-  std::snprintf(rule, sizeof rule, "%s(%d / c) - 1023 %s(2) for c = %d..%d: high part, low part.",
-                base, 1 << Base::row_bits, base, rows - 1, 2 * (rows - 1));
-  qor::tools::print_table(rule, "Row<double>", name, rows, row<Base>);
+  std::snprintf(rule, sizeof rule, "%s(%d / c) - %d %s(2) for c = %d..%d: high part, low part.",
+                log.name, unit, bias, log.name, unit / 2, unit);
+  qor::tools::print_table(rule, single<T> ? "Row<float>" : "Row<double>", (stem + "_rows").c_str(),
+                          unit / 2 + 1, row);
 }
 
-// A sixteenth of the mantissas m in [0.75, 1.5), by the top four bits of their images.
+// One of `count` cells of the mantissas m in [0.75, 1.5), by the top bits of their images.
 struct Cell {
-  explicit Cell(int i)
-      : first(i < 8 ? 1.0 + i / 16.0 : 0.5 + i / 32.0), width(i < 8 ? 1 / 16.0 : 1 / 32.0) {}
-  bool below_one() const { return first < 1; }
-  // 1 beside 1; elsewhere short enough that m * reciprocal - 1 is exact.
-  double reciprocal() const {
+  Cell(int i, int count)
+      : first(i < count / 2 ? 1.0 + 1.0 * i / count : 0.5 + 0.5 * i / count),
+        width((first < 1 ? 0.5 : 1.0) / count),
+        grid(first < 1 ? count : 2 * count) {}
+
+  // 1 beside 1; elsewhere short enough that m * reciprocal - 1 is exact, and such that all cells
+  // have it in the interval of those beside 1.
+  double reciprocal(int count) const {
     if (first == 1.0 || first + width == 1.0) return 1.0;
-    const double grid = below_one() ? 16 : 32;
-    return std::nearbyint(grid / (first + width / 2)) / grid;
+    return std::nearbyint(grid * (1 + 0.25 / count) / (first + width / 2)) / grid;
   }
-  double first, width;
+
+  double first, width, grid;
 };
 
-// The exponent that goes with a mantissa below 1 is one too low: its log_b(2) is in the table.
-template <class Base>
-std::array<double, 16> registers(int part) {
-  std::array<double, 16> numbers;
-  for (int i = 0; i < 16; ++i) {
-    const Cell cell(i);
-    const double c = cell.reciprocal();
-    if (c * cell.first - 1 < bases::cell_first) std::abort();
-    if (c * (cell.first + cell.width) - 1 > bases::cell_last) std::abort();
-    const auto logarithms = parts<Base>(Real(1.0) / Real(c), cell.below_one() ? 1 : 0);
-    numbers[static_cast<std::size_t>(i)] = part == 0   ? c
-                                           : part == 1 ? logarithms[0]
-                                                       : logarithms[1];
-  }
-  return numbers;
+// Row i: the reciprocal c of cell i, log_b(1 / c) in two parts, and 0. The exponent that goes with
+// a mantissa below 1 is one too low: its log_b(2) is in the table.
+template <int count, class T, class Base>
+std::array<T, 4> cell_row(const Function& log, int i) {
+  const Cell cell(i, count);
+  const double c = cell.reciprocal(count);
+  if (c * cell.first - 1 < constants::Cells<count>::first) std::abort();
+  if (c * (cell.first + cell.width) - 1 > constants::Cells<count>::last) std::abort();
+  const auto logs = parts<T, Base>(log, Real(1.0) / Real(c), cell.first < 1 ? 1 : 0);
+  return {static_cast<T>(c), logs[0], logs[1], T{0}};
 }
 
-template <class Base>
-void print_registers(const char* name, const char* base) {
-  char rule[160];
-  std::snprintf(rule, sizeof rule,
-                "c, %s(1 / c) high and low, for m in 16 cells of [0.75, 1.5).",
-                base);
-  qor::tools::print_table(rule, "Sixteen", name, 3, registers<Base>);
+template <int count>
+std::string cells_rule(const Function& log) {
+  return std::string("c, ") + log.name + "(1 / c) high and low, for m in " + std::to_string(count) +
+         " cells of [0.75, 1.5), by its top bits.";
 }
 
-// Row i: a reciprocal c of 1 + i / 64, of 12 bits, and ln(1 / c).
-std::array<double, 3> scalar_row(int i) {
+// Cells that are looked up in memory: a row for each.
+template <int count, class Base>
+void print_cells(const std::string& stem, const Function& log) {
+  qor::tools::print_table(cells_rule<count>(log).c_str(), "Row4<double>",
+                          (stem + "_cells_" + std::to_string(count)).c_str(), count,
+                          [&](int i) { return cell_row<count, double, Base>(log, i); });
+}
+
+// Cells that are looked up in registers: a row for each kind of number.
+template <int count, class T, class Base>
+void print_register_cells(const std::string& stem, const Function& log) {
+  const std::string type = (single<T> ? "Floats" : "Doubles") + std::to_string(count);
+  const auto kind = [&](int k) {
+    std::array<T, count> numbers;
+    int i = 0;
+    for (T& number : numbers) {
+      number = cell_row<count, T, Base>(log, i++)[static_cast<std::size_t>(k)];
+    }
+    return numbers;
+  };
+  qor::tools::print_table(cells_rule<count>(log).c_str(), type.c_str(),
+                          (stem + "_cells_" + std::to_string(count)).c_str(), 3, kind);
+}
+
+template <template <class> class Base>
+void print_base(const char* name, Logarithm logarithm) {
+  const Function log{name, logarithm};
+  const std::string d = std::string("d") + name, s = std::string("s") + name;
+  print_rows<double, Base<double>>(d, log);
+  print_cells<128, Base<double>>(d, log);
+  print_register_cells<16, double, Base<double>>(d, log);
+  print_rows<float, Base<float>>(s, log);
+  print_register_cells<8, float, Base<float>>(s, log);
+  print_register_cells<16, float, Base<float>>(s, log);
+}
+
+// Row i: a reciprocal c of 1 + i / 64, of 12 bits, ln(1 / c) in two parts, and 0.
+std::array<double, 4> scalar_row(int i) {
   const double c = std::nearbyint(0x1p12 / (1 + i / 64.0)) / 0x1p12;
-  const auto logarithms = parts<bases::Natural>(Real(1.0) / Real(c), 0);
-  return {c, logarithms[0], logarithms[1]};
+  const auto logs =
+      parts<double, constants::Natural<double>>({"ln", mpfr_log}, Real(1.0) / Real(c), 0);
+  return {c, logs[0], logs[1], 0.0};
 }
 
 }  // namespace
 
 int main() {
   qor::tools::print_head("log_tables", "#include \"kernels/lanes.h\"\n");
-  std::printf("\nusing lanes::Row;\n");
-  std::printf("\nusing Sixteen = double[16];\n");
-  std::printf("\nstruct ReciprocalRow {\n  double reciprocal, high, low;\n};\n");
-  print_rows<bases::Natural>("ln_rows", "ln");
-  print_rows<bases::Decimal>("log10_rows", "log10");
-  print_rows<bases::Binary>("log2_rows", "log2");
-  print_registers<bases::Natural>("ln_registers", "ln");
-  print_registers<bases::Decimal>("log10_registers", "log10");
-  print_registers<bases::Binary>("log2_registers", "log2");
+  std::printf("\nusing lanes::Row;\nusing lanes::Row4;\n");
+  std::printf("\nusing Doubles16 = double[16];\nusing Floats16 = float[16];\n");
+  std::printf("using Floats8 = float[8];\n");
+  print_base<constants::Natural>("ln", mpfr_log);
+  print_base<constants::Decimal>("log10", mpfr_log10);
+  print_base<constants::Binary>("log2", mpfr_log2);
   qor::tools::print_table(
       "c, the 12-bit number nearest to 1 / (1 + i/64), and ln(1 / c): high part, low part.",
-      "ReciprocalRow", "ln_scalar_rows", 65, scalar_row);
+      "Row4<double>", "ln_scalar_rows", 65, scalar_row);
   qor::tools::print_tail();
 }

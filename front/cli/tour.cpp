@@ -107,8 +107,8 @@ std::string first(const Csv& days, const Reports& reports) {
   if (reports.list().empty()) return "";
   const ErrorContext& report = reports.list().front();
   const auto& fields = days.rows[static_cast<size_t>(report.index)].fields;
-  return format("%s/%s: %s -> %s", fields[column_index(days, "Month")].c_str(),
-                fields[column_index(days, "Day")].c_str(), shortest(report.arg1).c_str(),
+  return format("%s/%s: %g -> %s", fields[column_index(days, "Month")].c_str(),
+                fields[column_index(days, "Day")].c_str(), report.arg1,
                 shortest(report.result1).c_str());
 }
 

@@ -355,7 +355,7 @@ QOR_BRNG(MCG59)
 QOR_BRNG(WH) /* a word is four uint32_t */
 
 /* Of the nine output functions of the abstract generators six are of another type than the ring:
-   they are one function, which returns -1122 and touches nothing. */
+   they return -1122 and touch nothing. */
 QOR_BRNG(iAbstract)
 QOR_BRNG(dAbstract)
 QOR_BRNG(sAbstract)

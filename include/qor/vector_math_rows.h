@@ -31,6 +31,7 @@
   X(s, Ln,         unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Log10,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Sqr,        unary,           A, A, A, 1111.0, 1111.0, 1111.0) \
+  X(s, Expm1,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Log1p,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Pow3o2,     unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(s, Pow2o3,     unary,           A, A, A, 1.0, 1.0, 1.0) \
@@ -55,6 +56,7 @@
   X(d, Ln,         unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Log10,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Sqr,        unary,           A, A, A, 1.0, 1.0, 1.0) \
+  X(d, Expm1,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Log1p,      unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Pow3o2,     unary,           A, A, A, 1.0, 1.0, 1.0) \
   X(d, Pow2o3,     unary,           A, A, A, 1.0, 1.0, 1.0) \

@@ -641,7 +641,7 @@ inline constexpr double exp10_double_16[7] = {0x1.16e5b03376fdap-4, 0x1.a7ef07df
 // (e^r - 1 - r) / r^2, |r| <= 0.002708; error times |r|^2 below 2^-63.7.
 inline constexpr double expm1_128[4] = {0x1.11111430bc5c6p-7, 0x1.55555accc11b8p-5, 0x1.5555555555525p-3, 0x1.fffffffffff58p-2};
 
-// (e^r - 1 - r - r^2 / 2) / r^3, |r| <= 0.0625; error times |r|^3 below 2^-67.1.
-inline constexpr double expm1_small[7] = {0x1.71e41cc0ad3f6p-19, 0x1.a02218f697a2p-16, 0x1.a01a01945523ep-13, 0x1.6c16c15be808bp-10, 0x1.111111111116fp-7, 0x1.5555555555658p-5, 0x1.5555555555555p-3};
+// (e^r - 1 - r - r^2 / 2) / r^3, |r| <= 0.03125; error times |r|^3 below 2^-68.4.
+inline constexpr double expm1_small[6] = {0x1.a01bbd78854dbp-16, 0x1.a01c2c6edca7p-13, 0x1.6c16c16b70503p-10, 0x1.1111111041036p-7, 0x1.5555555555556p-5, 0x1.5555555555558p-3};
 
 }  // namespace qor::kernels::tables

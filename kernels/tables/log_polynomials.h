@@ -5,81 +5,180 @@
 // clang-format off
 namespace qor::kernels::tables {
 
-// log10(1 + r) = r/2 + r P(r), in [-0.292893, 0.414214]; relative error 1.9e-08 = 2^-25.7.
-inline constexpr float log10_single[] = {
-  -0x1.0d213ap-4f,
-  -0x1.bcb7aap-3f,
-  0x1.287a7ep-3f,
-  -0x1.bcbee2p-4f,
-  0x1.63ca6ep-4f,
-  -0x1.2770fcp-4f,
-  0x1.f92fcap-5f,
-  -0x1.d7f89p-5f,
-  0x1.c7a03ep-5f,
-  -0x1.091808p-5f,
-};
-
-// log2(1 + r) = 3r/2 + r P(r), in [-0.292893, 0.414214]; relative error 1.1e-08 = 2^-26.4.
-inline constexpr float log2_single[] = {
-  -0x1.d57136p-5f,
-  -0x1.71547p-1f,
-  0x1.ec70aap-2f,
-  -0x1.715a7p-2f,
-  0x1.277a52p-2f,
-  -0x1.eab7aap-3f,
-  0x1.a38c68p-3f,
-  -0x1.87f6a2p-3f,
-  0x1.7a63ap-3f,
-  -0x1.b84fb6p-4f,
-};
-
-// log2(1 + r) = v + v (P(v) + v^3 Q(v)), v = 369/256 r, Q given, in [-0.00281525, 0.00281525]; relative error 1.6e-18 = 2^-59.1.
-inline constexpr double log2_rows_first[] = {
-  0x1.d4c6d2bc5aea5p-11,
-  -0x1.6386b9b9b5d42p-2,
-  0x1.48dead300f238p-3,
-};
-
-// ln(1 + r) = r + r^2 P(r), in [-0.0375, 0.0625]; relative error 1.5e-18 = 2^-59.2.
-inline constexpr double ln_cells[] = {
+// ln(1 + x) = x + x^2 P(x) for -0.000976562 <= x <= 0.000976562; relative error 2^-66.8.
+inline constexpr double dln_rows_polynomial[] = {
+  -0x1.5555695556555p-3,
+  0x1.9999b075086cep-3,
+  -0x1.ffffffffffbp-3,
+  0x1.555555555527ap-2,
   -0x1p-1,
-  0x1.5555555555537p-2,
-  -0x1.000000000110bp-2,
-  0x1.9999999a101bdp-3,
-  -0x1.5555553c35302p-3,
-  0x1.249244dad0309p-3,
-  -0x1.000051b571421p-3,
-  0x1.c73ba0b7c3bccp-4,
-  -0x1.99792e31db9b9p-4,
-  0x1.4e010e6113fc4p-4,
 };
 
-// log10(1 + r) = r log10(e) + r^2 P(r), in [-0.0375, 0.0625]; relative error 9.1e-19 = 2^-59.9.
-inline constexpr double log10_cells[] = {
+// log2(1 + 256/369 x) = x + x (P(x) + x^3 Q(x)), Q given, for -0.00281525 <= x <= 0.00281525; relative error 2^-59.1.
+inline constexpr double dlog2_rows_lower[] = {
+  0x1.48dead300f238p-3,
+  -0x1.6386b9b9b5d42p-2,
+  0x1.d4c6d2bc5aea5p-11,
+};
+
+// ln(1 + x) = x + x^2 P(x) for -0.0078125 <= x <= 0.0078125; relative error 2^-32.3.
+inline constexpr float sln_rows_polynomial[] = {
+  -0x1.0002p-2f,
+  0x1.5557bcp-2f,
+  -0x1p-1f,
+};
+
+// log10(1 + 16/7 x) = x + x P(x) for -0.00341797 <= x <= 0.00341797; relative error 2^-32.0.
+inline constexpr float slog10_rows_polynomial[] = {
+  -0x1.7b5986p+1f,
+  0x1.ba92a6p+0f,
+  -0x1.226d84p+0f,
+  -0x1.e02cf6p-8f,
+};
+
+// log2(1 + 16/23 x) = x + x P(x) for -0.0112305 <= x <= 0.0112305; relative error 2^-31.8.
+inline constexpr float slog2_rows_polynomial[] = {
+  -0x1.59fcdep-4f,
+  0x1.4b91fep-3f,
+  -0x1.65760ap-2f,
+  0x1.d9afcp-9f,
+};
+
+// ln(1 + x) = x + x^2 P(x) for -0.03125 <= x <= 0.0625; relative error 2^-60.1.
+inline constexpr double dln_cells_16_polynomial[] = {
+  0x1.447cbbafa4886p-4,
+  -0x1.9808b4e863b47p-4,
+  0x1.c72ede3d314c7p-4,
+  -0x1.00008c6171281p-3,
+  0x1.2492488c5629p-3,
+  -0x1.5555553b09264p-3,
+  0x1.9999999988d8ap-3,
+  -0x1.0000000000ccap-2,
+  0x1.555555555555dp-2,
+  -0x1p-1,
+};
+
+// log10(1 + x) = x log_e + x P(x) for -0.03125 <= x <= 0.0625; relative error 2^-59.2.
+inline constexpr double dlog10_cells_16_polynomial[] = {
+  0x1.15fee123c9b25p-5,
+  -0x1.61f33b6c4c9a3p-5,
+  0x1.8b5d8500592e8p-5,
+  -0x1.bcb90243eaff1p-5,
+  0x1.fc3fa6b8b04fcp-5,
+  -0x1.287a7613213cep-4,
+  0x1.63c62774da5c5p-4,
+  -0x1.bcb7b15271353p-4,
+  0x1.287a7636f438ap-3,
   -0x1.bcb7b1526e50ep-3,
-  0x1.287a7636f4344p-3,
-  -0x1.bcb7b152702a9p-4,
-  0x1.63c627758bfcfp-4,
-  -0x1.287a76212151fp-4,
-  0x1.fc3f9ea21007bp-5,
-  -0x1.bcb83f43c00c3p-5,
-  0x1.8b6908d8b51e2p-5,
-  -0x1.63a9feaf905d4p-5,
-  0x1.221cbf85f6a24p-5,
+  0x1.93b2c02dbb477p-57,
 };
 
-// log2(1 + r) = r log2(e) + r^2 P(r), in [-0.0375, 0.0625]; relative error 1.1e-18 = 2^-59.6.
-inline constexpr double log2_cells[] = {
+// log2(1 + x) = x log_e + x P(x) for -0.03125 <= x <= 0.0625; relative error 2^-58.9.
+inline constexpr double dlog2_cells_16_polynomial[] = {
+  0x1.cdbda0cdb8fd7p-4,
+  -0x1.25f2ffda4048dp-3,
+  0x1.4858022f3392cp-3,
+  -0x1.71558e26030a1p-3,
+  0x1.a617632f911e2p-3,
+  -0x1.ec709d881f97dp-3,
+  0x1.2776c50ebbb82p-2,
+  -0x1.71547652ba96bp-2,
+  0x1.ec709dc3a0445p-2,
   -0x1.71547652b82fep-1,
-  0x1.ec709dc3a03d1p-2,
-  -0x1.71547652b9b94p-2,
-  0x1.2776c50f4f3c5p-2,
-  -0x1.ec709d9f60ap-3,
-  0x1.a6175c77f2f91p-3,
-  -0x1.7154ec3435bd5p-3,
-  0x1.486192511912cp-3,
-  -0x1.275f624d984f6p-3,
-  0x1.e1ddb8730eefbp-4,
+  0x1.74faebe842fbep-56,
+};
+
+// ln(1 + x) = x + x^2 P(x) for -0.00390625 <= x <= 0.0078125; relative error 2^-59.5.
+inline constexpr double dln_cells_128_polynomial[] = {
+  0x1.2199e38a9b961p-3,
+  -0x1.5554fa10ca076p-3,
+  0x1.99999dcf7fe94p-3,
+  -0x1.00000000a1389p-2,
+  0x1.5555555554aa9p-2,
+  -0x1.fffffffffffffp-2,
+};
+
+// log10(1 + x) = x log_e + x P(x) for -0.00390625 <= x <= 0.0078125; relative error 2^-60.5.
+inline constexpr double dlog10_cells_128_polynomial[] = {
+  0x1.f63bdfeb575e6p-5,
+  -0x1.28795a0e738f6p-4,
+  0x1.63c62c2901ad6p-4,
+  -0x1.bcb7b15531545p-4,
+  0x1.287a7636f3304p-3,
+  -0x1.bcb7b1526e508p-3,
+  0x1.9a460516200bfp-57,
+};
+
+// log2(1 + x) = x log_e + x P(x) for -0.00390625 <= x <= 0.0078125; relative error 2^-60.4.
+inline constexpr double dlog2_cells_128_polynomial[] = {
+  0x1.a118a1745ed1ap-3,
+  -0x1.ec6ec5c99f62fp-3,
+  0x1.2776c8f6c2dcbp-2,
+  -0x1.7154765503595p-2,
+  0x1.ec709dc39e8d3p-2,
+  -0x1.71547652b82f9p-1,
+  0x1.7fe6c56606e82p-56,
+};
+
+// ln(1 + x) = x + x^2 P(x) for -0.03125 <= x <= 0.0625; relative error 2^-32.4.
+inline constexpr float sln_cells_16_polynomial[] = {
+  -0x1.40061p-3f,
+  0x1.99b49p-3f,
+  -0x1.00032ep-2f,
+  0x1.555558p-2f,
+  -0x1p-1f,
+};
+
+// log10(1 + x) = x log_e + x P(x) for -0.03125 <= x <= 0.0625; relative error 2^-29.8.
+inline constexpr float slog10_cells_16_polynomial[] = {
+  -0x1.126932p-4f,
+  0x1.63b702p-4f,
+  -0x1.bcbf8ep-4f,
+  0x1.287a8p-3f,
+  -0x1.bcb7b2p-3f,
+  -0x1.5b6ed2p-27f,
+};
+
+// log2(1 + x) = x log_e + x P(x) for -0.03125 <= x <= 0.0625; relative error 2^-33.3.
+inline constexpr float slog2_cells_16_polynomial[] = {
+  -0x1.c7c964p-3f,
+  0x1.276a3p-2f,
+  -0x1.715afep-2f,
+  0x1.ec70acp-2f,
+  -0x1.715476p-1f,
+  0x1.4a636ep-26f,
+};
+
+// ln(1 + x) = x + x^2 P(x) for -0.0625 <= x <= 0.125; relative error 2^-31.3.
+inline constexpr float sln_cells_8_polynomial[] = {
+  0x1.f6a9a6p-4f,
+  -0x1.553796p-3f,
+  0x1.99d4ccp-3f,
+  -0x1.000084p-2f,
+  0x1.55554cp-2f,
+  -0x1p-1f,
+};
+
+// log10(1 + x) = x log_e + x P(x) for -0.0625 <= x <= 0.125; relative error 2^-28.7.
+inline constexpr float slog10_cells_8_polynomial[] = {
+  0x1.a9b422p-5f,
+  -0x1.27c0c4p-4f,
+  0x1.6407a2p-4f,
+  -0x1.bcb9fp-4f,
+  0x1.287a68p-3f,
+  -0x1.bcb7bp-3f,
+  -0x1.5a1148p-27f,
+};
+
+// log2(1 + x) = x log_e + x P(x) for -0.0625 <= x <= 0.125; relative error 2^-32.5.
+inline constexpr float slog2_cells_8_polynomial[] = {
+  0x1.618a0ap-3f,
+  -0x1.eb3c3p-3f,
+  0x1.27ad26p-2f,
+  -0x1.715654p-2f,
+  0x1.ec7086p-2f,
+  -0x1.715476p-1f,
+  0x1.4ca7fep-26f,
 };
 
 }  // namespace qor::kernels::tables

@@ -105,7 +105,7 @@ TYPED_TEST(Integration, EqualsExtendedPrecision) {
       }
       return functions;
     };
-    for (const size_t order : {2, 3, 4, 7}) {
+    for (const size_t order : {2u, 3u, 4u, 7u}) {
       const auto s_order = static_cast<int64_t>(order);
       const auto polynomials = [&](size_t cells) {
         return [&, cells](size_t f, size_t p) {
@@ -120,7 +120,7 @@ TYPED_TEST(Integration, EqualsExtendedPrecision) {
         check_integrals(task, pieces_of(9, knots, polynomials(9)), limits);
       }
     }
-    for (const size_t type : {7, 8}) {
+    for (const size_t type : {7u, 8u}) {
       ASSERT_EQ(task.spline(0, static_cast<int64_t>(type), nullptr), 0);
       const auto constants = [&](size_t f, size_t p) {
         const size_t from = type == 8 ? std::min<size_t>(p + 1, 8) : p;

@@ -188,7 +188,7 @@ TYPED_TEST(Interpolation, Flags32BitsWide) {
 
 TYPED_TEST(Interpolation, Statuses) {
   using Real = TypeParam;
-  const Pieces<Real> p(4, 1, 4);
+  const Pieces<Real> p(4, 1, 6);  // coefficients enough for every order
   const Real bad_hint[5] = {0, 7, 0, 0, 0};
   Real r[4];
   const auto run = [&](int64_t order, int64_t type, const typename Task<Real>::Sites& s = {}) {

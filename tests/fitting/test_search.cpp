@@ -73,7 +73,7 @@ int guess_badly(const int64_t* n, const Real*, int64_t* cell, int64_t* flag, voi
 TYPED_TEST(CellSearch, EveryMethodFindsTheDefinedCell) {
   using Real = TypeParam;
   const Real none[5] = {0, 0, 0, 0, 0}, peak[5] = {0, 1, 0, 0, 1};
-  for (const size_t n : {2, 3, 17, 41, 42, 100, 101, 102, 200, 1000}) {
+  for (const size_t n : {2u, 3u, 17u, 41u, 42u, 100u, 101u, 102u, 200u, 1000u}) {
     const auto x = breakpoints<Real>(n);
     auto site = sites_around(x);
     std::shuffle(site.begin(), site.end(), std::mt19937(3));
@@ -154,7 +154,7 @@ TYPED_TEST(CellSearch, DataHints) {
 TYPED_TEST(CellSearch, NanSites) {
   using Real = TypeParam;
   const Real nan = std::numeric_limits<Real>::quiet_NaN(), peak[5] = {0, 1, 0, 0, 0};
-  for (const size_t n : {4, 60, 500}) {
+  for (const size_t n : {4u, 60u, 500u}) {
     const auto x = breakpoints<Real>(n);
     const auto nx = static_cast<int64_t>(n);
     const std::vector<Real> site = {nan, Real(0.5), nan, Real(2.5), x.back() + 1, nan};

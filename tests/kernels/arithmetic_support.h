@@ -52,24 +52,11 @@ inline bool same(T actual, T expected) {
 // quiet NaN only.
 template <class T>
 std::vector<T> edge_values() {
-  const T integers_only = 1 / std::numeric_limits<T>::epsilon();
-  std::vector<T> positive = {0,
-                             kDenormal<T>,
-                             kSmallest<T>,
-                             T(0.25),
-                             T(0.5),
-                             T(0.75),
-                             1,
-                             T(1.5),
-                             2,
-                             T(2.5),
-                             3,
-                             T(3.5),
-                             7,
-                             T(1e10),
-                             T(2147483647),
-                             kLargest<T>,
-                             integers_only};
+  std::vector<T> positive = {0, kDenormal<T>, kSmallest<T>, kLargest<T> * T(0.375), kLargest<T>};
+  for (const double x : {0.25, 0.5, 0.75, 1.0, 1.5, 2.0, 2.5, 3.0, 3.5, 7.0, 1e10, 2147483647.0}) {
+    positive.push_back(static_cast<T>(x));
+  }
+  positive.push_back(1 / std::numeric_limits<T>::epsilon());  // from here on all are integers
   std::vector<T> values;
   for (const T x : positive) {
     for (const T near : {std::nextafter(x, T{-1}), x, std::nextafter(x, kLargest<T>)}) {

@@ -152,7 +152,7 @@ TEST(Images, WrittenByHandLoad) {
   // Written ones say what by_hand says, unused bytes apart.
   const Stream stream = load_memory(by_hand(2)).stream;
   Bytes expected = by_hand(2);
-  for (size_t unused : {1, 2, 3, 7, 10, 11, 18, 19}) expected[unused] = 0;
+  for (size_t unused : {1u, 2u, 3u, 7u, 10u, 11u, 18u, 19u}) expected[unused] = 0;
   EXPECT_EQ(image_of(stream), expected);
 }
 

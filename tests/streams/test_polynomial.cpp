@@ -71,7 +71,7 @@ TEST(PolynomialRemainder, LargeExponents) {
   // (x^(2^62))^2 by the squares of its terms.
   const auto half = poly_rem(uint64_t{1} << 62, p, 2);
   std::vector<uint64_t> square(2, 0);
-  for (uint64_t k = 0; k < 127; ++k) {
+  for (size_t k = 0; k < 127; ++k) {
     if ((half[k / 64] >> (k % 64) & 1) == 0) continue;
     const auto term = poly_rem(2 * k, p, 2);
     for (size_t w = 0; w < 2; ++w) square[w] ^= term[w];

@@ -58,7 +58,7 @@ Numbers<T> numbers_of(const Row<T>& row, const Batch<T>& batch, int i) {
 
 // Whether two results are the same: any NaN equals any other.
 template <class T>
-bool same(T x, T y) {
+bool equal_results(T x, T y) {
   if (std::isnan(x) || std::isnan(y)) return std::isnan(x) && std::isnan(y);
   return x == y && std::signbit(x) == std::signbit(y);
 }

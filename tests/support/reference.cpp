@@ -57,12 +57,6 @@ void power_3_2(Out out, In in, const Format&) {
   if (mpfr_zero_p(out[0])) mpfr_set_zero(out[0], +1);
 }
 
-// IEEE 754's powr: a NaN exponent gives NaN for 1 too, where MPFR's powr has 1.
-void power_of_positive(Out out, In in, const Format& format) {
-  if (mpfr_nan_p(in[1])) return mpfr_set_nan(out[0]);
-  two<mpfr_powr>(out, in, format);
-}
-
 // The exponents that have a kernel of their own go its way at zeros and negative numbers.
 void power_by_scalar(Out out, In in, const Format& format) {
   constexpr struct {
@@ -76,6 +70,12 @@ void power_by_scalar(Out out, In in, const Format& format) {
     }
   }
   two<mpfr_pow>(out, in, format);
+}
+
+// e^(y ln x): unlike pow, a NaN stays one whatever the other number.
+void power_of_nonnegative(Out out, In in, const Format& format) {
+  if (mpfr_nan_p(in[0]) || mpfr_nan_p(in[1])) return mpfr_set_nan(out[0]);
+  two<mpfr_powr>(out, in, format);
 }
 
 // The exponent of the binade.
@@ -194,7 +194,7 @@ const Reference Pow2o3{power_2_3, 1.0, 1.0, kSilent, nullptr, power_2_3_of};
 const Reference Pow3o2{power_3_2, 1.0, 1.0, codes({1}), nullptr, power_3_2_of};
 const Reference Pow{two<mpfr_pow>, 1.0, 0.6, codes({1, 3}), "pow", nullptr, Pairing::power};
 const Reference Powx{power_by_scalar, 1.0, 1.0, codes({1, 2, 3}), nullptr, nullptr, Pairing::power};
-const Reference Powr{power_of_positive, 1.0, 1.0, codes({1, 3, 4}), nullptr, nullptr, Pairing::power};
+const Reference Powr{power_of_nonnegative, 1.0, 1.0, codes({1, 3, 4}), nullptr, nullptr, Pairing::power};
 const Reference Hypot{two<mpfr_hypot>, 1.0, 1.0, kSilent, "hypot"};
 
 const Reference Add{two<mpfr_add>, 0.0, 0.0, kSilent, nullptr};

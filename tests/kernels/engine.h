@@ -1,0 +1,94 @@
+// The engine's tests run for every kernel of every function row: a new row brings its own.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "qor/vector_math.h"
+#include "tests/support/evaluate.h"
+#include "tests/support/reports.h"
+
+namespace qor::test {
+
+struct Kernel {
+  size_t row;  // in rows()
+  int slot;    // the first that the kernel serves
+};
+
+inline std::vector<Kernel> all_kernels() {
+  std::vector<Kernel> kernels;
+  for (size_t i = 0; i < rows().size(); ++i) {
+    for (int slot : std::visit([](const auto& row) { return row.distinct_slots(); }, rows()[i])) {
+      kernels.push_back({i, slot});
+    }
+  }
+  return kernels;
+}
+
+inline std::string kernel_name(const testing::TestParamInfo<Kernel>& info) {
+  const auto name = std::visit([](const auto& row) { return row.name(); }, rows()[info.param.row]);
+  constexpr const char* kSlots[slots] = {"LA", "HA", "EP"};
+  return name + "_" + kSlots[info.param.slot];
+}
+
+// Runs check(row, slot) with the row in its own type. Errors set the status and nothing else.
+class KernelTest : public testing::TestWithParam<Kernel> {
+ protected:
+  template <class Check>
+  void with_row(Check check) {
+    std::visit([&](const auto& row) { check(row, GetParam().slot); }, rows()[GetParam().row]);
+  }
+
+ private:
+  ModeScope quiet_{QOR_MODE_ERRORS_IGNORE};
+};
+
+#define QOR_FOR_ALL_KERNELS(Suite) \
+  INSTANTIATE_TEST_SUITE_P(Rows, Suite, testing::ValuesIn(all_kernels()), kernel_name)
+
+// Elements `first` to `first` + n of a batch as a batch.
+template <class T>
+Batch<T> piece(const Row<T>& row, const Batch<T>& batch, size_t first, size_t n) {
+  const auto parts = static_cast<size_t>(row.shape.input_parts);
+  Batch<T> part;
+  part.scalar = batch.scalar;
+  for (int k = 0; k < row.shape.inputs; ++k) {
+    const auto from = batch.in[k].begin() + static_cast<ptrdiff_t>(first * parts);
+    part.in[k].assign(from, from + static_cast<ptrdiff_t>(n * parts));
+  }
+  return part;
+}
+
+// A batch for tests of form: random elements with special ones strewn in, so that blocks with and
+// without lanes that need care occur, in every position.
+template <class T>
+Batch<T> mixed_batch(const Row<T>& row, size_t n) {
+  Arguments<T> arguments(row, 7);
+  Batch<T> batch = arguments.random(n);
+  const Batch<T> hard = arguments.hard();
+  const auto parts = static_cast<size_t>(row.shape.input_parts);
+  for (size_t i = 5; i < n; i += 1 + i % 11) {
+    for (int k = 0; k < row.shape.inputs; ++k) {
+      const size_t from = (i * 37) % (hard.in[k].size() / parts) * parts;
+      std::copy_n(&hard.in[k][from], parts, &batch.in[k][i * parts]);
+    }
+  }
+  return batch;
+}
+
+// Elements of results whose bits differ from those of `expected`; a NaN is its bits too.
+template <class T>
+testing::AssertionResult same_bits(const T* computed, const std::vector<T>& expected) {
+  for (size_t i = 0; i < expected.size(); ++i) {
+    if (std::memcmp(computed + i, &expected[i], sizeof(T)) != 0) {
+      return testing::AssertionFailure()
+             << "number " << i << " is " << computed[i] << ", not " << expected[i];
+    }
+  }
+  return testing::AssertionSuccess();
+}
+
+}  // namespace qor::test

@@ -1,0 +1,193 @@
+// Form: lengths, ends of vectors, places, strides. The bits of an element depend on its arguments
+// alone.
+
+#include "tests/kernels/engine.h"
+#include "tests/support/guarded.h"
+
+namespace qor::test {
+namespace {
+
+constexpr size_t kLongest = 67;  // more than the longest block and a tail
+
+class EngineMemory : public KernelTest {};
+
+// Vectors of a call between guard pages; results are the inputs' own memory when `in_place`.
+template <class T>
+class GuardedCall {
+ public:
+  GuardedCall(const Row<T>& row, size_t most)
+      : row_(row),
+        numbers_(most *
+                 static_cast<size_t>(std::max(row.shape.input_parts, row.shape.output_parts))) {}
+
+  // Runs the kernel on a batch whose vectors all start (or end) at a guard page.
+  testing::AssertionResult matches(int slot, const Batch<T>& batch, const Results<T>& expected,
+                                   bool at_end, bool in_place) {
+    Call<T> call = call_on(row_, batch);
+    std::array<T*, 2> in{};
+    for (size_t k = 0; k < 2; ++k) {
+      const size_t n = batch.in[k].size(), m = expected[k].size();
+      in[k] = at_end ? in_[k].last(n) : in_[k].first();
+      std::copy_n(batch.in[k].data(), n, in[k]);
+      call.in[k] = in[k];
+      call.out[k] = at_end ? out_[k].last(m) : out_[k].first();
+    }
+    if (in_place) call.out[0] = in[static_cast<size_t>(row_.shape.inputs - 1)];
+    row_.run(slot, call);
+    for (size_t k = 0; k < static_cast<size_t>(row_.shape.outputs); ++k) {
+      if (auto result = same_bits(call.out[k], expected[k]); !result) {
+        return result << " in output " << k << ", n = " << call.n;
+      }
+    }
+    return testing::AssertionSuccess();
+  }
+
+ private:
+  const Row<T>& row_;
+  size_t numbers_;
+  Guarded<T> in_[2]{Guarded<T>(numbers_), Guarded<T>(numbers_)};
+  Guarded<T> out_[2]{Guarded<T>(numbers_), Guarded<T>(numbers_)};
+};
+
+template <class T>
+Results<T> piece_of_results(const Row<T>& row, const Results<T>& results, size_t first, size_t n) {
+  Results<T> part;
+  const auto parts = static_cast<size_t>(row.shape.output_parts);
+  for (size_t k = 0; k < static_cast<size_t>(row.shape.outputs); ++k) {
+    const auto from = results[k].begin() + static_cast<ptrdiff_t>(first * parts);
+    part[k].assign(from, from + static_cast<ptrdiff_t>(n * parts));
+  }
+  return part;
+}
+
+// Every length from every start: no element outside is touched, all come out as in the whole run.
+TEST_P(EngineMemory, EveryLengthStaysInsideItsVectors) {
+  with_row([](const auto& row, int slot) {
+    using T = typename std::decay_t<decltype(row)>::Real;
+    const Batch<T> batch = mixed_batch(row, 2 * kLongest);
+    const Results<T> expected = run(row, slot, batch);
+    const bool in_place_fits = row.shape.input_parts == row.shape.output_parts;
+    GuardedCall<T> call(row, kLongest);
+    for (size_t n = 0; n <= kLongest; ++n) {
+      const size_t first = (n * 29) % kLongest;  // every element at many places
+      const Batch<T> part = piece(row, batch, first, n);
+      const Results<T> part_expected = piece_of_results(row, expected, first, n);
+      for (bool at_end : {false, true}) {
+        for (bool in_place : {false, true}) {
+          if (in_place && !in_place_fits) continue;
+          ASSERT_TRUE(call.matches(slot, part, part_expected, at_end, in_place))
+              << (in_place ? " in place" : "");
+        }
+      }
+    }
+  });
+}
+
+// Pointers aligned to an element only, each vector by its own offset.
+TEST_P(EngineMemory, AlignmentChangesNothing) {
+  with_row([](const auto& row, int slot) {
+    using T = typename std::decay_t<decltype(row)>::Real;
+    const Batch<T> batch = mixed_batch(row, kLongest);
+    const Results<T> expected = run(row, slot, batch);
+    for (size_t shift = 0; shift < 64 / sizeof(T); ++shift) {
+      Batch<T> shifted = batch;
+      Results<T> results;
+      Call<T> call = call_on(row, batch);
+      for (size_t k = 0; k < 2; ++k) {
+        const size_t offset = shift * (k + 1);
+        shifted.in[k].insert(shifted.in[k].begin(), offset, T(0));
+        call.in[k] = shifted.in[k].data() + offset;
+        results[k].resize(expected[k].size() + 3 * shift);
+        call.out[k] = results[k].data() + 3 * shift;
+      }
+      row.run(slot, call);
+      for (size_t k = 0; k < static_cast<size_t>(row.shape.outputs); ++k) {
+        ASSERT_TRUE(same_bits(call.out[k], expected[k])) << "shift " << shift;
+      }
+    }
+  });
+}
+
+// ---- Strides --------------------------------------------------------------------------------
+
+constexpr int kWidest = 3;
+constexpr size_t kStridedCount = 37;
+
+// A vector laid out with an increment in the middle of a field of canaries.
+template <class T>
+struct Field {
+  std::vector<T> numbers;
+  T* origin;
+  int increment, parts;
+
+  static T canary() { return static_cast<T>(-77.25); }
+  Field(int inc, int element_parts) : increment(inc), parts(element_parts) {
+    const size_t reach = kWidest * kStridedCount * static_cast<size_t>(parts);
+    numbers.assign(2 * reach, canary());
+    origin = numbers.data() + reach;
+  }
+  T* element(size_t i) { return origin + static_cast<ptrdiff_t>(i) * increment * parts; }
+};
+
+// Whether a field holds these elements (the last of them when the increment is 0), and canaries
+// elsewhere.
+template <class T>
+testing::AssertionResult holds(Field<T>& field, const std::vector<T>& elements) {
+  Field<T> expected(field.increment, field.parts);
+  for (size_t i = 0; i < kStridedCount; ++i) {
+    std::copy_n(&elements[i * static_cast<size_t>(field.parts)], field.parts, expected.element(i));
+  }
+  return same_bits(field.numbers.data(), expected.numbers);
+}
+
+template <class T>
+void expect_strided(const Row<T>& row, int slot, const Batch<T>& batch,
+                    const std::array<int, 2>& in_inc, const std::array<int, 2>& out_inc) {
+  Batch<T> seen = batch;  // an increment of 0 shows element 0 always
+  std::vector<Field<T>> in, out;
+  Call<T> call = call_on(row, batch);
+  for (size_t k = 0; k < 2; ++k) {
+    in.emplace_back(in_inc[k], row.shape.input_parts);
+    out.emplace_back(out_inc[k], row.shape.output_parts);
+    const auto parts = static_cast<size_t>(row.shape.input_parts);
+    for (size_t i = kStridedCount; i-- > 0 && k < static_cast<size_t>(row.shape.inputs);) {
+      std::copy_n(&batch.in[k][i * parts], parts, in[k].element(i));
+      if (in_inc[k] == 0) std::copy_n(&batch.in[k][0], parts, &seen.in[k][i * parts]);
+    }
+  }
+  for (size_t k = 0; k < 2; ++k) {
+    call.in[k] = in[k].origin;
+    call.out[k] = out[k].origin;
+  }
+  call.in_inc = in_inc;
+  call.out_inc = out_inc;
+  row.run_strided(slot, call);
+  const Results<T> expected = run(row, slot, seen);
+  for (size_t k = 0; k < static_cast<size_t>(row.shape.outputs); ++k) {
+    ASSERT_TRUE(holds(out[k], expected[k])) << "increments " << in_inc[0] << ' ' << in_inc[1]
+                                            << " -> " << out_inc[0] << ' ' << out_inc[1];
+  }
+}
+
+TEST_P(EngineMemory, StridedGivesTheBitsOfContiguous) {
+  with_row([](const auto& row, int slot) {
+    using T = typename std::decay_t<decltype(row)>::Real;
+    const Batch<T> batch = mixed_batch(row, kStridedCount);
+    const bool three = row.shape.inputs == 2 || row.shape.outputs == 2;
+    const bool second_in = row.shape.inputs == 2;
+    for (int a = -kWidest; a <= kWidest; ++a) {
+      for (int y = -kWidest; y <= kWidest; ++y) {
+        for (int third = three ? -kWidest : 1; third <= (three ? kWidest : 1); ++third) {
+          expect_strided<T>(row, slot, batch, {a, second_in ? third : 1},
+                            {y, second_in ? 1 : third});
+          if (testing::Test::HasFatalFailure()) return;
+        }
+      }
+    }
+  });
+}
+
+QOR_FOR_ALL_KERNELS(EngineMemory);
+
+}  // namespace
+}  // namespace qor::test
