@@ -5,7 +5,8 @@ find_package(Threads REQUIRED)
 # Warnings are errors for all code that is ours.
 add_library(qor_warnings INTERFACE)
 target_compile_options(qor_warnings INTERFACE
-  $<$<COMPILE_LANGUAGE:C,CXX>:-Wall -Wextra -Wconversion -Wshadow -Werror>
+  $<$<COMPILE_LANGUAGE:C,CXX>:-Wall -Wextra -Wconversion
+    -Wno-sign-conversion -Wshadow -Werror>
   # g++ 12 sees overlaps in its own std::string that cannot be (bug 105651).
   $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:GNU>>:-Wno-restrict>)
 

@@ -19,9 +19,7 @@ constexpr BoundaryCode kBoundaryCodes[] = {
 };
 
 // Types whose periodic end takes a value.
-bool periodic_takes_value(int64_t s_type) {
-  return s_type == 0 || s_type == 3;
-}
+bool periodic_takes_value(int64_t s_type) { return s_type == 0 || s_type == 3; }
 
 }  // namespace
 

@@ -11,9 +11,7 @@ namespace {
 
 constexpr int64_t kInternalConditionBit = 8;  // marks a condition beyond the listed codes
 
-bool is_edited_type(int64_t type) {
-  return (type >= 0 && type <= 5) || type == 9;
-}
+bool is_edited_type(int64_t type) { return (type >= 0 && type <= 5) || type == 9; }
 bool is_internal_condition(int64_t code) {
   return (code >= 0 && code <= 2) || (code & kInternalConditionBit) != 0;
 }

@@ -73,9 +73,7 @@ inline bool is_partition_form(int64_t xhint) {
   return xhint == 0 || xhint == QOR_DF_NON_UNIFORM || xhint == QOR_DF_QUASI_UNIFORM ||
          xhint == QOR_DF_UNIFORM_PARTITION;
 }
-inline bool is_uniform(const DFTask& task) {
-  return (task.xhint & QOR_DF_UNIFORM_PARTITION) != 0;
-}
+inline bool is_uniform(const DFTask& task) { return (task.xhint & QOR_DF_UNIFORM_PARTITION) != 0; }
 // Of functions and of coefficients.
 inline bool is_storage_form(int64_t hint) {
   return hint == QOR_DF_NO_HINT || hint == QOR_DF_BY_FUNCTION || hint == QOR_DF_INTERLEAVED ||

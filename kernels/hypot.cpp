@@ -29,14 +29,15 @@ template <class T>
 struct HypotConstants;
 template <>
 struct HypotConstants<float> {
-  static constexpr int32_t short_part = -0x80000;  // 5 bits: their square and sums are exact
-  static constexpr int32_t half_part = -0x1000;    // 12 bits: their square is exact
+  [[maybe_unused]] static constexpr int32_t short_part =
+      -0x80000;  // 5 bits: their square and sums are exact
+  [[maybe_unused]] static constexpr int32_t half_part = -0x1000;  // 12 bits: their square is exact
   static constexpr float series[] = {0x1.8p-2f, 0.5f};
 };
 template <>
 struct HypotConstants<double> {
-  static constexpr int64_t short_part = -0x400000000000;  // 7 bits
-  static constexpr int64_t half_part = -0x8000000;        // 26 bits
+  [[maybe_unused]] static constexpr int64_t short_part = -0x400000000000;  // 7 bits
+  [[maybe_unused]] static constexpr int64_t half_part = -0x8000000;        // 26 bits
   // (1 - e)^(-1/2) - 1, |e| < 2^-10, to 2^-52 of e
   static constexpr double series[] = {0x1.1800032338cbbp-2, 0x1.40000b13001d9p-2,
                                       0x1.80000000000f6p-2, 0x1.ffffffffffe71p-2};

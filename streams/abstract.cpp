@@ -186,12 +186,8 @@ int32_t __ostdBRngiAbstract(StreamState*, int32_t, double*, double, double) {
 int32_t __ostsBRngdAbstract(StreamState*, int32_t, float*, float, float) {
   return QOR_STREAM_WRONG_TYPE;
 }
-int32_t __ostiBRngdAbstract(StreamState*, int32_t, void*) {
-  return QOR_STREAM_WRONG_TYPE;
-}
+int32_t __ostiBRngdAbstract(StreamState*, int32_t, void*) { return QOR_STREAM_WRONG_TYPE; }
 int32_t __ostdBRngsAbstract(StreamState*, int32_t, double*, double, double) {
   return QOR_STREAM_WRONG_TYPE;
 }
-int32_t __ostiBRngsAbstract(StreamState*, int32_t, void*) {
-  return QOR_STREAM_WRONG_TYPE;
-}
+int32_t __ostiBRngsAbstract(StreamState*, int32_t, void*) { return QOR_STREAM_WRONG_TYPE; }

@@ -22,9 +22,7 @@ Word power(Word a, uint64_t e, Multiply multiply) {
   return result;
 }
 
-bool bit_of(const uint64_t* words, int32_t b) {
-  return (words[b / 64] >> (b % 64) & 1) != 0;
-}
+bool bit_of(const uint64_t* words, int32_t b) { return (words[b / 64] >> (b % 64) & 1) != 0; }
 
 // The modulus is a template argument so that no division is left.
 template <uint32_t m>

@@ -7,9 +7,7 @@
 
 namespace qor::streams {
 
-constexpr uint64_t mul_mod(uint32_t a, uint32_t b, uint32_t m) {
-  return uint64_t{a} * b % m;
-}
+constexpr uint64_t mul_mod(uint32_t a, uint32_t b, uint32_t m) { return uint64_t{a} * b % m; }
 
 // A matrix of residues by rows, and the transition matrix of a recurrence of order 3, whose bottom
 // row is the recurrence.

@@ -25,10 +25,6 @@ int32_t __ostCPUisAES() {
   return (features.edx & bit_SSE2) != 0 && (features.ecx & bit_AES) != 0;
 }
 
-int32_t __ostCPUisRDRAND() {
-  return (Features().ecx & bit_RDRND) != 0;
-}
+int32_t __ostCPUisRDRAND() { return (Features().ecx & bit_RDRND) != 0; }
 
-int32_t __ostCPUisVAES() {
-  return qor_serv_cpu_feature_test(kVectorAesFeature);
-}
+int32_t __ostCPUisVAES() { return qor_serv_cpu_feature_test(kVectorAesFeature); }

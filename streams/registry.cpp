@@ -138,9 +138,7 @@ int32_t __ostGetBrngProperties(int32_t id, BrngProperties* properties) {
   return QOR_STREAM_OK;
 }
 
-int32_t __ostGetNumRegBrngs() {
-  return rows_in_use;
-}
+int32_t __ostGetNumRegBrngs() { return rows_in_use; }
 
 int32_t __ostRegisterBrng(const BrngProperties* properties) {
   const BrngProperties& p = *properties;

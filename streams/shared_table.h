@@ -5,9 +5,7 @@
 
 namespace qor::streams {
 
-inline bool is_none(const qor_shared_id& id) {
-  return id.time == 0 && id.number == 0;
-}
+inline bool is_none(const qor_shared_id& id) { return id.time == 0 && id.number == 0; }
 
 // Lets the chunk hold the data that is registered under its identifier, or registers the chunk's
 // own data. With 127 entries in use nothing is added: the identifier is cleared and the data stays

@@ -72,9 +72,7 @@ int32_t __ostDeleteStream(StreamState** stream) {
   return QOR_STREAM_OK;
 }
 
-int32_t __ostGetStreamStateBrng(const StreamState* stream) {
-  return stream->brng;
-}
+int32_t __ostGetStreamStateBrng(const StreamState* stream) { return stream->brng; }
 
 int32_t __ostLeapfrogStream(StreamState* stream, int32_t k, int32_t nstreams) {
   if (nstreams < 0) return QOR_STREAM_BAD_STRIDE;

@@ -76,9 +76,7 @@ std::vector<uint32_t> prime_factors(uint32_t n) {
   return factors;
 }
 
-bool is_prime(uint32_t n) {
-  return n > 1 && prime_factors(n) == std::vector{n};
-}
+bool is_prime(uint32_t n) { return n > 1 && prime_factors(n) == std::vector{n}; }
 
 uint32_t power_mod(uint64_t a, uint32_t e, uint32_t m) {
   uint64_t result = 1;

@@ -24,14 +24,10 @@ void run_team(int64_t threads, void* context, qor_team_routine routine) {
   for (int64_t member = 0; member < threads; ++member) routine(member, 0, threads, context);
 }
 
-int64_t thread_count() {
-  return omp_get_max_threads();
-}
+int64_t thread_count() { return omp_get_max_threads(); }
 
 constexpr ThreadHook kTeam = {run_items, run_items, run_team, nullptr, thread_count};
 
 }  // namespace
 
-const ThreadHook* qor_team_openmp() {
-  return &kTeam;
-}
+const ThreadHook* qor_team_openmp() { return &kTeam; }

@@ -31,35 +31,35 @@ extern "C" {
 
 enum {
   QOR_STREAM_OK = 0,
-  QOR_STREAM_BAD_METHOD = -2,           /* initStream: a method other than 0 to 3 */
-  QOR_STREAM_BAD_ARGUMENTS = -3,        /* abstract streams: no ring, no callback, empty interval */
-  QOR_STREAM_NO_MEMORY = -4,            /* an allocation failed, or the registry is full */
-  QOR_STREAM_NULL_POINTER = -5,         /* a registered row lacks a function; a ring without buffer */
-  QOR_STREAM_BAD_GENERATOR = -1000,     /* no generator has this identifier */
-  QOR_STREAM_NO_LEAPFROG = -1002,       /* the generator does not offer it */
-  QOR_STREAM_NO_SKIP_AHEAD = -1003,     /* likewise */
-  QOR_STREAM_NO_SKIP_AHEAD_EX = -1004,  /* likewise */
-  QOR_STREAM_BAD_STATE_BYTES = -1008,   /* registration: stateBytes negative */
-  QOR_STREAM_BAD_WORD_BYTES = -1009,    /* registration: wordBytes none of 4, 8, 16 */
-  QOR_STREAM_BAD_SEED_WORDS = -1010,    /* registration: seedWords below 1 */
-  QOR_STREAM_BAD_WORD_BITS = -1011,     /* registration: wordBits below 1 */
-  QOR_STREAM_SEQUENCE_ENDS = -1012,     /* quasi-random: the index would pass 2^32 - 1 */
-  QOR_STREAM_BAD_STRIDE = -1013,        /* leapfrog: nstreams negative */
-  QOR_STREAM_NO_FULL_WORDS = -1014,     /* UniformBits32, 64: the words have too few bits */
-  QOR_STREAM_FILE_CLOSE = -1100,        /* closing the file failed */
-  QOR_STREAM_FILE_OPEN = -1101,         /* opening the file failed */
-  QOR_STREAM_FILE_WRITE = -1102,        /* a write failed */
-  QOR_STREAM_FILE_READ = -1103,         /* the image ends early, or has chunks of an unknown form */
-  QOR_STREAM_BAD_FILE = -1110,          /* no stream image, or one of another size */
-  QOR_STREAM_CALLBACK_COUNT = -1120,    /* abstract: the callback's count is negative or too large */
-  QOR_STREAM_CALLBACK_EMPTY = -1121,    /* abstract: the callback gave nothing */
-  QOR_STREAM_WRONG_TYPE = -1122,        /* abstract: an output function of another type */
-  QOR_STREAM_NO_RDRAND = -1130,         /* the processor lacks RDRAND */
-  QOR_STREAM_RDRAND_FAILED = -1131,     /* RDRAND failed past the retry limit */
-  QOR_STREAM_NO_AES = -1140,            /* the processor lacks the AES rounds */
-  QOR_STREAM_BAD_IMAGE = -1200,         /* -1110 of an image in memory */
-  QOR_STREAM_NO_SHARED_ENTRY = -3000,   /* shared data: no such entry, or a null identifier */
-  QOR_STREAM_SHARED_TABLE_FULL = -3001  /* shared data: all 128 entries are in use */
+  QOR_STREAM_BAD_METHOD = -2,       /* initStream: a method other than 0 to 3 */
+  QOR_STREAM_BAD_ARGUMENTS = -3,    /* abstract streams: no ring, no callback, empty interval */
+  QOR_STREAM_NO_MEMORY = -4,        /* an allocation failed, or the registry is full */
+  QOR_STREAM_NULL_POINTER = -5,     /* a registered row lacks a function; a ring without buffer */
+  QOR_STREAM_BAD_GENERATOR = -1000, /* no generator has this identifier */
+  QOR_STREAM_NO_LEAPFROG = -1002,   /* the generator does not offer it */
+  QOR_STREAM_NO_SKIP_AHEAD = -1003, /* likewise */
+  QOR_STREAM_NO_SKIP_AHEAD_EX = -1004, /* likewise */
+  QOR_STREAM_BAD_STATE_BYTES = -1008,  /* registration: stateBytes negative */
+  QOR_STREAM_BAD_WORD_BYTES = -1009,   /* registration: wordBytes none of 4, 8, 16 */
+  QOR_STREAM_BAD_SEED_WORDS = -1010,   /* registration: seedWords below 1 */
+  QOR_STREAM_BAD_WORD_BITS = -1011,    /* registration: wordBits below 1 */
+  QOR_STREAM_SEQUENCE_ENDS = -1012,    /* quasi-random: the index would pass 2^32 - 1 */
+  QOR_STREAM_BAD_STRIDE = -1013,       /* leapfrog: nstreams negative */
+  QOR_STREAM_NO_FULL_WORDS = -1014,    /* UniformBits32, 64: the words have too few bits */
+  QOR_STREAM_FILE_CLOSE = -1100,       /* closing the file failed */
+  QOR_STREAM_FILE_OPEN = -1101,        /* opening the file failed */
+  QOR_STREAM_FILE_WRITE = -1102,       /* a write failed */
+  QOR_STREAM_FILE_READ = -1103,        /* the image ends early, or has chunks of an unknown form */
+  QOR_STREAM_BAD_FILE = -1110,         /* no stream image, or one of another size */
+  QOR_STREAM_CALLBACK_COUNT = -1120,   /* abstract: the callback's count is negative or too large */
+  QOR_STREAM_CALLBACK_EMPTY = -1121,   /* abstract: the callback gave nothing */
+  QOR_STREAM_WRONG_TYPE = -1122,       /* abstract: an output function of another type */
+  QOR_STREAM_NO_RDRAND = -1130,        /* the processor lacks RDRAND */
+  QOR_STREAM_RDRAND_FAILED = -1131,    /* RDRAND failed past the retry limit */
+  QOR_STREAM_NO_AES = -1140,           /* the processor lacks the AES rounds */
+  QOR_STREAM_BAD_IMAGE = -1200,        /* -1110 of an image in memory */
+  QOR_STREAM_NO_SHARED_ENTRY = -3000,  /* shared data: no such entry, or a null identifier */
+  QOR_STREAM_SHARED_TABLE_FULL = -3001 /* shared data: all 128 entries are in use */
 };
 
 /* ---- Record and registry -------------------------------------------------------------------- */
@@ -107,15 +107,15 @@ enum {
   QOR_BRNG_SKIP_AHEAD = 2,
   QOR_BRNG_SKIP_AHEAD_EX = 3
 };
-typedef int32_t (*qor_init_stream)(int32_t method, StreamState *stream, int32_t n,
-                                   const void *params);
+typedef int32_t (*qor_init_stream)(int32_t method, StreamState* stream, int32_t n,
+                                   const void* params);
 
 /* Output functions. They write n reals in the interval from a to b, or n words of wordBytes bytes,
    to r and move the state on by as many. n is at least 1 (0 writes nothing here). How a sequence is
    cut into calls does not change it. */
-typedef int32_t (*qor_s_brng)(StreamState *stream, int32_t n, float *r, float a, float b);
-typedef int32_t (*qor_d_brng)(StreamState *stream, int32_t n, double *r, double a, double b);
-typedef int32_t (*qor_i_brng)(StreamState *stream, int32_t n, void *r);
+typedef int32_t (*qor_s_brng)(StreamState* stream, int32_t n, float* r, float a, float b);
+typedef int32_t (*qor_d_brng)(StreamState* stream, int32_t n, double* r, double a, double b);
+typedef int32_t (*qor_i_brng)(StreamState* stream, int32_t n, void* r);
 
 /* A row of the registry. */
 typedef struct BrngProperties {
@@ -136,14 +136,14 @@ extern QOR_API_DATA BrngProperties __RegBrngsNew[QOR_BRNG_ROWS]; /* 16 rows, the
 
 /* Returns the base of the table that holds `id`, its row and its number within a family. Validates
    nothing. */
-QOR_API BrngProperties *__ostGetBrngBaseOffset(int32_t id, int32_t *row, int32_t *sub);
+QOR_API BrngProperties* __ostGetBrngBaseOffset(int32_t id, int32_t* row, int32_t* sub);
 
 /* 0 or -1000. For __RegBrngs any row below 281 will do, as it always has; 279 and 280 are empty and
    streams of them are refused at creation. */
-QOR_API int32_t __ostIsBrngValid(const BrngProperties *table, int32_t row, int32_t sub);
+QOR_API int32_t __ostIsBrngValid(const BrngProperties* table, int32_t row, int32_t sub);
 
 /* Copies the row of `id` out; -1000 leaves the output alone. */
-QOR_API int32_t __ostGetBrngProperties(int32_t id, BrngProperties *properties);
+QOR_API int32_t __ostGetBrngProperties(int32_t id, BrngProperties* properties);
 
 /* The number of rows in use in __RegBrngsNew. */
 QOR_API int32_t __ostGetNumRegBrngs(void);
@@ -151,50 +151,50 @@ QOR_API int32_t __ostGetNumRegBrngs(void);
 /* Adds a generator to __RegBrngsNew. Returns its identifier (positive), or -1008, -1009, -1010,
    -1011, -5 for the first field found wrong, -4 when all 512 rows are in use. Not to be called
    while another thread uses this function or looks rows up. */
-QOR_API int32_t __ostRegisterBrng(const BrngProperties *properties);
+QOR_API int32_t __ostRegisterBrng(const BrngProperties* properties);
 
 /* ---- Life of a stream ----------------------------------------------------------------------- */
 
 /* Makes a stream of generator `id` from n initial values. -1000 leaves *stream alone, -4 sets it to
    null; any other failure is that of the generator, and the stream is there and must be deleted.
    Abstract streams have entries of their own, below. */
-QOR_API int32_t __ostNewStreamEx(StreamState **stream, int32_t id, int32_t n,
-                                 const uint32_t *params);
+QOR_API int32_t __ostNewStreamEx(StreamState** stream, int32_t id, int32_t n,
+                                 const uint32_t* params);
 
 /* Makes a record whose generator state is not filled in yet. -1000 leaves *stream alone, -4 sets it
    to null. */
-QOR_API int32_t __ostAllocateStream(StreamState **stream, const BrngProperties *table, int32_t id,
+QOR_API int32_t __ostAllocateStream(StreamState** stream, const BrngProperties* table, int32_t id,
                                     int32_t row, int32_t sub);
 
 /* Makes a copy with all chunks, those in reverse order. -1000 leaves *stream alone, -4 sets it to
    null, or, when it was a chunk that found no room, to a stream without chunks. */
-QOR_API int32_t __ostCopyStream(StreamState **stream, const StreamState *source);
+QOR_API int32_t __ostCopyStream(StreamState** stream, const StreamState* source);
 
 /* Copies the recurrence state (wordBytes * seedWords bytes of it) and replaces the chunks. What a
    leapfrog changed beyond the recurrence state, as a multiplier, stays that of the destination. The
    two streams must be of one generator, which is not tested. 0 or -4. */
-QOR_API int32_t __ostCopyStreamState(StreamState *destination, const StreamState *source);
+QOR_API int32_t __ostCopyStreamState(StreamState* destination, const StreamState* source);
 
 /* Frees the stream and its chunks and sets *stream to null. Always 0. */
-QOR_API int32_t __ostDeleteStream(StreamState **stream);
+QOR_API int32_t __ostDeleteStream(StreamState** stream);
 
 /* The identifier. */
-QOR_API int32_t __ostGetStreamStateBrng(const StreamState *stream);
+QOR_API int32_t __ostGetStreamStateBrng(const StreamState* stream);
 
 /* The bytes of the stream's image, see below. */
-QOR_API int32_t __ostGetStreamSize(const StreamState *stream);
+QOR_API int32_t __ostGetStreamSize(const StreamState* stream);
 
 /* ---- Skip-ahead and leapfrog ---------------------------------------------------------------- */
 
 /* Lets the stream deliver every nstreams-th of its outputs, from offset k on. -1013 when nstreams
    is negative, -1002 when the generator does not offer it. */
-QOR_API int32_t __ostLeapfrogStream(StreamState *stream, int32_t k, int32_t nstreams);
+QOR_API int32_t __ostLeapfrogStream(StreamState* stream, int32_t k, int32_t nstreams);
 
 /* Moves the stream on by nskip outputs. -1003 when the generator does not offer it, -4. */
-QOR_API int32_t __ostSkipAheadStream(StreamState *stream, uint64_t nskip);
+QOR_API int32_t __ostSkipAheadStream(StreamState* stream, uint64_t nskip);
 
 /* The same with a count of n words, least significant first. -1004, -4. */
-QOR_API int32_t __ostSkipAheadStreamEx(StreamState *stream, int32_t n, const uint64_t *nskip);
+QOR_API int32_t __ostSkipAheadStreamEx(StreamState* stream, int32_t n, const uint64_t* nskip);
 
 /* a^e mod m; 1 for e = 0. */
 QOR_API uint32_t __ostiPowMod(uint32_t a, uint64_t e, uint32_t m);
@@ -203,47 +203,47 @@ QOR_API uint64_t __ostiPowMod2P59(uint64_t a, uint64_t e);   /* m = 2^59 */
 
 /* v = A^e v mod m, where A is the 3 by 3 companion matrix with rows (0, 1, 0), (0, 0, 1) and `row`.
    All values are residues below m. */
-QOR_API void __ostiVect3PowMod(uint32_t *v, const uint32_t *row, uint32_t m, uint64_t e);
+QOR_API void __ostiVect3PowMod(uint32_t* v, const uint32_t* row, uint32_t m, uint64_t e);
 
 /* The same with an exponent of n words, least significant first. 0, or -4 with v unchanged. */
-QOR_API int32_t __ostiVect3PowArrayMod(uint32_t *v, const uint32_t *row, uint32_t m, int32_t n,
-                                       const uint64_t *nskip);
+QOR_API int32_t __ostiVect3PowArrayMod(uint32_t* v, const uint32_t* row, uint32_t m, int32_t n,
+                                       const uint64_t* nskip);
 
 /* v = table[b] v for every set bit b of the n words of nskip, modulo 2^32 - 209 (M1) and 2^32 -
    22853 (M2). table[b] is a matrix of 9 words, by rows. */
-QOR_API void __ostiVect3PowArrayMod_M1(uint32_t *v, int32_t n, const uint64_t *nskip,
-                                       const uint32_t *table);
-QOR_API void __ostiVect3PowArrayMod_M2(uint32_t *v, int32_t n, const uint64_t *nskip,
-                                       const uint32_t *table);
+QOR_API void __ostiVect3PowArrayMod_M1(uint32_t* v, int32_t n, const uint64_t* nskip,
+                                       const uint32_t* table);
+QOR_API void __ostiVect3PowArrayMod_M2(uint32_t* v, int32_t n, const uint64_t* nskip,
+                                       const uint32_t* table);
 
 /* x^nskip mod p over GF(2), where p has the given exponents, in increasing order, `degree` last.
    out: `words` 64-bit words, at least degree bits, least significant first. 0 or -4. */
 QOR_API int32_t __ostPolyRem(uint64_t nskip, int32_t degree, int32_t terms,
-                             const int32_t *exponents, int32_t words, uint64_t *out);
+                             const int32_t* exponents, int32_t words, uint64_t* out);
 
 /* Skip-ahead of a generator whose step F is linear over GF(2) and has the characteristic polynomial
    p: the state becomes (x^nskip mod p)(F) of itself. By Horner's scheme, or with a window of eight
    bits, which costs 136 records of memory and saves most of the additions. The operations are the
    generator's. N ring words: the polynomial gets as many 64-bit words. 0 or -4; a failure leaves
    what `prepare` did. */
-typedef void (*qor_ring_zero)(StreamState *x);
-typedef void (*qor_ring_add)(StreamState *x, const StreamState *y); /* x = x + y, aligned on x */
-typedef void (*qor_ring_copy)(StreamState *x, const StreamState *y);
-typedef void (*qor_ring_step)(StreamState *x);
-typedef void (*qor_ring_finish)(StreamState *stream, const StreamState *x, int32_t remainder);
+typedef void (*qor_ring_zero)(StreamState* x);
+typedef void (*qor_ring_add)(StreamState* x, const StreamState* y); /* x = x + y, aligned on x */
+typedef void (*qor_ring_copy)(StreamState* x, const StreamState* y);
+typedef void (*qor_ring_step)(StreamState* x);
+typedef void (*qor_ring_finish)(StreamState* stream, const StreamState* x, int32_t remainder);
 /* 0: the stream stands where it should; 1: *nskip steps are still to do. */
-typedef int32_t (*qor_ring_prepare)(StreamState *stream, uint64_t *nskip, int32_t *remainder);
+typedef int32_t (*qor_ring_prepare)(StreamState* stream, uint64_t* nskip, int32_t* remainder);
 
-QOR_API int32_t __ost_SkipAheadHorner(StreamState *stream, qor_ring_zero zero, qor_ring_add add,
+QOR_API int32_t __ost_SkipAheadHorner(StreamState* stream, qor_ring_zero zero, qor_ring_add add,
                                       qor_ring_copy copy, qor_ring_step step,
                                       qor_ring_finish finish, qor_ring_prepare prepare,
-                                      uint64_t nskip, int32_t N, int32_t degree,
-                                      int32_t stateBytes, int32_t terms, const int32_t *exponents);
-QOR_API int32_t __ost_SkipAheadSWin(StreamState *stream, qor_ring_zero zero, qor_ring_add add,
+                                      uint64_t nskip, int32_t N, int32_t degree, int32_t stateBytes,
+                                      int32_t terms, const int32_t* exponents);
+QOR_API int32_t __ost_SkipAheadSWin(StreamState* stream, qor_ring_zero zero, qor_ring_add add,
                                     qor_ring_copy copy, qor_ring_step step, qor_ring_finish finish,
                                     qor_ring_prepare prepare, uint64_t nskip, int32_t N,
                                     int32_t degree, int32_t stateBytes, int32_t terms,
-                                    const int32_t *exponents);
+                                    const int32_t* exponents);
 
 /* ---- Saving and loading --------------------------------------------------------------------- */
 
@@ -251,13 +251,13 @@ QOR_API int32_t __ost_SkipAheadSWin(StreamState *stream, qor_ring_zero zero, qor
    the format. `name` has `length` bytes, or ends with a zero when length is negative. All four
    return 0 or one of -4, -1100 to -1110, -1130, -1200; a load that fails sets *stream to null. A
    loaded stream has its chunks in reverse order. */
-QOR_API int32_t __ostSaveStreamF(const StreamState *stream, const char *name, int32_t length);
-QOR_API int32_t __ostLoadStreamF(StreamState **stream, const char *name, int32_t length);
+QOR_API int32_t __ostSaveStreamF(const StreamState* stream, const char* name, int32_t length);
+QOR_API int32_t __ostLoadStreamF(StreamState** stream, const char* name, int32_t length);
 
 /* `memory` holds __ostGetStreamSize bytes at least; there is no test. Always 0. */
-QOR_API int32_t __ostSaveStreamM(const StreamState *stream, void *memory);
+QOR_API int32_t __ostSaveStreamM(const StreamState* stream, void* memory);
 /* The image's own sizes are all that is known of its length. */
-QOR_API int32_t __ostLoadStreamM(StreamState **stream, const void *memory);
+QOR_API int32_t __ostLoadStreamM(StreamState** stream, const void* memory);
 
 /* ---- Chunks and shared data ----------------------------------------------------------------- */
 
@@ -270,47 +270,47 @@ typedef struct qor_shared_id {
 typedef struct StreamChunk {
   int32_t id;
   uint32_t size; /* bytes of data */
-  void *data;
-  struct StreamChunk *next;
+  void* data;
+  struct StreamChunk* next;
   qor_shared_id shared; /* all zero: the data is this chunk's own */
 } StreamChunk;
 
 /* Adds a chunk at the head of the list. `data`, a block of qor_serv_allocate, belongs to the stream
    from then on; with a shared identifier, the data that is registered under it is taken instead, if
    there is any, and `data` stays with the caller. 0, or -4 with everything as before. */
-QOR_API int32_t __ostAddChunk(StreamState *stream, int32_t id, const qor_shared_id *shared,
-                              void *data, uint32_t size);
+QOR_API int32_t __ostAddChunk(StreamState* stream, int32_t id, const qor_shared_id* shared,
+                              void* data, uint32_t size);
 /* The data of the chunk with this id that was added last, or null. */
-QOR_API void *__ostSearchChunk(const StreamState *stream, int32_t id);
-QOR_API int32_t __ostGetNumChunks(const StreamState *stream);
+QOR_API void* __ostSearchChunk(const StreamState* stream, int32_t id);
+QOR_API int32_t __ostGetNumChunks(const StreamState* stream);
 /* Always 0. */
-QOR_API int32_t __ostDeleteChunks(StreamState *stream);
+QOR_API int32_t __ostDeleteChunks(StreamState* stream);
 /* Always 0. The list then starts with the last chunk that stayed: of several, the others are cut
    off. For lists that keep one chunk at most. */
-QOR_API int32_t __ostDeleteChunksById(StreamState *stream, int32_t id);
+QOR_API int32_t __ostDeleteChunksById(StreamState* stream, int32_t id);
 /* Adds copies of all chunks, which reverses their order. 0, or -4 with no chunk left at the
    destination. */
-QOR_API int32_t __ostCopyChunks(StreamState *destination, const StreamState *source);
+QOR_API int32_t __ostCopyChunks(StreamState* destination, const StreamState* source);
 
 /* An entry of the table of shared read-only data. The table is locked in each of these functions;
    an entry's address holds good while the caller owns a reference and nobody else lets one go. */
 typedef struct qor_shared_entry {
   qor_shared_id id;
   uint32_t references; /* chunks that hold the data */
-  void *data;
+  void* data;
   uint32_t size; /* bytes of data, 0 when they were not told */
 } qor_shared_entry;
 
-QOR_API int32_t __ostFindGlobRODataTableEntry(qor_shared_entry **entry, const qor_shared_id *id);
+QOR_API int32_t __ostFindGlobRODataTableEntry(qor_shared_entry** entry, const qor_shared_id* id);
 /* An entry with one reference. -3001, with *entry left alone, when 128 are in use. */
-QOR_API int32_t __ostCreateGlobRODataTableEntry(qor_shared_entry **entry, const qor_shared_id *id,
-                                                void *data);
+QOR_API int32_t __ostCreateGlobRODataTableEntry(qor_shared_entry** entry, const qor_shared_id* id,
+                                                void* data);
 /* Lets the chunk hold the data of the entry `id`; nothing when there is none. Always 0. */
-QOR_API int32_t __ostRegisterGlobRODataReference(StreamChunk *chunk, const qor_shared_id *id);
+QOR_API int32_t __ostRegisterGlobRODataReference(StreamChunk* chunk, const qor_shared_id* id);
 /* Takes a reference from the entry `id`; at 0 the data is freed and the entry goes. Always 0. */
-QOR_API int32_t __ostUnregisterGlobRODataReference(const qor_shared_id *id);
+QOR_API int32_t __ostUnregisterGlobRODataReference(const qor_shared_id* id);
 /* An identifier that no entry has: a time stamp and x, sign-extended. Always 0. */
-QOR_API int32_t __ostGenerateNewGlobalRODataTableEntryId(qor_shared_id *id, int32_t x);
+QOR_API int32_t __ostGenerateNewGlobalRODataTableEntryId(qor_shared_id* id, int32_t x);
 
 /* ---- Abstract streams ----------------------------------------------------------------------- */
 
@@ -319,20 +319,20 @@ QOR_API int32_t __ostGenerateNewGlobalRODataTableEntryId(qor_shared_id *id, int3
    from element *position on, going round at *n, and returns how many; fewer than *wanted makes it
    be called again. It runs on the caller's thread, inside the output function. The last element
    type is that of the ring: uint32_t, double or float. */
-typedef int32_t (*qor_ring_refill_i)(StreamState *stream, int32_t *n, uint32_t *buffer,
-                                     int32_t *wanted, int32_t *room, int32_t *position);
-typedef int32_t (*qor_ring_refill_d)(StreamState *stream, int32_t *n, double *buffer,
-                                     int32_t *wanted, int32_t *room, int32_t *position);
-typedef int32_t (*qor_ring_refill_s)(StreamState *stream, int32_t *n, float *buffer,
-                                     int32_t *wanted, int32_t *room, int32_t *position);
+typedef int32_t (*qor_ring_refill_i)(StreamState* stream, int32_t* n, uint32_t* buffer,
+                                     int32_t* wanted, int32_t* room, int32_t* position);
+typedef int32_t (*qor_ring_refill_d)(StreamState* stream, int32_t* n, double* buffer,
+                                     int32_t* wanted, int32_t* room, int32_t* position);
+typedef int32_t (*qor_ring_refill_s)(StreamState* stream, int32_t* n, float* buffer,
+                                     int32_t* wanted, int32_t* room, int32_t* position);
 
 /* The ring's reals lie between A and B; output is mapped from there. -3 when n is 0, a pointer is
    null or A is at or above B; -4. */
-QOR_API int32_t __ostiNewAbstractStream(StreamState **stream, int32_t n, uint32_t *buffer,
+QOR_API int32_t __ostiNewAbstractStream(StreamState** stream, int32_t n, uint32_t* buffer,
                                         qor_ring_refill_i callback);
-QOR_API int32_t __ostdNewAbstractStream(StreamState **stream, int32_t n, double *buffer, double A,
+QOR_API int32_t __ostdNewAbstractStream(StreamState** stream, int32_t n, double* buffer, double A,
                                         double B, qor_ring_refill_d callback);
-QOR_API int32_t __ostsNewAbstractStream(StreamState **stream, int32_t n, float *buffer, float A,
+QOR_API int32_t __ostsNewAbstractStream(StreamState** stream, int32_t n, float* buffer, float A,
                                         float B, qor_ring_refill_s callback);
 
 /* ---- Generators ----------------------------------------------------------------------------- */

@@ -21,9 +21,7 @@ struct State {
 };
 static_assert(sizeof(State) == 1008);
 
-uint32_t next(uint32_t index) {
-  return index + 1 < kRing ? index + 1 : 0;
-}
+uint32_t next(uint32_t index) { return index + 1 < kRing ? index + 1 : 0; }
 
 // Words in place in the ring: calls of less than a ring.
 void step_in_ring(State& s, int32_t n, void* r) {

@@ -91,12 +91,8 @@ struct Constants {
 // place(j, s): the two outputs want different orders.
 constexpr int kSteps = 16;
 
-constexpr int by_generator(int j, int s) {
-  return j * kSteps + s;
-}
-constexpr int by_step(int j, int s) {
-  return 4 * s + j;
-}
+constexpr int by_generator(int j, int s) { return j * kSteps + s; }
+constexpr int by_step(int j, int s) { return 4 * s + j; }
 
 template <int (*place)(int, int)>
 struct Block {

@@ -38,9 +38,7 @@ inline Wide mul_low(Wide a, Wide b) {
 #endif
 }
 
-inline Wide wide(uint64_t value) {
-  return value - Wide{};
-}
+inline Wide wide(uint64_t value) { return value - Wide{}; }
 
 inline WideReal load_wide(const double* from) {
   WideReal v;

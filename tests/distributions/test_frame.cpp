@@ -18,16 +18,10 @@ uint16_t x87_status() {
   asm volatile("fnstsw %0" : "=m"(word));
   return word;
 }
-void set_x87_control(uint16_t word) {
-  asm volatile("fldcw %0" : : "m"(word));
-}
+void set_x87_control(uint16_t word) { asm volatile("fldcw %0" : : "m"(word)); }
 
-int32_t substitute(ErrorContext*) {
-  return 0;
-}
-int32_t callers(ErrorContext*) {
-  return 1;
-}
+int32_t substitute(ErrorContext*) { return 0; }
+int32_t callers(ErrorContext*) { return 1; }
 
 TEST(FloatingPointFrame, MasksInsideAndRestores) {
   const uint16_t x87 = x87_control();

@@ -22,12 +22,8 @@ void pass_on(const char* name, int64_t* info, Arguments... arguments) {
 
 }  // namespace
 
-FailingSolver::FailingSolver(int failing) {
-  calls_to_failure = failing;
-}
-FailingSolver::~FailingSolver() {
-  calls_to_failure = kNever;
-}
+FailingSolver::FailingSolver(int failing) { calls_to_failure = failing; }
+FailingSolver::~FailingSolver() { calls_to_failure = kNever; }
 
 }  // namespace qor::test
 

@@ -20,9 +20,7 @@ EndCondition end_condition(int64_t bc_type, bool left, Wide value) {
   return {bits != 0 ? 2 : -1, value};
 }
 
-Wide slope(const SplineData& s, size_t i) {
-  return (s.y[i + 1] - s.y[i]) / (s.x[i + 1] - s.x[i]);
-}
+Wide slope(const SplineData& s, size_t i) { return (s.y[i + 1] - s.y[i]) / (s.x[i + 1] - s.x[i]); }
 
 // The derivative at point i of the parabola through points l, i, r at distances h and k.
 Wide parabola(Wide before, Wide behind, Wide h, Wide k) {

@@ -9,9 +9,7 @@ namespace {
 
 constexpr size_t kLimit = 1 << 20;
 
-bool is_abstract(int32_t brng) {
-  return brng >= QOR_BRNG_IABSTRACT && brng <= QOR_BRNG_SABSTRACT;
-}
+bool is_abstract(int32_t brng) { return brng >= QOR_BRNG_IABSTRACT && brng <= QOR_BRNG_SABSTRACT; }
 
 // The image of a loaded stream loads too, and draws.
 void use(StreamState* stream) {

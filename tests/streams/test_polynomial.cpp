@@ -97,12 +97,8 @@ struct Register {
   int32_t index;  // of the oldest word
 };
 
-Register& ring(StreamState* s) {
-  return *reinterpret_cast<Register*>(s);
-}
-const Register& ring(const StreamState* s) {
-  return *reinterpret_cast<const Register*>(s);
-}
+Register& ring(StreamState* s) { return *reinterpret_cast<Register*>(s); }
+const Register& ring(const StreamState* s) { return *reinterpret_cast<const Register*>(s); }
 
 void zero(StreamState* x) {
   std::fill_n(ring(x).w, kWords, 0);

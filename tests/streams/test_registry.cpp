@@ -179,18 +179,10 @@ TEST(Streams, AllocationFailures) {
 }
 
 // A generator of the test's own, with a record that is only a head.
-int32_t counting_init(int32_t, StreamState*, int32_t, const void*) {
-  return 0;
-}
-int32_t fill_s(StreamState*, int32_t, float*, float, float) {
-  return 5;
-}
-int32_t fill_d(StreamState*, int32_t, double*, double, double) {
-  return 5;
-}
-int32_t fill_i(StreamState*, int32_t, void*) {
-  return 5;
-}
+int32_t counting_init(int32_t, StreamState*, int32_t, const void*) { return 0; }
+int32_t fill_s(StreamState*, int32_t, float*, float, float) { return 5; }
+int32_t fill_d(StreamState*, int32_t, double*, double, double) { return 5; }
+int32_t fill_i(StreamState*, int32_t, void*) { return 5; }
 
 TEST(Registration, ChecksInOrderAndAddsRows) {
   const BrngProperties good = {0, 1, 0, 4, 32, counting_init, fill_s, fill_d, fill_i};

@@ -3,6 +3,7 @@
 
 #include "kernels/exp_limits.h"
 #include "kernels/log_limits.h"
+#include "kernels/root_limits.h"
 #include "tests/support/arguments.h"
 
 namespace qor::test {
@@ -16,6 +17,13 @@ constexpr double from_image(int32_t image) {
 constexpr double from_high_word(int32_t word) {
   return std::bit_cast<double>((static_cast<int64_t>(word) << 32) | 0xFFFFFFFF);
 }
+// The ends of a range of images, and of high words.
+constexpr double first_s(limits::Range range) { return from_image(range.first); }
+constexpr double last_s(limits::Range range) { return from_image(range.last); }
+constexpr double first_d(limits::Range range) {
+  return std::bit_cast<double>(static_cast<int64_t>(range.first) << 32);
+}
+constexpr double last_d(limits::Range range) { return from_high_word(range.last); }
 constexpr double from_exponent_s(int32_t biased) { return from_image(biased << 23); }
 constexpr double from_exponent_d(int32_t biased) {
   return std::bit_cast<double>(static_cast<int64_t>(biased) << 52);
@@ -35,6 +43,11 @@ const Edges kEdges[] = {
       limits::dexp::denormal, from_exponent_d(limits::dexp::tiny_exponent)}},
     {"sLog1p", {-1.0, from_image(limits::slog1p::last_image)}},
     {"dLog1p", {-1.0, from_high_word(limits::dlog1p::last_high_word)}},
+    {"sSqrt", {first_s(limits::root::ssqrt), last_s(limits::root::ssqrt)}},
+    {"sPow3o2", {first_s(limits::root::spow3o2), last_s(limits::root::spow3o2)}},
+    {"dPow3o2", {first_d(limits::root::dpow3o2), last_d(limits::root::dpow3o2)}},
+    {"sHypot", {first_s(limits::hypot::middle_float), last_s(limits::hypot::middle_float)}},
+    {"dHypot", {first_d(limits::hypot::middle_double), last_d(limits::hypot::middle_double)}},
 };
 
 }  // namespace
