@@ -32,6 +32,22 @@ const Edges kEdges[] = {
     {"dExp",
      {from_high_word(limits::dexp::fast_high_word), limits::dexp::overflow, limits::dexp::underflow,
       limits::dexp::denormal, from_exponent_d(limits::dexp::tiny_exponent)}},
+    {"sExp2",
+     {from_image(limits::sexp2::fast_image), limits::sexp2::overflow, limits::sexp2::underflow,
+      limits::sexp2::denormal}},
+    {"dExp2",
+     {from_high_word(limits::dexp2::fast_high_word), limits::dexp2::overflow,
+      limits::dexp2::underflow, limits::dexp2::denormal}},
+    {"sExp10",
+     {from_image(limits::sexp10::fast_image), limits::sexp10::overflow, limits::sexp10::underflow,
+      limits::sexp10::denormal}},
+    {"dExp10",
+     {from_high_word(limits::dexp10::fast_high_word), limits::dexp10::overflow,
+      limits::dexp10::underflow, limits::dexp10::denormal}},
+    {"sExpm1", {from_image(limits::sexpm1::fast_image), limits::sexpm1::overflow}},
+    {"dExpm1",
+     {limits::dexpm1::tiny, limits::dexpm1::small, -limits::dexpm1::small,
+      limits::dexpm1::saturated, limits::dexpm1::overflow}},
 };
 
 }  // namespace
