@@ -22,6 +22,7 @@ using lanes::all;
 
 struct SExp : Unary<float> {
   static constexpr const char* name = "vsExp";
+  static constexpr int registers = exp_core::registers;
   // ln 2 / 128
   static constexpr auto step = exp_core::step_of_level<128>(
       exp_core::Step<float>{0x1.715476p+7f, 0x1.8p+23f, 0x1.63p-8f, -0x1.bd0106p-20f},
@@ -63,6 +64,7 @@ struct SExp : Unary<float> {
 
 struct DExp : Unary<double> {
   static constexpr const char* name = "vdExp";
+  static constexpr int registers = exp_core::registers;
   static constexpr auto step = exp_core::step_of_level<64>(
       exp_core::Step<double>{exp_scalar::steps_per_unit, exp_scalar::shifter, exp_scalar::step_high,
                              exp_scalar::step_low});

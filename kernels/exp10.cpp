@@ -33,6 +33,7 @@ exp_scalar::Parts parts(double x) {
 
 struct SExp10 : Unary<float> {
   static constexpr const char* name = "vsExp10";
+  static constexpr int registers = exp_core::registers;
   // log10(2) / 128
   static constexpr auto step = exp_core::step_of_level<128>(
       exp_core::Step<float>{0x1.a934fp+8f, 0x1.8p+23f, 0x1.348p-9f, -0x1.f657bp-20f},
@@ -68,6 +69,7 @@ struct SExp10 : Unary<float> {
 
 struct DExp10 : Unary<double> {
   static constexpr const char* name = "vdExp10";
+  static constexpr int registers = exp_core::registers;
   // log10(2) / 128
   static constexpr auto step = exp_core::step_of_level<128>(exp_core::Step<double>{
       0x1.a934f0979a371p+8, 0x1.88p+52, 0x1.3441350ap-9, -0x1.0c0219dc1da99p-46});

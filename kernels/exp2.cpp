@@ -32,6 +32,7 @@ exp_scalar::Parts parts(double x) {
 
 struct SExp2 : Unary<float> {
   static constexpr const char* name = "vsExp2";
+  static constexpr int registers = exp_core::registers;
 
   static constexpr float shifter = 0x1.8p+23f / exp_core::steps<float, 64>;
 
@@ -63,6 +64,7 @@ struct SExp2 : Unary<float> {
 
 struct DExp2 : Unary<double> {
   static constexpr const char* name = "vdExp2";
+  static constexpr int registers = exp_core::registers;
   static constexpr double shifter = exp_scalar::shifter / exp_core::steps<double, 64>;
 
   V core(V x) const {

@@ -17,6 +17,10 @@ using lanes::i64;
 using lanes::image;
 using lanes::multiply_add;
 
+// Registers of a group: two at 256 bits take a tenth less time an element than one by one, at 512
+// bits a tenth more.
+inline constexpr int registers = lanes::register_bytes < 64 ? 2 : 1;
+
 // x = k step + r, k being an integer in the low bits of `bits`.
 template <class T>
 struct Reduced {

@@ -53,7 +53,7 @@ inline void set_control_state(const ControlState& state) {
 
 constexpr uint32_t kStatus = 0x3F, kMasks = 0x1F80, kUpward = 0x4000, kFlush = 0x8040;
 constexpr uint32_t kInvalid = 0x01, kDivideByZero = 0x04, kOverflow = 0x08;
-constexpr uint16_t kX87Masks = 0x3F, kX87Upward = 0x0800;
+constexpr uint16_t kX87Upward = 0x0800;
 
 // Nothing is masked, both units round up, denormals are flushed, x87 works in single precision.
 constexpr ControlState kHostile{kUpward | kFlush, 0x0040 | kX87Upward};
