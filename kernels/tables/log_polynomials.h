@@ -44,18 +44,17 @@ inline constexpr float slog2_rows_polynomial[] = {
   0x1.d9afcp-9f,
 };
 
-// ln(1 + x) = x + x^2 P(x) for -0.03125 <= x <= 0.0625; relative error 2^-60.1.
+// ln(1 + x) = x - x^2/2 + x^3 P(x) for -0.03125 <= x <= 0.0625; relative error 2^-59.5.
 inline constexpr double dln_cells_16_polynomial[] = {
-  0x1.447cbbafa4886p-4,
-  -0x1.9808b4e863b47p-4,
-  0x1.c72ede3d314c7p-4,
-  -0x1.00008c6171281p-3,
-  0x1.2492488c5629p-3,
-  -0x1.5555553b09264p-3,
-  0x1.9999999988d8ap-3,
-  -0x1.0000000000ccap-2,
-  0x1.555555555555dp-2,
-  -0x1p-1,
+  0x1.48fb64872bd9dp-4,
+  -0x1.98814dc5d25c2p-4,
+  0x1.c72e1ec9d7d41p-4,
+  -0x1.00005ec3d5091p-3,
+  0x1.24924829fe3fcp-3,
+  -0x1.55555546a208bp-3,
+  0x1.99999999a11c2p-3,
+  -0x1.000000000047bp-2,
+  0x1.5555555555555p-2,
 };
 
 // log10(1 + x) = x log_e + x P(x) for -0.03125 <= x <= 0.0625; relative error 2^-59.2.

@@ -2,6 +2,7 @@
 #include <iterator>
 
 #include "kernels/exp_limits.h"
+#include "kernels/log_limits.h"
 #include "tests/support/arguments.h"
 
 namespace qor::test {
@@ -32,6 +33,8 @@ const Edges kEdges[] = {
     {"dExp",
      {from_high_word(limits::dexp::fast_high_word), limits::dexp::overflow, limits::dexp::underflow,
       limits::dexp::denormal, from_exponent_d(limits::dexp::tiny_exponent)}},
+    {"sLog1p", {-1.0, from_image(limits::slog1p::last_image)}},
+    {"dLog1p", {-1.0, from_high_word(limits::dlog1p::last_high_word)}},
 };
 
 }  // namespace
