@@ -14,14 +14,39 @@
 
 #include "qor/vector_math.h"
 #include "tools/accuracy_measure.h"
-#include "tools/accuracy_page.h"
 #include "tools/levels.h"
+#include "tools/page.h"
 
 namespace {
 
 using qor::test::Row;
-using qor::tools::AccuracyLine;
 using qor::tools::Measurement;
+using qor::tools::PageLine;
+
+constexpr const char* kHead = R"(# Accuracy
+
+Measured by `tools/accuracy` against MPFR; `tools/accuracy --write docs/accuracy.md` writes this
+page anew. Errors are in ulp: the spacing of the type's numbers in the binade of the exact result,
+that of denormals below. 0.5 is correct rounding. `inf` would be a NaN, an infinity or the sign of a
+zero in the wrong place. An error callback sees the same values.
+
+Arguments are all of them (`all 2^32`), or as many as the last column says: every power of two, small
+integers and halves, the edges where the class of the result or the way of the kernel changes, each
+with its neighbours, then random numbers with every exponent equally likely, random numbers between
+edges and close to one. Pairs have exponents near to each other, or a power inside the range.
+Kernels are named by the accuracies that they serve; strided kernels give the same bits. Levels: v1,
+v3, v4 stand for x86-64-v1 and so on.
+
+)";
+const PageLine kTitles = {"function", "kernel", "level", "worst", "at", "mean", "arguments"};
+constexpr size_t kWorst = 3, kArguments = 6;  // fields
+constexpr const char* kEvery = "all 2^32";    // arguments
+
+// A sample leaves a line over all arguments standing unless it shows a worse case.
+bool replaces(const PageLine& fresh, const PageLine& old) {
+  return fresh[kArguments] == kEvery || old[kArguments] != kEvery ||
+         std::stod(fresh[kWorst]) > std::stod(old[kWorst]);
+}
 
 struct Options {
   std::vector<std::string> only;  // names of functions; empty for all
@@ -89,13 +114,13 @@ void print_line(const Options& options, const Row<T>& row, int slot, const Measu
     for (int k = 0; k < row.shape.numbers_in(); ++k)
       at.append(k > 0 ? ", " : "").append(number("%a", found.at[static_cast<size_t>(k)]));
   }
-  const AccuracyLine line{row.name(),
-                          options.level,
-                          row.sharing(slot),
-                          number("%.4f", found.worst),
-                          at,
-                          number("%.4f", found.mean()),
-                          arguments};
+  const PageLine line{row.name(),
+                      row.sharing(slot),
+                      options.level,
+                      number("%.4f", found.worst),
+                      at,
+                      number("%.4f", found.mean()),
+                      arguments};
   std::printf("%s\n", qor::tools::to_text(line).c_str());
   std::fflush(stdout);
 }
@@ -107,8 +132,7 @@ void measure(const Options& options, const Row<T>& row) {
     if constexpr (sizeof(T) == sizeof(float)) {
       if (options.exhaustive && row.shape.numbers_in() == 1 && row.shape.outputs == 1 &&
           row.reference->in_double != nullptr) {
-        print_line(options, row, slot, qor::tools::measure_all(row, slot, options.threads),
-                   qor::tools::every_argument);
+        print_line(options, row, slot, qor::tools::measure_all(row, slot, options.threads), kEvery);
         continue;
       }
     }
@@ -118,14 +142,14 @@ void measure(const Options& options, const Row<T>& row) {
 }
 
 void write_page(const Options& options, std::vector<std::string> arguments) {
-  std::vector<AccuracyLine> lines;
+  std::vector<PageLine> lines;
   for (const std::string& level : qor::tools::runnable_levels(options.levels)) {
     std::vector<std::string> words = arguments;
     words.insert(words.end(), {"--level", level, "--write", ""});
     for (const std::string& text : qor::tools::run_on_level(options.levels, level, words)) {
       lines.push_back(qor::tools::from_text(text));
     }
-    qor::tools::write_accuracy_page(options.page, lines);
+    qor::tools::write_page(options.page, kHead, kTitles, lines, replaces);
   }
 }
 

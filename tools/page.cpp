@@ -1,0 +1,75 @@
+#include "tools/page.h"
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include "tests/support/rows.h"
+
+namespace qor::tools {
+namespace {
+
+std::map<std::string, size_t> table_order() {
+  std::map<std::string, size_t> order;
+  for (const test::AnyRow& any : test::rows()) {
+    const std::string name = std::visit([](const auto& row) { return row.name(); }, any);
+    order.emplace(name, order.size());
+  }
+  return order;
+}
+
+bool same_key(const PageLine& a, const PageLine& b) {
+  return std::equal(a.begin(), a.begin() + key_fields, b.begin());
+}
+
+}  // namespace
+
+std::string to_text(const PageLine& line) {
+  std::string text = "|";
+  for (const std::string& field : line) text.append(" ").append(field).append(" |");
+  return text;
+}
+
+PageLine from_text(const std::string& text) {
+  PageLine line;
+  std::istringstream stream(text);
+  std::string field;
+  if (!std::getline(stream, field, '|') || !field.empty()) return {};
+  while (std::getline(stream, field, '|')) {
+    const size_t first = field.find_first_not_of(' ');
+    const size_t last = field.find_last_not_of(' ');
+    line.push_back(first == std::string::npos ? "" : field.substr(first, last + 1 - first));
+  }
+  return line.size() > key_fields ? line : PageLine{};
+}
+
+void write_page(const std::string& path, const char* head, const PageLine& titles,
+                const std::vector<PageLine>& measured,
+                bool (*replaces)(const PageLine& fresh, const PageLine& old)) {
+  std::vector<PageLine> lines;
+  std::ifstream before(path);
+  for (std::string text; std::getline(before, text);) lines.push_back(from_text(text));
+  for (const PageLine& fresh : measured) {
+    const auto old = std::find_if(lines.begin(), lines.end(), [&](const PageLine& line) {
+      return !line.empty() && same_key(line, fresh);
+    });
+    if (old == lines.end()) {
+      lines.push_back(fresh);
+    } else if (replaces(fresh, *old)) {
+      *old = fresh;
+    }
+  }
+  const auto order = table_order();
+  std::erase_if(lines, [&](const PageLine& line) {
+    return line.size() != titles.size() || !order.contains(line[0]);
+  });
+  std::stable_sort(lines.begin(), lines.end(), [&](const PageLine& a, const PageLine& b) {
+    return std::pair(order.at(a[0]), a[2]) < std::pair(order.at(b[0]), b[2]);
+  });
+  std::ofstream file(path);
+  file << head << to_text(titles) << '\n' << to_text(PageLine(titles.size(), "---")) << '\n';
+  for (const PageLine& line : lines) file << to_text(line) << '\n';
+}
+
+}  // namespace qor::tools
