@@ -22,6 +22,15 @@ as_root() {
 
 is_installed() { [[ $(dpkg-query -W -f='${db:Status-Abbrev}' "$1" 2>/dev/null) == ii* ]]; }
 
+# A mirror in the middle of an update gives some lists only: tried again, and then what is there
+# must do; a package that is really missing fails at its installation.
+read_package_lists() {
+  for wait in 5 15 0; do
+    as_root apt-get update -o Acquire::Retries=3 && return
+    sleep "$wait"
+  done
+}
+
 # install_packages WHY PACKAGE...: installs those that are missing, and says so.
 install_packages() {
   local why=$1 package
@@ -37,10 +46,10 @@ install_packages() {
     as_root dpkg --add-architecture i386
     lists_read=
   fi
-  [[ -n ${lists_read-} ]] || stage "package lists" as_root apt-get update
+  [[ -n ${lists_read-} ]] || stage "package lists" read_package_lists
   lists_read=yes
   stage "packages" as_root env DEBIAN_FRONTEND=noninteractive \
-    apt-get install -y --no-install-recommends "${missing[@]}"
+    apt-get install -y --no-install-recommends -o Acquire::Retries=3 "${missing[@]}"
 }
 
 # need_version NAME FOUND LEAST
