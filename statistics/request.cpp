@@ -146,6 +146,9 @@ int read_request(const SsTask& task, uint64_t estimates, uint64_t method, Reques
   }
   if (const int status = check_source(task, request.method)) return status;
   if (!has_variables(task)) return QOR_SS_BAD_P;
+  if (request.method == Method::given_means && request.has(field_sum) && task.mean == nullptr) {
+    return QOR_SS_NULL_MEAN;
+  }
   return check_matrix_storage(task, request);
 }
 
