@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "qor/vector_math.h"
+#include "tests/support/reports.h"
 
 namespace qor::test {
 
@@ -102,8 +103,6 @@ class Reports {
 
   Reports() {
     list.clear();
-    old_mode_ = _arkGetMode();
-    _arkSetMode(QOR_MODE_ERRORS_CALLBACK);
     _arkSetErrorCallBack([](ErrorContext* context) {
       list.push_back({context->code, context->index, context->funcName});
       return 1;
@@ -112,7 +111,6 @@ class Reports {
   }
   ~Reports() {
     _arkClearErrorCallBack();
-    _arkSetMode(old_mode_);
     _arkClearErrStatus();
   }
   Reports(const Reports&) = delete;
@@ -121,7 +119,7 @@ class Reports {
   static inline std::vector<Report> list;
 
  private:
-  uint32_t old_mode_;
+  ModeScope mode_{QOR_MODE_ERRORS_CALLBACK};
 };
 
 inline void PrintTo(const Reports::Report& report, std::ostream* out) {
