@@ -45,7 +45,8 @@ inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i, in
 // stopped. A function of its own without any call in its loop, so that constants stay in registers
 // (no vector register survives a call).
 template <class F, class Vectors>
-[[gnu::noinline]] int64_t run_calm_blocks(const F f, const Vectors vectors, int64_t i, int64_t n) {
+[[gnu::noinline]] int64_t run_calm_blocks(const F f, const Vectors& given, int64_t i, int64_t n) {
+  const Vectors vectors = given;
   constexpr int width = lanes::Lanes<typename F::Real>::count;
   if constexpr (requires { F::registers; }) i = run_calm_groups(f, vectors, i, n);
   for (; i + width <= n; i += width) {
@@ -63,7 +64,8 @@ template <class F, class Vectors>
 
 // Never inlined: its arithmetic stays between the environment's steps.
 template <class F, class Vectors>
-[[gnu::noinline]] void run_lanes(const F f, const Vectors vectors, int64_t n, uint32_t mode) {
+[[gnu::noinline]] void run_lanes(const F f, const Vectors& given, int64_t n, uint32_t mode) {
+  const Vectors vectors = given;
   constexpr int width = lanes::Lanes<typename F::Real>::count;
   int64_t i = 0;
   for (; i + width <= n; i += width) {
@@ -100,7 +102,8 @@ template <class F, class Vectors>
 
 // The elements one by one, for a function of one input and output without a vector path.
 template <class F, class Vectors>
-[[gnu::noinline]] void run_elements(const F f, const Vectors vectors, int64_t n) {
+[[gnu::noinline]] void run_elements(const F f, const Vectors& given, int64_t n) {
+  const Vectors vectors = given;
   for (int64_t i = 0; i < n; ++i) {
     const int32_t code = f.evaluate(vectors.argument(0, i), vectors.element(0, i));
     if (code != QOR_ERROR_NONE) [[unlikely]]

@@ -121,6 +121,30 @@ inline Doubt<double> equal(f64 x, f64 y) {
 #endif
 }
 
+// Lanes where x or y is a NaN; a signalling one raises invalid.
+inline Doubt<float> unordered(f32 x, f32 y) {
+#if QOR_LANES_512
+  return {_mm512_cmp_ps_mask(std::bit_cast<__m512>(x), std::bit_cast<__m512>(y), _CMP_UNORD_Q)};
+#elif QOR_LANES_256
+  return {std::bit_cast<Lanes<float>::M>(
+      _mm256_cmp_ps(std::bit_cast<__m256>(x), std::bit_cast<__m256>(y), _CMP_UNORD_Q))};
+#else
+  return {std::bit_cast<Lanes<float>::M>(
+      _mm_cmpunord_ps(std::bit_cast<__m128>(x), std::bit_cast<__m128>(y)))};
+#endif
+}
+inline Doubt<double> unordered(f64 x, f64 y) {
+#if QOR_LANES_512
+  return {_mm512_cmp_pd_mask(std::bit_cast<__m512d>(x), std::bit_cast<__m512d>(y), _CMP_UNORD_Q)};
+#elif QOR_LANES_256
+  return {std::bit_cast<Lanes<double>::M>(
+      _mm256_cmp_pd(std::bit_cast<__m256d>(x), std::bit_cast<__m256d>(y), _CMP_UNORD_Q))};
+#else
+  return {std::bit_cast<Lanes<double>::M>(
+      _mm_cmpunord_pd(std::bit_cast<__m128d>(x), std::bit_cast<__m128d>(y)))};
+#endif
+}
+
 // Whole-lane mask of the magnitudes at or above a power of two, infinity and NaN included; raises
 // no flag.
 inline Lanes<float>::M magnitude_from(f32 magnitude, float power) {

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <utility>
 
+#include "kernels/lanes/memory.h"
 #include "kernels/lanes/types.h"
 
 namespace qor::lanes {
@@ -48,22 +49,38 @@ inline Two<typename Lanes<T>::V> gather_rows(const Row<T>* table, typename Lanes
   return {gather(flat, index * 2), gather(flat + 1, index * 2)};
 }
 
+#if QOR_LANES_512
+// Two rows of four doubles; four pairs of doubles. Inserted from memory, which leaves the port of
+// the transpositions alone; shuffles of loaded rows do not.
+inline f64 rows_together(const double* first, const double* second) {
+  const __m512d low = _mm512_castpd256_pd512(_mm256_loadu_pd(first));
+  return std::bit_cast<f64>(_mm512_maskz_insertf64x4(0xFF, low, _mm256_loadu_pd(second), 1));
+}
+inline f64 pairs_together(const double* first, const double* second, const double* third,
+                          const double* fourth) {
+  __m256d low = _mm256_castpd128_pd256(_mm_loadu_pd(first));
+  low = _mm256_insertf128_pd(low, _mm_loadu_pd(second), 1);
+  __m256d high = _mm256_castpd128_pd256(_mm_loadu_pd(third));
+  high = _mm256_insertf128_pd(high, _mm_loadu_pd(fourth), 1);
+  return std::bit_cast<f64>(_mm512_maskz_insertf64x4(0xFF, _mm512_castpd256_pd512(low), high, 1));
+}
+#endif
+
 // Rows loaded whole and transposed: on Zen 4 about two thirds of the time of two gathers.
 template <>
 inline Two<f64> gather_rows<double>(const Row<double>* table, i64 index) {
   using Pair [[gnu::vector_size(16)]] = double;
   const double* flat = &table->high;
   const i64 at = index * 2;
-  const auto row = [&](int lane) {
+  [[maybe_unused]] const auto row = [&](int lane) {
     Pair loaded;
     std::memcpy(&loaded, flat + at[lane], sizeof loaded);
     return loaded;
   };
 #if QOR_LANES_512
   const auto four = [&](int lane) {
-    return __builtin_shufflevector(
-        __builtin_shufflevector(row(lane), row(lane + 2), 0, 1, 2, 3),
-        __builtin_shufflevector(row(lane + 4), row(lane + 6), 0, 1, 2, 3), 0, 1, 2, 3, 4, 5, 6, 7);
+    return pairs_together(flat + at[lane], flat + at[lane + 2], flat + at[lane + 4],
+                          flat + at[lane + 6]);
   };
   const f64 even = four(0), odd = four(1);
   return {__builtin_shufflevector(even, odd, 0, 8, 2, 10, 4, 12, 6, 14),
@@ -118,18 +135,12 @@ inline V shuffle(V a, V b) {
 // rows at a time. On Zen 4 that takes the time of one gather.
 inline Four<f64> gather_rows(const Row4<double>* table, i64 index) {
 #if QOR_LANES_512 || QOR_LANES_256
-  using Quad [[gnu::vector_size(32)]] = double;
   constexpr int count = Lanes<double>::count;
-  const auto row = [&](int lane) {
-    Quad loaded;
-    std::memcpy(&loaded, table + index[lane], sizeof loaded);
-    return loaded;
-  };
   const auto rows = [&](int lane) {
 #if QOR_LANES_512
-    return __builtin_shufflevector(row(lane), row(lane + 4), 0, 1, 2, 3, 4, 5, 6, 7);
+    return rows_together(&table[index[lane]].a, &table[index[lane + 4]].a);
 #else
-    return row(lane);
+    return load(&table[index[lane]].a);
 #endif
   };
   const f64 a = rows(0), b = rows(1), c = rows(2), d = rows(3);
