@@ -29,9 +29,8 @@ using qor::test::Call;
 using qor::test::Row;
 using qor::tools::PageLine;
 
-constexpr const char* kHead = R"(# Performance of vector math
-
-Measured by `bench_vector_math --write docs/performance.md`. Ratios of times, peer to ours, in one
+constexpr const char* kHead =
+    R"(Measured by `bench_vector_math --write docs/performance.md`. Ratios of times, peer to ours, in one
 run: above 1 this library is faster. Vectors of 1024 ordinary elements (between -20 and 20, with
 finite results) in cache, contiguous; the least of several repetitions, taken in turns.
 
@@ -245,7 +244,7 @@ int main(int count, char** words) {
     }
   }
   if (options.page.empty()) return 0;
-  qor::tools::write_page(options.page, kHead, kTitles, lines,
+  qor::tools::write_page(options.page, "Vector math", kHead, kTitles, lines,
                          [](const PageLine&, const PageLine&) { return true; });
   return 0;
 }

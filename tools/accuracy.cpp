@@ -23,10 +23,9 @@ using qor::test::Row;
 using qor::tools::Measurement;
 using qor::tools::PageLine;
 
-constexpr const char* kHead = R"(# Accuracy
-
-Measured by `tools/accuracy` against MPFR; `tools/accuracy --write docs/accuracy.md` writes this
-page anew. Errors are in ulp: the spacing of the type's numbers in the binade of the exact result,
+constexpr const char* kHead =
+    R"(Measured by `tools/accuracy` against MPFR; `tools/accuracy --write docs/accuracy.md` writes this
+section anew. Errors are in ulp: the spacing of the type's numbers in the binade of the exact result,
 that of denormals below. 0.5 is correct rounding. `inf` would be a NaN, an infinity or the sign of a
 zero in the wrong place. An error callback sees the same values.
 
@@ -149,7 +148,7 @@ void write_page(const Options& options, std::vector<std::string> arguments) {
     for (const std::string& text : qor::tools::run_on_level(options.levels, level, words)) {
       lines.push_back(qor::tools::from_text(text));
     }
-    qor::tools::write_page(options.page, kHead, kTitles, lines, replaces);
+    qor::tools::write_page(options.page, "Vector math", kHead, kTitles, lines, replaces);
   }
 }
 

@@ -1,11 +1,11 @@
 #include "tools/page.h"
 
 #include <algorithm>
-#include <fstream>
 #include <map>
 #include <sstream>
 
 #include "tests/support/rows.h"
+#include "tools/section.h"
 
 namespace qor::tools {
 namespace {
@@ -44,11 +44,11 @@ PageLine from_text(const std::string& text) {
   return line.size() > key_fields ? line : PageLine{};
 }
 
-void write_page(const std::string& path, const char* head, const PageLine& titles,
-                const std::vector<PageLine>& measured,
+void write_page(const std::string& path, const std::string& title, const char* head,
+                const PageLine& titles, const std::vector<PageLine>& measured,
                 bool (*replaces)(const PageLine& fresh, const PageLine& old)) {
   std::vector<PageLine> lines;
-  std::ifstream before(path);
+  std::istringstream before(read_section(path, title));
   for (std::string text; std::getline(before, text);) lines.push_back(from_text(text));
   for (const PageLine& fresh : measured) {
     const auto old = std::find_if(lines.begin(), lines.end(), [&](const PageLine& line) {
@@ -67,9 +67,12 @@ void write_page(const std::string& path, const char* head, const PageLine& title
   std::stable_sort(lines.begin(), lines.end(), [&](const PageLine& a, const PageLine& b) {
     return std::pair(order.at(a[0]), a[2]) < std::pair(order.at(b[0]), b[2]);
   });
-  std::ofstream file(path);
-  file << head << to_text(titles) << '\n' << to_text(PageLine(titles.size(), "---")) << '\n';
-  for (const PageLine& line : lines) file << to_text(line) << '\n';
+  std::string text = head;
+  const auto add = [&](const PageLine& line) { text.append(to_text(line)).append("\n"); };
+  add(titles);
+  add(PageLine(titles.size(), "---"));
+  for (const PageLine& line : lines) add(line);
+  write_section(path, title, text);
 }
 
 }  // namespace qor::tools

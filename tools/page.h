@@ -1,4 +1,5 @@
-// Documents that tools write: a head, then one table with a line per function, kernel and level.
+// Sections of documents that tools write: a head, then one table with a line per function, kernel
+// and level.
 #pragma once
 
 #include <string>
@@ -15,10 +16,10 @@ inline constexpr size_t key_fields = 3;
 std::string to_text(const PageLine& line);
 PageLine from_text(const std::string& text);
 
-// Writes the page anew, in the order of the row list. A measured line takes the place of the one
+// Writes the section anew, in the order of the row list. A measured line takes the place of the one
 // with its key if `replaces` says so; lines of functions that are no more go.
-void write_page(const std::string& path, const char* head, const PageLine& titles,
-                const std::vector<PageLine>& measured,
+void write_page(const std::string& path, const std::string& title, const char* head,
+                const PageLine& titles, const std::vector<PageLine>& measured,
                 bool (*replaces)(const PageLine& fresh, const PageLine& old));
 
 }  // namespace qor::tools
