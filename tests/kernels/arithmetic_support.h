@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <xmmintrin.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -82,6 +83,22 @@ std::vector<T> random_values(int count, unsigned seed) {
     values.push_back(scaled);
   }
   return values;
+}
+
+// The distance of a result from the exact value, which is not 0, in units of its last place.
+template <class T>
+double places_off(T result, long double exact) {
+  using Limits = std::numeric_limits<T>;
+  const int exponent = std::max(std::ilogb(exact), Limits::min_exponent - 1);
+  const auto error =
+      std::scalbn(static_cast<long double>(result) - exact, Limits::digits - 1 - exponent);
+  return std::fabs(static_cast<double>(error));
+}
+
+// A number with its neighbours.
+template <class T>
+std::vector<T> with_neighbours(T x) {
+  return {std::nextafter(x, -kLargest<T>), x, std::nextafter(x, kLargest<T>)};
 }
 
 // Exception flags of MXCSR that say more than "inexact" or "denormal operand".

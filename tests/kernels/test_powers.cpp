@@ -1,11 +1,13 @@
 // Powers: special values in their order, codes, names and IEEE flags; the paths of Powx; results
 // that have to be exact.
 
+#include "kernels/pow_limits.h"
 #include "tests/kernels/function_cases.h"
 
 namespace qor::test {
 namespace {
 
+namespace limits = kernels::limits;
 using Powers = KeepingDenormals;
 
 // ---- Pow and Powr ---------------------------------------------------------------------------
@@ -188,6 +190,59 @@ TEST_F(Powers, CubesAndFirstPowers) {
   for (double& cube : cubes) cube = -cube;
   _arkdPow(1000, cubes.data(), one.data(), y.data());
   EXPECT_EQ(y, cubes);
+}
+
+// ---- Where the vector path ends -------------------------------------------------------------
+
+// Powers of the bases and their neighbours with exponents on both sides of where the vector path
+// ends: by the exponent itself, and by the product y log2 x.
+template <class T>
+void check_branch_edges(Binary<T> pow, const std::vector<T>& bases, T largest_exponent,
+                        T largest_product, double bound) {
+  std::vector<T> x, y;
+  const auto add = [&](T base, T exponent) {
+    for (const T near : with_neighbours(exponent)) {
+      x.insert(x.end(), 2, base);
+      y.insert(y.end(), {near, -near});
+    }
+  };
+  for (const T edge : bases) {
+    for (const T base : with_neighbours(edge)) {
+      add(base, largest_product / std::log2(base));
+      add(base, 1);
+      add(base, largest_exponent);
+    }
+  }
+  std::vector<T> z(x.size());
+  pow.row(static_cast<int32_t>(x.size()), x.data(), y.data(), z.data());
+  for (size_t i = 0; i < x.size(); ++i) {
+    SCOPED_TRACE(testing::Message() << pow.name << " " << std::hexfloat << x[i] << " to " << y[i]);
+    const long double exact = std::pow(static_cast<long double>(x[i]), y[i]);
+    if (exact > kLargest<T> || exact < kDenormal<T>) {
+      EXPECT_TRUE(same(z[i], exact > 1 ? kInfinity<T> : static_cast<T>(exact))) << z[i];
+    } else {
+      EXPECT_LT(places_off(z[i], exact), bound) << z[i];
+    }
+  }
+}
+
+TEST_F(Powers, AccurateWhereTheVectorPathEnds) {
+  check_branch_edges<float>({"sPow", "", _arksPow, _arksPowI},
+                            {from_image<float>(limits::spow::base.first),
+                             from_image<float>(limits::spow::base.last), 1 + 0x1p-16f, 0.3f, 17},
+                            from_image<float>(limits::spow::exponent.last),
+                            limits::spow::exponent_of_result + 0.5f, 1.0);
+  const auto of_high_word = [](int32_t word) {
+    return from_image<double>(static_cast<uint64_t>(word) << 32);
+  };
+  const std::vector<double> bases = {of_high_word(limits::dpow::base.first),
+                                     of_high_word(limits::dpow::base.last + 1), 1 + 0x1p-50, 0.3,
+                                     17};
+  const double exponent = of_high_word(limits::dpow::exponent.last + 1);
+  const double product = of_high_word(limits::dpow::product_high_word + 1);
+  check_branch_edges<double>({"dPow", "", _arkdPow_50, _arkdPowI_50}, bases, exponent, product, 1);
+  check_branch_edges<double>({"dPow_HA", "", _arkdPow_HA, _arkdPowI_HA}, bases, exponent, product,
+                             0.6);
 }
 
 }  // namespace

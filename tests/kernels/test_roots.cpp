@@ -1,10 +1,12 @@
 // Roots and lengths: special values, codes, names and IEEE flags; results that have to be exact.
 
+#include "kernels/root_limits.h"
 #include "tests/kernels/function_cases.h"
 
 namespace qor::test {
 namespace {
 
+namespace limits = kernels::limits;
 using Roots = KeepingDenormals;
 
 template <class T>
@@ -125,6 +127,38 @@ TEST_F(Roots, CubesAndTriples) {
   std::vector<float> yf(1000);
   _arksHypot(1000, af.data(), bf.data(), yf.data());
   EXPECT_EQ(yf, cf);
+}
+
+// ---- Where the vector path ends -------------------------------------------------------------
+
+// Lengths whose larger or smaller side is beside a limit of the vector path.
+template <class T>
+void check_hypot_edges(Binary<T> hypot, T first, T last) {
+  std::vector<T> a, b;
+  for (const T edge : {first, last}) {
+    for (const T near : with_neighbours(edge)) {
+      for (const T ratio : {T(1), T(0.3), T(3), T(0x1p-9), T(0x1p+9), T(0x1p+25)}) {
+        a.push_back(near);
+        b.push_back(-near * ratio);
+      }
+    }
+  }
+  std::vector<T> y(a.size());
+  hypot.row(static_cast<int32_t>(a.size()), a.data(), b.data(), y.data());
+  for (size_t i = 0; i < a.size(); ++i) {
+    const long double exact = std::hypot(static_cast<long double>(a[i]), b[i]);
+    EXPECT_LT(places_off(y[i], exact), 1.0) << hypot.name << " " << a[i] << ", " << b[i];
+  }
+}
+
+TEST_F(Roots, HypotIsAccurateWhereTheVectorPathEnds) {
+  const auto s = limits::hypot::middle_float;
+  const auto d = limits::hypot::middle_double;
+  check_hypot_edges<float>({"sHypot", "", _arksHypot, _arksHypotI}, from_image<float>(s.first),
+                           from_image<float>(s.last));
+  check_hypot_edges<double>({"dHypot", "", _arkdHypot, _arkdHypotI},
+                            from_image<double>(static_cast<uint64_t>(d.first) << 32),
+                            from_image<double>(static_cast<uint64_t>(d.last + 1) << 32));
 }
 
 }  // namespace
