@@ -1,8 +1,7 @@
 // The single powers, worked out in double: 2^(y log2 x).
 //
 // Method.   log2 by 16 cells of the mantissa, whose reciprocals are chosen such that their
-// logarithms
-//           are floats to 2^-39, and the series of log2(1 + r), |r| <= 2^-5; 2^f by one
+//           logarithms are floats to 2^-39, and the series of log2(1 + r), |r| <= 2^-5; 2^f by one
 //           polynomial for |f| <= 1/2. Relative error below 2^-31, then narrowed once.
 #pragma once
 
