@@ -103,7 +103,7 @@ std::vector<Case> cases() {
   const Seed key_less_one(key.begin(), key.end() - 1);
   constexpr uint32_t m1 = Mrg32k3a::m1, m2 = Mrg32k3a::m2, ones = 0xFFFFFFFF;
   std::vector<Case> list;
-  for (const uint32_t n : {1u, 37u, 1000u, 5003u}) {
+  for (const uint32_t n : {1u, 37u, 1000u, 5003u, 20011u}) {
     for (uint32_t row = 1; row <= 5; ++row)
       list.push_back({row << 20, {7777777}, 0, 0, 0, n, 0, 1});
   }
