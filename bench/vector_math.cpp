@@ -25,6 +25,7 @@
 
 namespace {
 
+using qor::bench::add;
 using qor::bench::LeastTimes;
 using qor::bench::number;
 using qor::test::Call;
@@ -50,8 +51,6 @@ const PageLine kTitles = {"function", "kernel",   "level", "libm",       "libmve
 
 constexpr size_t kCount = 1024;
 constexpr size_t kLong = size_t{1} << 20;
-constexpr int kRepetitions = 40;
-constexpr double kSeconds = 0.0005;  // of a repetition: short, so that some are undisturbed
 
 // Vectors that a benchmark works on; they live as long as the program.
 template <class T>
@@ -72,19 +71,6 @@ struct Vectors {
     }
   }
 };
-
-template <class Run>
-void add(const std::string& name, Run run) {
-  benchmark::RegisterBenchmark(name.c_str(),
-                               [run](benchmark::State& state) {
-                                 for (auto _ : state) {
-                                   run();
-                                   benchmark::ClobberMemory();
-                                 }
-                               })
-      ->MinTime(kSeconds)
-      ->Repetitions(kRepetitions);
-}
 
 // Names of benchmarks: the function, the slot, and who runs.
 template <class T>

@@ -1,24 +1,11 @@
 // qor random for tests, and the library beside it.
 #pragma once
 
-#include <memory>
-#include <vector>
-
 #include "qor/distributions.h"
 #include "tests/front/command_fixture.h"
+#include "tests/streams/stream_support.h"
 
 namespace qor::test {
-
-struct DeleteStream {
-  void operator()(StreamState* stream) const { __ostDeleteStream(&stream); }
-};
-using Stream = std::unique_ptr<StreamState, DeleteStream>;
-
-inline Stream stream_of(int32_t brng, const std::vector<uint32_t>& seed = {7777777}) {
-  StreamState* stream = nullptr;
-  EXPECT_EQ(__ostNewStreamEx(&stream, brng, static_cast<int32_t>(seed.size()), seed.data()), 0);
-  return Stream(stream);
-}
 
 template <class Value>
 std::string bytes_of(const std::vector<Value>& values) {

@@ -12,7 +12,7 @@ const std::string kSome = " -n 40000 --format raw";
 
 template <class Value, class Draw>
 std::string library(int32_t brng, size_t count, Draw draw) {
-  const Stream stream = stream_of(brng);
+  const Stream stream = new_stream(brng);
   std::vector<Value> values(count);
   EXPECT_EQ(draw(stream.get(), static_cast<int32_t>(kMany), values.data()), 0);
   return bytes_of(values);
@@ -70,7 +70,7 @@ TEST_F(Random, EveryGeneratorByItsName) {
                 return _ostiRngUniformBits(0, s, n, r);
               }));
   }
-  const Stream seeded = stream_of(QOR_BRNG_MRG32K3A, {1, 0xFFFFFFFF, 3});
+  const Stream seeded = new_stream(QOR_BRNG_MRG32K3A, {1, 0xFFFFFFFF, 3});
   EXPECT_EQ(drawn("--generator MRG32K3A --seed 1,0xffffffff,3 --distribution uniform -n 5 "
                   "--format raw"),
             uniform_bytes(seeded, 5));
@@ -80,7 +80,7 @@ TEST_F(Random, CsvReadsBackExactly) {
   const std::string text = drawn(kMcg59 + "--distribution uniform -n 20000");
   const qor::cli::Csv csv = qor::cli::parse_csv(text, "out");
   EXPECT_EQ(csv.header, std::vector<std::string>{"uniform"});
-  EXPECT_EQ(bytes_of(qor::cli::numbers(csv, 0)), uniform_bytes(stream_of(QOR_BRNG_MCG59), 20000));
+  EXPECT_EQ(bytes_of(qor::cli::numbers(csv, 0)), uniform_bytes(new_stream(QOR_BRNG_MCG59), 20000));
   EXPECT_EQ(drawn("--generator wh --seed 3,4,5,6 --distribution uniformbits -n 2"),
             "uniformbits1,uniformbits2,uniformbits3,uniformbits4\n3,4,5,6\n375,468,635,756\n");
   EXPECT_EQ(drawn(kMcg59 + "--distribution uniform -n 0"), "uniform\n");
@@ -125,7 +125,7 @@ TEST_F(Random, LeapfrogThenSkip) {
     ASSERT_EQ(every_third.substr(8 * i, 8), whole.substr(8 * (3 * (i + 10) + 2), 8)) << i;
   }
   // 2^64 * 3 + 5, which one word does not hold.
-  const Stream far = stream_of(QOR_BRNG_MRG32K3A);
+  const Stream far = new_stream(QOR_BRNG_MRG32K3A);
   const uint64_t count[] = {5, 3};
   ASSERT_EQ(__ostSkipAheadStreamEx(far.get(), 2, count), 0);
   EXPECT_EQ(drawn("--generator mrg32k3a --seed 7777777 --distribution uniform -n 20 --format raw"
@@ -146,7 +146,7 @@ TEST_F(Random, SavedStreamsGoOn) {
     parts += drawn("--load-stream " + path("s") + " " + form + "200");
     EXPECT_EQ(parts, whole);
   }
-  const Stream stream = stream_of(QOR_BRNG_MCG59);
+  const Stream stream = new_stream(QOR_BRNG_MCG59);
   drawn(kMcg59 + "--distribution uniform -n 0 --save-stream " + path("s"));
   std::string image(static_cast<size_t>(__ostGetStreamSize(stream.get())), '\0');
   __ostSaveStreamM(stream.get(), image.data());

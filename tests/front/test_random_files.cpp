@@ -8,7 +8,7 @@ using namespace qor::test;
 
 TEST_F(Random, FilesTakeTheirNamesAtTheEnd) {
   const std::string arguments = kMcg59 + "--distribution uniform --format raw -n 5 -o ";
-  const std::string expected = uniform_bytes(stream_of(QOR_BRNG_MCG59), 5);
+  const std::string expected = uniform_bytes(new_stream(QOR_BRNG_MCG59), 5);
   const std::string there = file("there", "what was there is longer than what comes, by a bit");
   fs::permissions(there, fs::perms(0640));
   fs::create_symlink("there", path("link"));
