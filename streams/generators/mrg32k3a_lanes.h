@@ -1,8 +1,9 @@
 // MRG32K3A for long calls: lanes a fixed stride apart in the sequence, each going on step by step.
 //
 // One step has coefficients below 2^21, so that its sums are exact in double precision: half the
-// work of the 16-step form, whose products take 64-bit integers. Residues are kept centred, between
-// -m/2 and m/2, which saves their correction; rounding has to be to nearest.
+// work of the 16-step form, whose products take 64-bit integers. Residues are kept as they come, y
+// between -m/2 and m/2, x between -20 and m - 1, and the words put them right; rounding has to be
+// to nearest.
 #pragma once
 
 #include <array>
@@ -84,14 +85,15 @@ class MrgLanes {
     return reinterpret_cast<WideReal>(condition & reinterpret_cast<WideMask>(WideReal{} + value));
   }
 
-  // p less its nearest multiple of m; the quotient may be off where p is next to halfway.
+  // p less a multiple of m: that next to p / m - offset. Quotients stay below 2^22, which leaves
+  // them an error below 2^-30.
   template <uint32_t m>
-  static WideReal centred(WideReal p) {
+  static WideReal reduced(WideReal p, double offset) {
     constexpr double rounder = 0x1.8p52;
-    return p - ((p * (1.0 / m) + rounder) - rounder) * m;
+    return p - ((p * (1.0 / m) - offset + rounder) - rounder) * m;
   }
 
-  // Centred residues as those from 0 to m - 1.
+  // Residues below m as those from 0 to m - 1.
   template <uint32_t m>
   static WideReal residues(WideReal x) {
     return x + where(x < 0.0, m);
@@ -99,9 +101,12 @@ class MrgLanes {
 
   // Puts the next values in place of the oldest; returns the words.
   static WideReal step(WideReal& x, WideReal x_middle, WideReal& y, WideReal y_newest) {
-    x = centred<mrg_m1>(x_middle * 1403580.0 - x * 810728.0);
-    y = centred<mrg_m2>(y_newest * 527612.0 - y * 1370589.0);
-    return residues<mrg_m1>(residues<mrg_m1>(x) - residues<mrg_m2>(y));
+    // A little less than a half gives the floor, or one above it where the residue is next to m.
+    constexpr double to_floor = 0.5 - 0x1p-28;
+    x = reduced<mrg_m1>(x_middle * 1403580.0 - x * 810728.0, to_floor);
+    y = reduced<mrg_m2>(y_newest * 527612.0 - y * 1370589.0, 0.0);
+    // x - y mod m1: no less than -20 - m2, which m1 makes good.
+    return residues<mrg_m1>(x - y - where(y < 0.0, mrg_m2));
   }
 
   // v = a v mod m in each lane.

@@ -172,6 +172,7 @@ TEST_F(Random, StreamsGoOnAtAnotherLevel) {
       at(from);
       const std::string first = drawn(start + form + "13001 --save-stream " + path("s"));
       for (const std::string& to : levels) {
+        if (to == from && levels.size() > 1) continue;
         at(to);
         EXPECT_EQ(first + drawn("--load-stream " + path("s") + " " + form + "6999"), whole)
             << generator << " from " << from << " to " << to;
