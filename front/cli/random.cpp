@@ -22,7 +22,7 @@
 namespace qor::cli {
 namespace {
 
-constexpr uint64_t kBlock = 16384;  // rows drawn at a time
+constexpr size_t kBlock = 16384;  // rows drawn at a time
 
 Format format_of(const Arguments& arguments) {
   const std::string format = arguments.option("--format", "csv");
@@ -86,7 +86,7 @@ struct Task {
         stream(stream_of(arguments)),
         layout(layout_of(distribution, stream)) {}
 
-  void draw(const Stream& from, uint64_t count, void* values) const {
+  void draw(const Stream& from, size_t count, void* values) const {
     const int32_t status =
         distribution.draw(method, from.get(), static_cast<int32_t>(count), values, parameters);
     if (status == QOR_STREAM_NO_MEMORY) throw std::bad_alloc();
@@ -117,7 +117,7 @@ void draw_all(const Task& task, OutputFile* file, Histogram* histogram, bool sho
   std::vector<uint64_t> values(kBlock * std::max<size_t>(task.layout.row_bytes(), 8) / 8);
   std::string text = head_of(task.format, task.layout, task.distribution.name, task.rows);
   for (uint64_t done = 0; done < task.rows;) {
-    const uint64_t count = std::min(kBlock, task.rows - done);
+    const auto count = static_cast<size_t>(std::min<uint64_t>(kBlock, task.rows - done));
     task.draw(task.stream, count, values.data());
     if (histogram != nullptr) histogram->add(values.data(), count);
     if (file != nullptr) {
