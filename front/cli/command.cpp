@@ -83,16 +83,16 @@ Arguments parse_arguments(const Command& command, std::span<const std::string> w
       words = words.subspan(1);
     }
   }
-  for (const Option& option : command.options) {
-    if (option.required && !arguments.has(option.name)) {
-      refuse(command, std::string(option.name) + " is missing: " + std::string(option.help));
-    }
-  }
   const size_t given = arguments.operands.size();
   if (given < command.operands.size()) refuse(command, command.operands[given] + " is missing");
   if (given > command.operands.size()) {
     refuse(command, quoted(arguments.operands[command.operands.size()]) +
                         ": more arguments than are accepted");
+  }
+  for (const Option& option : command.options) {
+    if (option.required && !arguments.has(option.name)) {
+      refuse(command, std::string(option.name) + " is missing");
+    }
   }
   return arguments;
 }
