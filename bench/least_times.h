@@ -12,22 +12,6 @@
 
 namespace qor::bench {
 
-// Registers `run` for repetitions that are so short that some are undisturbed.
-template <class Run>
-void add(const std::string& name, Run run) {
-  constexpr int repetitions = 40;
-  constexpr double seconds = 0.0005;
-  benchmark::RegisterBenchmark(name.c_str(),
-                               [run](benchmark::State& state) {
-                                 for (auto _ : state) {
-                                   run();
-                                   benchmark::ClobberMemory();
-                                 }
-                               })
-      ->MinTime(seconds)
-      ->Repetitions(repetitions);
-}
-
 // Keeps the least time of each benchmark, in nanoseconds an iteration.
 class LeastTimes : public benchmark::BenchmarkReporter {
  public:

@@ -115,9 +115,11 @@ bool takes(const Distribution& distribution, std::string_view option) {
 
 // The options that the distribution takes, as a text.
 std::string options_of(const Distribution& distribution) {
-  std::vector<std::string> options;
-  for (const Parameter& p : distribution.parameters) options.emplace_back(p.option);
-  return options.empty() ? "no parameters" : joined(options);
+  std::string text;
+  for (const Parameter& p : distribution.parameters) {
+    text += (text.empty() ? "" : ", ") + std::string(p.option);
+  }
+  return text.empty() ? "no parameters" : text;
 }
 
 }  // namespace
