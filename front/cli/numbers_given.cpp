@@ -14,8 +14,9 @@ namespace {
 // Returns whether all of the text is one number.
 template <class Number, class... Base>
 bool parse(std::string_view text, Number& value, Base... base) {
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value, base...);
+  const char* begin = text.data();
+  const char* end = begin + text.size();
+  const auto [stop, error] = std::from_chars(begin, end, value, base...);
   return error == std::errc{} && stop == end;
 }
 
