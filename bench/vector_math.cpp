@@ -14,10 +14,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <map>
 #include <memory>
 #include <sstream>
 
+#include "bench/least_times.h"
 #include "bench/vector_math/peers.h"
 #include "tests/support/evaluate.h"
 #include "tools/levels.h"
@@ -25,6 +25,8 @@
 
 namespace {
 
+using qor::bench::LeastTimes;
+using qor::bench::number;
 using qor::test::Call;
 using qor::test::Row;
 using qor::tools::PageLine;
@@ -145,36 +147,6 @@ void add_row(const Row<T>& row, const std::string& level) {
     }
     if (plain) add_long(row, slot, vectors);
   }
-}
-
-// Keeps the least time of each benchmark, in nanoseconds.
-class LeastTimes : public benchmark::BenchmarkReporter {
- public:
-  bool ReportContext(const Context&) override { return true; }
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.run_type != Run::RT_Iteration) continue;
-      const std::string name = run.run_name.function_name;
-      const double time = run.GetAdjustedRealTime();
-      const auto [entry, fresh] = least_.emplace(name, time);
-      if (!fresh) entry->second = std::min(entry->second, time);
-    }
-  }
-  // 0 when there is no such benchmark.
-  double of(const std::string& name) const {
-    const auto found = least_.find(name);
-    return found == least_.end() ? 0.0 : found->second;
-  }
-
- private:
-  std::map<std::string, double> least_;
-};
-
-std::string number(double x, const char* format) {
-  if (x == 0) return "–";
-  char text[32];
-  std::snprintf(text, sizeof text, format, x);
-  return text;
 }
 
 template <class T>
