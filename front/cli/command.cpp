@@ -83,6 +83,11 @@ Arguments parse_arguments(const Command& command, std::span<const std::string> w
     refuse(command, quoted(arguments.operands[command.operands.size()]) +
                         ": more arguments than are accepted");
   }
+  for (const Option& option : command.options) {
+    if (option.required && !arguments.has(option.name)) {
+      refuse(command, std::string(option.name) + " is missing");
+    }
+  }
   return arguments;
 }
 
@@ -90,7 +95,8 @@ std::string usage(const Command& command) {
   std::string line = "usage: qor " + std::string(command.name);
   for (const std::string& operand : command.operands) line += " " + operand;
   for (const Option& option : command.options) {
-    line += " [" + std::string(option.name) + " " + std::string(option.value) + "]";
+    const std::string pair = std::string(option.name) + " " + std::string(option.value);
+    line += option.required ? " " + pair : " [" + pair + "]";
   }
   return line;
 }

@@ -15,6 +15,7 @@ struct Option {
   std::string_view value;  // what stands for the value in the help
   std::string_view help;
   std::vector<std::string> choices = {};  // what is accepted; empty: any text
+  bool required = false;
 };
 
 // The arguments of one call, checked against what its command declares.
@@ -34,8 +35,12 @@ class Arguments {
 
 // What a command writes, kept back until all has gone well.
 struct Output {
+  struct File {
+    std::string path, text;
+  };
   std::string out;
   std::string err;
+  std::vector<File> files;  // written first: if one cannot be, nothing follows
 };
 
 struct Command {

@@ -1,8 +1,10 @@
 // qor: the kernels at work on files, from the command line.
 
+#include <cerrno>
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "front/cli/command.h"
@@ -19,6 +21,7 @@ constexpr int kFailed = 1;
 const Command* const kCommands[] = {
     &tour_command,
     &map_command,
+    &fit_command,
 };
 
 std::string overview() {
@@ -60,6 +63,16 @@ bool write(std::FILE* to, const std::string& text) {
   return std::fwrite(text.data(), 1, text.size(), to) == text.size() && std::fflush(to) == 0;
 }
 
+void write(const Output::File& file) {
+  errno = 0;
+  std::FILE* to = std::fopen(file.path.c_str(), "wb");
+  const bool written = to != nullptr && write(to, file.text);
+  const int reason = errno;
+  if ((to == nullptr || std::fclose(to) == 0) && written) return;
+  throw InputError(quoted(file.path) + ": " + std::generic_category().message(reason) +
+                   "; a file that can be written is accepted");
+}
+
 }  // namespace
 }  // namespace qor::cli
 
@@ -69,6 +82,7 @@ int main(int count, char** values) {
   try {
     const std::vector<std::string> words(values + (count > 0 ? 1 : 0), values + count);
     run(words, output);
+    for (const Output::File& file : output.files) write(file);
   } catch (const InputError& error) {
     std::fprintf(stderr, "qor: %s\n", error.what());
     return kBadInput;

@@ -12,6 +12,7 @@
 #include "front/cli/functions.h"
 #include "front/cli/kernel_figures.h"
 #include "front/cli/text.h"
+#include "front/cli/tour_fitting.h"
 #include "front/cpp/qor.hpp"
 
 namespace qor::cli {
@@ -167,8 +168,10 @@ std::string kernels() {
 void run(const Arguments& arguments, Output& output) {
   const std::string folder =
       arguments.has("--data") ? arguments.option("--data", "") : data_folder();
+  const std::string plots = arguments.option("--plots", "");
   output.out = "qor_ark_base " QOR_VERSION "\n  library  " + library_file() + "\n  data     " +
-               folder + "\n\n" + markets(folder) + errors(folder) + kernels();
+               folder + "\n\n" + markets(folder) + errors(folder) +
+               tour_fitting(folder, plots, output) + kernels();
 }
 
 }  // namespace
@@ -179,7 +182,8 @@ const Command tour_command = {
     .operands = {},
     .options = {{"--data", "FOLDER",
                  "where the example data is, when it is not where it was"
-                 " installed"}},
+                 " installed"},
+                {"--plots", "FOLDER", "where to write plots; the current folder when not given"}},
     .run = run,
 };
 

@@ -1,57 +1,14 @@
 // The command qor as a person runs it: what goes to which stream, and with which status.
 
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "front/cli/csv.h"
+#include "tests/front/run_command.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-
-struct Result {
-  int status;
-  std::string out, err;
-};
-
-class Command : public testing::Test {
- protected:
-  void SetUp() override {
-    std::string folder = fs::temp_directory_path() / "qor_command_XXXXXX";
-    ASSERT_NE(mkdtemp(folder.data()), nullptr);
-    folder_ = folder;
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
-  std::string file(const std::string& name, const std::string& text) const {
-    std::ofstream(folder_ / name, std::ios::binary) << text;
-    return folder_ / name;
-  }
-
-  // Runs qor with arguments as a shell reads them.
-  Result run(const std::string& arguments) const {
-    const std::string out = folder_ / "out", err = folder_ / "err";
-    const std::string line = QOR_COMMAND " " + arguments + " >" + out + " 2>" + err + " </dev/null";
-    const int status = std::system(line.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, content(out), content(err)};
-  }
-
-  static std::string content(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-  }
-
-  fs::path folder_;
-};
+using qor::test::Command;
+using qor::test::Result;
 
 const std::string kAir = QOR_EXAMPLE_DATA "/airquality.csv";
 
@@ -107,16 +64,19 @@ TEST_F(Command, MapOfTwoInputsTakesTwoColumns) {
 }
 
 TEST_F(Command, TourShowsEverySection) {
-  const Result result = run("tour");
+  const Result result = run("tour --plots " + folder_.string());
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(result.err, "");
-  for (const char* text :
-       {"1860 daily closes", "DAX", "336.07", "153 days", "Ln(Ozone)", "nothing",
-        "70 domain, 11 singularity", "overflow", "underflow", "worst ulp", "dExp ", "dLog1p "}) {
+  for (const char* text : {"1860 daily closes", "DAX", "336.07", "153 days", "Ln(Ozone)", "nothing",
+                           "70 domain, 11 singularity", "overflow", "underflow", "worst ulp",
+                           "dExp ", "dLog1p ", "468 months", "316.77", "boils at 356.7 degrees"}) {
     EXPECT_NE(result.out.find(text), std::string::npos) << text << " in\n" << result.out;
   }
+  for (const char* plot : {"qor_tour_co2.svg", "qor_tour_mercury.svg"}) {
+    EXPECT_NE(content(folder_ / plot).find("</svg>"), std::string::npos) << plot;
+  }
   // --data takes the place of the search.
-  EXPECT_EQ(run("tour --data " QOR_EXAMPLE_DATA).status, 0);
+  EXPECT_EQ(run("tour --data " QOR_EXAMPLE_DATA " --plots " + folder_.string()).status, 0);
   EXPECT_EQ(run("tour --data " + folder_.string()).status, 2);
 }
 
@@ -140,7 +100,7 @@ TEST_F(Command, BadInputIsNamedAndNothingIsWritten) {
   };
   const Case cases[] = {
       {"", {"a command is missing", "map", "tour"}},
-      {"mop", {"\"mop\"", "tour, map"}},
+      {"mop", {"\"mop\"", "tour, map, fit"}},
       {"map exp /no/such.csv", {"/no/such.csv", "No such file"}},
       {"map exp " + folder_.string(), {folder_.string(), "directory"}},
       {"map exp " + kAir + " --columns Ozone,Rain", {"\"Rain\"", "Ozone, Solar.R, Wind"}},
@@ -158,6 +118,7 @@ TEST_F(Command, BadInputIsNamedAndNothingIsWritten) {
       {"map exp " + kAir + " --errors", {"--errors", "missing"}},
       {"map exp " + kAir + " --errors report --errors ignore", {"--errors", "twice"}},
       {"tour --data /no/such", {"/no/such"}},
+      {"tour --plots /no/such", {"/no/such/qor_tour_co2.svg"}},
       {"tour Ozone", {"\"Ozone\""}},
   };
   for (const Case& c : cases) {

@@ -113,7 +113,7 @@ check_exports() {
 
 check_command() {
   local command=$prefix/bin/qor
-  (cd / && "$command" tour) | grep "data .*$prefix/share/qor_ark_base/data" >/dev/null ||
+  (cd "$work" && "$command" tour) | grep "data .*$prefix/share/qor_ark_base/data" >/dev/null ||
     fail "the installed command does not find its installed data"
   expect "Exp(x)" "$(printf 'x\n1\n' | "$command" map exp /dev/stdin | head -n 1)" "qor map"
 }
