@@ -147,6 +147,13 @@ int evaluate_functions(const Interpolation<Real>& call, const Block<Real>& block
   return QOR_DF_OK;
 }
 
+// Asks for what a block is about to read or write, so that it arrives while other work is done.
+template <class Real>
+void fetch_ahead(const Real* from, int64_t count) {
+  constexpr int64_t kLine = 64 / sizeof(Real);
+  for (int64_t i = 0; i < count; i += kLine) __builtin_prefetch(from + i);
+}
+
 template <class Real>
 int run_block(const Interpolation<Real>& call, int64_t number, Real* buffer, int32_t* last_cell) {
   Real expanded[block_size], distance[block_size];
@@ -158,7 +165,9 @@ int run_block(const Interpolation<Real>& call, int64_t number, Real* buffer, int
     UniformSites<Real>(call.site, call.nsite).expand(first, count, expanded);
   } else {
     site = call.site + first;
+    fetch_ahead(site + count, std::min(block_size, call.nsite - first - count));
   }
+  if (buffer == nullptr) fetch_ahead(call.r + first * call.wanted.results(), count);
   const bool callers_cells = !call.search_cells || call.keep_cells;
   int32_t* cell = callers_cells ? call.cell + first : found;
   if (call.search_cells) {
@@ -166,9 +175,15 @@ int run_block(const Interpolation<Real>& call, int64_t number, Real* buffer, int
     const int status = call.search.run(count, site, last_cell, cell);
     if (status < 0) return status;
   }
-  const Block<Real> block{count, site, cell, piece, distance};
+  Block<Real> block{count, site, cell, piece, distance, nullptr};
+  Stretches<Real> stretches;
   if (call.task.ny > 0 && is_polynomial(call.interpolant)) {
-    locate(call.task, call.interpolant, block);
+    const bool values = call.wanted.value_alone() && !call.callbacks.any();
+    if (values && locate_stretches(call.task, call.interpolant, block, &stretches)) {
+      block.stretches = &stretches;
+    } else {
+      locate(call.task, call.interpolant, block);
+    }
   }
   return evaluate_functions(call, block, first, buffer);
 }
