@@ -10,28 +10,27 @@
 namespace qor::fitting {
 namespace {
 
-// Whether any of 8 cells from `cell` on differs from the one before it.
+// Cells that are compared with the ones before them at once.
+constexpr int64_t kCells = lanes::register_bytes / sizeof(int32_t);
+
 bool any_changes(const int32_t* cell) {
-  uint64_t changes = 0;
-  for (int j = 0; j < 8; j += 2) {
-    uint64_t before, here;
-    __builtin_memcpy(&before, cell + j - 1, sizeof before);
-    __builtin_memcpy(&here, cell + j, sizeof here);
-    changes |= before ^ here;
-  }
-  return changes != 0;
+  lanes::i32 before, here;
+  __builtin_memcpy(&before, cell - 1, sizeof before);
+  __builtin_memcpy(&here, cell, sizeof here);
+  return lanes::bits(before != here) != 0;
 }
 
-// The ends of stretches of equal cells; returns their number, 0 when they are short.
+// The ends of stretches of equal cells; returns their number, 0 when it is more than `most`. `end`
+// has room for kCells more.
 int64_t find_ends(int64_t count, const int32_t* cell, int64_t most, int32_t* end) {
   int64_t found = 0, i = 1;
   const auto note = [&](int64_t at) {
     end[found] = static_cast<int32_t>(at);
     found += cell[at - 1] != cell[at] ? 1 : 0;
   };
-  for (; i + 8 <= count && found < most; i += 8) {
+  for (; i + kCells <= count && found < most; i += kCells) {
     if (!any_changes(cell + i)) continue;
-    for (int j = 0; j < 8; ++j) note(i + j);
+    for (int64_t j = 0; j < kCells; ++j) note(i + j);
   }
   for (; i < count && found < most; ++i) note(i);
   if (found >= most) return 0;
@@ -41,8 +40,9 @@ int64_t find_ends(int64_t count, const int32_t* cell, int64_t most, int32_t* end
 
 template <class Real, class Pieces>
 bool locate_stretches_on(const Pieces pieces, const Block<Real>& block, Stretches<Real>* found) {
-  static_assert(Stretches<Real>::shortest == 8);
-  found->count = find_ends(block.count, block.cell, block.count / 8, found->end);
+  using Found = Stretches<Real>;
+  static_assert(Found::most + kCells <= Found::room);
+  found->count = find_ends(block.count, block.cell, block.count / Found::shortest, found->end);
   for (int64_t k = 0, first = 0; k < found->count; first = found->end[k++]) {
     found->piece[k] = pieces.find(block.site[first], block.cell[first]);
     found->left[k] = pieces.left(found->piece[k]);
@@ -99,10 +99,12 @@ void evaluate_stretches(const Real* c, const Block<Real>& block, Real* out) {
     const int64_t end = stretches.end[k];
     const Real* p = c + int64_t{order} * stretches.piece[k];
     const Real left = stretches.left[k];
+    Register coefficient[order];
+    for (int power = 0; power < order; ++power) coefficient[power] = lanes::all(p[power]);
     for (; i < end && i + kLanes <= block.count; i += kLanes) {
       const Register t = lanes::load(block.site + i) - lanes::all(left);
-      Register value = lanes::all(p[order - 1]);
-      for (int power = order - 2; power >= 0; --power) value = value * t + lanes::all(p[power]);
+      Register value = coefficient[order - 1];
+      for (int power = order - 2; power >= 0; --power) value = value * t + coefficient[power];
       lanes::store(out + i, value);
     }
     for (; i < end; ++i) out[i] = polynomial<Real, order, 0>(p, block.site[i] - left);

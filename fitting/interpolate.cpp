@@ -147,13 +147,6 @@ int evaluate_functions(const Interpolation<Real>& call, const Block<Real>& block
   return QOR_DF_OK;
 }
 
-// Asks for what a block is about to read or write, so that it arrives while other work is done.
-template <class Real>
-void fetch_ahead(const Real* from, int64_t count) {
-  constexpr int64_t kLine = 64 / sizeof(Real);
-  for (int64_t i = 0; i < count; i += kLine) __builtin_prefetch(from + i);
-}
-
 template <class Real>
 int run_block(const Interpolation<Real>& call, int64_t number, Real* buffer, int32_t* last_cell) {
   Real expanded[block_size], distance[block_size];
@@ -165,9 +158,7 @@ int run_block(const Interpolation<Real>& call, int64_t number, Real* buffer, int
     UniformSites<Real>(call.site, call.nsite).expand(first, count, expanded);
   } else {
     site = call.site + first;
-    fetch_ahead(site + count, std::min(block_size, call.nsite - first - count));
   }
-  if (buffer == nullptr) fetch_ahead(call.r + first * call.wanted.results(), count);
   const bool callers_cells = !call.search_cells || call.keep_cells;
   int32_t* cell = callers_cells ? call.cell + first : found;
   if (call.search_cells) {

@@ -45,10 +45,11 @@ template <class Real>
 struct Stretches {
   static constexpr int64_t shortest = 8;  // on average
   static constexpr int64_t most = block_size / shortest;
+  static constexpr int64_t room = most + 16;
   int64_t count = 0;
-  int32_t end[most + shortest];
-  int32_t piece[most + shortest];
-  Real left[most + shortest];
+  int32_t end[room];
+  int32_t piece[room];
+  Real left[room];
 };
 
 // A block of sites, or a part of one, for polynomials located by stretches or else site by site.

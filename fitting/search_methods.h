@@ -65,20 +65,23 @@ void search_uniform_sorted(int64_t nx, const Real* x, int64_t nsite, const Real*
   const int32_t n = cell_count(nx);
   const Real first = x[0], last = x[1];
   int64_t i = 0;
+  Real low = nsite > 0 ? site[0] : 0;
+  int32_t c = cell_by_step(n, first, last, step, low);
   for (; i + site_group <= nsite; i += site_group) {
-    const Real low = site[i], high = site[i + site_group - 1];
-    const int32_t c = cell_by_step(n, first, last, step, low);
+    const Real high = site[i + site_group - 1];
+    const int32_t of_high = cell_by_step(n, first, last, step, high);
     auto inside = V{} == V{};
     for (int64_t j = 0; j < site_group; j += kLanes) {
       const V s = lanes::load(site + i + j);
       inside &= (s >= lanes::all(low)) & (s <= lanes::all(high));
     }
-    if (c == cell_by_step(n, first, last, step, high) &&
-        lanes::bits(inside) == lanes::first_lanes(kLanes)) {
+    if (c == of_high && lanes::bits(inside) == lanes::first_lanes(kLanes)) {
       std::fill_n(cell + i, site_group, c);
     } else {
       search_uniform(nx, x, site_group, site + i, step, cell + i);
     }
+    low = high;
+    c = of_high;
   }
   search_uniform(nx, x, nsite - i, site + i, step, cell + i);
 }
