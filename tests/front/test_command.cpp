@@ -94,11 +94,7 @@ TEST_F(Command, BadInputIsNamedAndNothingIsWritten) {
   const std::string good = file("good.csv", "a,a,b\n1,2,3\n");
   // Text comes late, behind rows that could have been written.
   const std::string text = file("text.csv", "a,b\n1,2\n3,four\n");
-  struct Case {
-    std::string arguments;
-    std::vector<std::string> named;
-  };
-  const Case cases[] = {
+  const Refused calls[] = {
       {"", {"a command is missing", "map", "tour"}},
       {"mop", {"\"mop\"", "tour, map, fit"}},
       {"map exp /no/such.csv", {"/no/such.csv", "No such file"}},
@@ -121,16 +117,7 @@ TEST_F(Command, BadInputIsNamedAndNothingIsWritten) {
       {"tour --plots /no/such", {"/no/such/qor_tour_co2.svg"}},
       {"tour Ozone", {"\"Ozone\""}},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE("qor " + c.arguments);
-    const Result result = run(c.arguments);
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err.find("qor: "), 0u);
-    for (const std::string& name : c.named) {
-      EXPECT_NE(result.err.find(name), std::string::npos) << name << " in " << result.err;
-    }
-  }
+  expect_refused(calls);
 }
 
 TEST_F(Command, AFullDiskIsNotSuccess) {

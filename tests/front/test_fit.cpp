@@ -180,11 +180,7 @@ TEST_F(Fit, BadInputIsNamedAndNothingIsWritten) {
   const std::string endless = file("endless.csv", "x,y\n0,1\n2,inf\n3,4\n");
   const std::string few = file("few.csv", "x,y\n0,1\n1,2\n");
   const std::string natural = "fit " + good + " --x x --y y --spline natural ";
-  struct Case {
-    std::string arguments;
-    std::vector<std::string> named;
-  };
-  const Case cases[] = {
+  const Refused calls[] = {
       {"fit " + good + " --x x --y y", {"--spline is missing", "usage: qor fit FILE.csv --x COL"}},
       {"fit " + good + " --x x --spline natural", {"--y is missing"}},
       {"fit " + good + " --x x --y y --spline b", {"--spline", "\"b\"", "linear, quadratic"}},
@@ -218,16 +214,7 @@ TEST_F(Fit, BadInputIsNamedAndNothingIsWritten) {
       {natural + "--format xml", {"--format", "csv, json"}},
       {natural + "--plot /no/such/p.svg", {"/no/such/p.svg", "No such file"}},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE("qor " + c.arguments);
-    const Result result = run(c.arguments);
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err.find("qor: "), 0u);
-    for (const std::string& name : c.named) {
-      EXPECT_NE(result.err.find(name), std::string::npos) << name << " in " << result.err;
-    }
-  }
+  expect_refused(calls);
 }
 
 TEST_F(Fit, ABadCallWritesNoPlot) {
