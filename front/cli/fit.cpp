@@ -70,13 +70,12 @@ std::string csv_of_values(const Fit& fit) {
   return text;
 }
 
-std::string csv_of_integrals(const Fit& fit) {
+std::string csv_of_integrals(const Fit& fit, const std::pair<double, double>& limits) {
   const std::string header[] = {"column", "from", "to", "integral"};
   std::string text = csv_line(header);
   for (size_t i = 0; i < fit.integrals.size(); ++i) {
     const std::string fields[] = {csv_field(std::string_view(fit.request.columns[i].name)),
-                                  csv_field(fit.request.limits->first),
-                                  csv_field(fit.request.limits->second),
+                                  csv_field(limits.first), csv_field(limits.second),
                                   csv_field(fit.integrals[i])};
     text += csv_line(fields);
   }
@@ -85,9 +84,10 @@ std::string csv_of_integrals(const Fit& fit) {
 
 // Both tables have a header line; an empty line stands between them.
 std::string csv_of(const Fit& fit) {
-  const bool values = !fit.request.orders.empty(), integrals = fit.request.limits.has_value();
-  return (values ? csv_of_values(fit) : "") + (values && integrals ? "\n" : "") +
-         (integrals ? csv_of_integrals(fit) : "");
+  const FitRequest& request = fit.request;
+  std::string text = request.orders.empty() ? "" : csv_of_values(fit);
+  if (!text.empty() && request.limits) text += "\n";
+  return request.limits ? text + csv_of_integrals(fit, *request.limits) : text;
 }
 
 // ---- JSON -----------------------------------------------------------------------------------

@@ -19,6 +19,12 @@ std::vector<double> samples(const Range& range) {
   return x;
 }
 
+// The sites of --at, or the data.
+Range range_of(const FitRequest& request, const Spline& spline) {
+  const std::vector<double>& x = request.has_range ? request.sites : spline.points().x;
+  return {std::min(x.front(), x.back()), std::max(x.front(), x.back())};
+}
+
 }  // namespace
 
 Series data_of(const Spline& spline, const Range& range, std::string name, size_t colour) {
@@ -48,12 +54,8 @@ std::string plot_of_fit(const FitRequest& request, std::span<const Spline> splin
   Plot plot{title, request.x, {{"Values", {}}, {"First derivative", {}}}};
   for (size_t i = 0; i < splines.size(); ++i) {
     const Spline& spline = splines[i];
-    const auto& [name, x, y, slopes] = spline.points();
-    Range range{x.front(), x.back()};
-    if (request.has_range) {
-      const auto [low, high] = std::ranges::minmax(request.sites);
-      range = {low, high};
-    }
+    const std::string& name = spline.points().name;
+    const Range range = range_of(request, spline);
     plot.panels[0].series.push_back(curve_of(spline, 0, range, name + ", spline", i));
     plot.panels[0].series.push_back(data_of(spline, range, name + ", data", i));
     plot.panels[1].series.push_back(curve_of(spline, 1, range, name + " per " + request.x, i));

@@ -16,22 +16,21 @@ constexpr int64_t kHighestOrder = 3;
   throw InputError(std::string(option) + ": " + quoted(text) + "; " + accepted);
 }
 
-// Finite numbers, as many as there are places for; none when the text is something else.
-std::optional<std::vector<double>> finite_numbers(const std::string& text, char separator,
-                                                  size_t count) {
+// So many finite numbers; empty when the text is something else.
+std::vector<double> finite_numbers(const std::string& text, char separator, size_t count) {
   std::vector<double> values;
   for (const std::string& word : split(text, separator)) {
     const auto value = parse_number(word);
-    if (!value || !std::isfinite(*value)) return std::nullopt;
+    if (!value || !std::isfinite(*value)) return {};
     values.push_back(*value);
   }
-  if (values.size() != count) return std::nullopt;
+  if (values.size() != count) values.clear();
   return values;
 }
 
 std::vector<double> range_of_sites(const std::string& text) {
-  const auto range = finite_numbers(text, ':', 3);
-  const double count = range ? (*range)[2] : 0;
+  const std::vector<double> range = finite_numbers(text, ':', 3);
+  const double count = range.empty() ? 0 : range[2];
   if (!(count >= 1 && count <= kMostSites && count == std::floor(count))) {
     refuse("--at", text,
            format("A:B:N is accepted, N sites from A to B, N from 1 to %lld",
@@ -41,7 +40,7 @@ std::vector<double> range_of_sites(const std::string& text) {
   const double last = count - 1;
   for (size_t i = 0; i < sites.size(); ++i) {
     const double share = last == 0 ? 0 : static_cast<double>(i) / last;
-    sites[i] = (1 - share) * (*range)[0] + share * (*range)[1];
+    sites[i] = (1 - share) * range[0] + share * range[1];
   }
   return sites;
 }
@@ -145,6 +144,7 @@ std::vector<Points> read_columns(const Arguments& arguments, const Csv& csv, boo
     refuse("--slopes", slopes, format("%zu columns are accepted, as of --y", names.size()));
   }
   std::vector<Points> columns;
+  columns.reserve(names.size());
   for (size_t i = 0; i < names.size(); ++i) {
     columns.push_back(points_of(
         csv, {arguments.option("--x", ""), names[i], hermite ? of_slopes[i] : ""}, notes));
@@ -172,9 +172,10 @@ FitRequest read_fit_request(const Arguments& arguments, std::string& notes) {
       request.has_range || arguments.has("--at-file") || arguments.has("--derivatives");
   if (arguments.has("--integrate")) {
     const std::string text = arguments.option("--integrate", "");
-    const auto limits = finite_numbers(text, ',', 2);
-    if (!limits) refuse("--integrate", text, "A,B is accepted, the limits as finite numbers");
-    request.limits = {(*limits)[0], (*limits)[1]};
+    const std::vector<double> limits = finite_numbers(text, ',', 2);
+    if (limits.empty())
+      refuse("--integrate", text, "A,B is accepted, the limits as finite numbers");
+    request.limits = {limits[0], limits[1]};
     if (!asks_for_sites) request.orders.clear();
   }
   const Csv csv = read_csv(arguments.operands[0]);

@@ -134,14 +134,15 @@ void Spline::check() const {
 
 // What the kind wants to know between the ends, and what the ends take from it.
 void Spline::set_conditions() {
-  const auto& [name, x, y, slopes] = points_;
+  const std::vector<double>& x = points_.x;
+  const std::vector<double>& slopes = points_.slopes;
   if (kind_.type == kCubicOfDerivatives) {
     inner_.assign(slopes.begin() + 1, slopes.end() - 1);
     if (boundary_.text == "slopes") boundary_.values = {slopes.front(), slopes.back()};
     if (boundary_.code == QOR_DF_BC_PERIODIC) boundary_.values = {slopes.front()};
   } else if (kind_.type == kOnKnots && boundary_.code != QOR_DF_BC_FIRST_MIDPOINT) {
-    // Knots half way between the points.
-    inner_ = {x.front()};
+    // Knots half way between the points, and at the ends.
+    inner_.push_back(x.front());
     for (size_t i = 1; i < x.size(); ++i) inner_.push_back(std::midpoint(x[i - 1], x[i]));
     inner_.push_back(x.back());
   }
