@@ -5,6 +5,7 @@
 // ascending order, and overlapping vectors get what that loop gives.
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 #include "kernels/rows.h"
@@ -60,9 +61,13 @@ void move_sequence(int64_t n, Byte* to, int64_t to_step, const Byte* from, int64
     std::memcpy(to, from, static_cast<size_t>(n) * size);
     return;
   }
+  // Elements that hardly share cache lines go one by one: a single load that steps through memory
+  // is what the processor fetches ahead of.
   constexpr int at_once = 8;
+  constexpr int64_t far = 48;  // bytes
+  const bool close = std::abs(from_step) < far && std::abs(to_step) < far;
   int64_t i = 0;
-  if (apart) {
+  if (apart && close) {
     for (; i + at_once <= n; i += at_once) {
       move_elements<size, at_once>(to + i * to_step, to_step, from + i * from_step, from_step);
     }
