@@ -1,0 +1,60 @@
+// What a task describes, as estimators read it: integers of either width, reals of the entry's
+// type, the data block with its layout.
+#pragma once
+
+#include "statistics/task.h"
+
+namespace qor::statistics {
+
+// Integers of the caller, 32 or 64 bits wide.
+struct Integers {
+  const void* data;
+  bool wide;
+
+  bool given() const { return data != nullptr; }
+  int64_t operator[](int64_t i) const {
+    return wide ? static_cast<const int64_t*>(data)[i] : static_cast<const int32_t*>(data)[i];
+  }
+};
+
+inline Integers integers(const SsTask& task, const void* field) {
+  return {field, task.index_width != 0};
+}
+// The value behind a field that is not null.
+inline int64_t integer(const SsTask& task, const void* field) { return integers(task, field)[0]; }
+
+template <class Real>
+Real* reals(void* field) {
+  return static_cast<Real*>(field);
+}
+
+inline bool is_data_storage(int64_t word) {
+  return (word & (QOR_SS_BY_VARIABLE | QOR_SS_BY_OBSERVATION)) != 0;
+}
+
+// n observations of p variables.
+template <class Real>
+struct Observations {
+  const Real* x;
+  int64_t n, p;
+  bool by_variable;
+  const Real* weights;  // one per observation, or null
+  Integers indices;     // one per variable, or none: then all take part
+
+  int64_t variable_stride() const { return by_variable ? n : 1; }
+  int64_t observation_stride() const { return by_variable ? 1 : p; }
+  const Real* variable(int64_t j) const { return x + j * variable_stride(); }
+  bool takes_part(int64_t j) const { return !indices.given() || indices[j] != 0; }
+};
+
+// The data block of a task whose p, n, x and storage word have been found good. The variable part
+// of a block of one variable lies contiguous in both layouts.
+template <class Real>
+Observations<Real> observations(const SsTask& task) {
+  const int64_t p = integer(task, task.p);
+  const bool by_variable = (integer(task, task.x_storage) & QOR_SS_BY_VARIABLE) != 0 || p == 1;
+  return {reals<Real>(task.x), integer(task, task.n),     p,
+          by_variable,         reals<Real>(task.weights), integers(task, task.indices)};
+}
+
+}  // namespace qor::statistics
