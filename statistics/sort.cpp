@@ -32,7 +32,7 @@ int compute_sort(SsTask& task, const ThreadHook* hook) {
   const int64_t threads = threads_for_sorting(hook, variables.count(), bytes);
   const services::HeapScratch<Real> work(services::counted_product(threads, room));
   if (work.data() == nullptr) return QOR_SS_NO_MEMORY;
-  const auto sort = [&](int64_t item, int64_t thread) {
+  auto sort = [&](int64_t item, int64_t thread) {
     sort_item(column(data, variables[item]), output, item, work.data() + thread * room);
   };
   run_items(hook, variables.count(), threads, sort);
