@@ -26,6 +26,9 @@ function(qor_add_kernel_library)
     ${CMAKE_SOURCE_DIR}/distributions/*.cpp ${CMAKE_SOURCE_DIR}/fitting/*.cpp
     ${CMAKE_SOURCE_DIR}/statistics/*.cpp)
   qor_export_map(map)
+  # Any BLAS with the Fortran symbols; OpenBLAS, of the OpenMP flavour, keeps to the thread of a team
+  # that calls it.
+  find_library(QOR_BLAS NAMES openblas blas REQUIRED)
   foreach(level IN LISTS QOR_LEVELS)
     qor_level_options(${level} options)
     qor_level_folder(${level} folder)
@@ -39,7 +42,7 @@ function(qor_add_kernel_library)
       $<$<COMPILE_LANGUAGE:CXX>:-fvisibility=hidden -fvisibility-inlines-hidden -fno-exceptions
       -fno-rtti>)
     target_link_libraries(${target} PRIVATE qor_warnings qor_arithmetic Threads::Threads
-      PUBLIC qor_core)
+      ${QOR_BLAS} PUBLIC qor_core)
     # Functions bind inside; data does not: a program's copy of a row, where its linker made one, is
     # then the row that the stubs read, so that a patched slot takes effect either way.
     target_link_options(${target} PRIVATE -Wl,--version-script=${map} -Wl,-Bsymbolic-functions)

@@ -2,12 +2,16 @@
 // entry have found good, and returns a status of its own, most often 0 or NO_MEMORY.
 #pragma once
 
+#include "statistics/request.h"
 #include "statistics/task.h"
 
 namespace qor::statistics {
 
+// Stands in for estimators that this version does not have: the one place where their entries end.
+inline int not_built() { return QOR_SS_NOT_BUILT; }
+
 template <class Real>
-int compute_basic(SsTask& task, uint64_t estimates, uint64_t method, const ThreadHook* hook);
+int compute_basic(SsTask& task, const Request& request, const ThreadHook* hook);
 
 // Order statistics. `estimates` and `method` as given to the entry.
 template <class Real>

@@ -113,4 +113,5 @@ struct SsTask {
   void* sorted_output;
   const void* sorted_output_storage;
   void* saved_means;  // owned: the means of the last call about given means
+  int64_t saved_mean_count;
 };

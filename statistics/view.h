@@ -32,6 +32,14 @@ inline bool is_data_storage(int64_t word) {
   return (word & (QOR_SS_BY_VARIABLE | QOR_SS_BY_OBSERVATION)) != 0;
 }
 
+// Entries that take nothing but one of the two words.
+inline bool is_exact_data_storage(int64_t word) {
+  return word == QOR_SS_BY_VARIABLE || word == QOR_SS_BY_OBSERVATION;
+}
+inline bool is_exact_matrix_storage(int64_t word) {
+  return word == QOR_SS_MATRIX_FULL || word == QOR_SS_MATRIX_LOWER || word == QOR_SS_MATRIX_UPPER;
+}
+
 // n observations of p variables.
 template <class Real>
 struct Observations {
@@ -47,8 +55,8 @@ struct Observations {
   bool takes_part(int64_t j) const { return !indices.given() || indices[j] != 0; }
 };
 
-// The data block of a task whose p, n, x and storage word have been found good. The variable part
-// of a block of one variable lies contiguous in both layouts.
+// The data block of a task whose p, n, x and storage word have been found good. One variable counts
+// as stored by variable.
 template <class Real>
 Observations<Real> observations(const SsTask& task) {
   const int64_t p = integer(task, task.p);

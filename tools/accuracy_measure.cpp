@@ -62,11 +62,14 @@ constexpr uint64_t kFloats = uint64_t{1} << 32;
 constexpr uint64_t kPiece = uint64_t{1} << 13;
 
 // The error of y where the value is about r, to some 2^-26 ulp; NaN where only the reference can
-// tell: at NaN and infinities, and where the sign of a zero may be wrong.
+// tell: where y is of another kind or sign than r, and at the edge of overflow.
 inline double quick_error(float y, double r) {
+  constexpr double surely_beyond = 0x1.0000000001p+128;
+  if (std::isnan(r) && std::isnan(y)) return 0;
+  if (std::isnan(r) || std::isnan(y) || std::signbit(r) != std::signbit(y)) return std::nan("");
+  if (std::isinf(y)) return std::fabs(r) > surely_beyond ? 0 : std::nan("");
   const auto image = std::bit_cast<int64_t>(r);
   const auto biased = (image >> 52) & 0x7FF;
-  if (biased == 0 || y == 0.0f || std::isinf(y)) return std::nan("");
   const int64_t exponent = std::max<int64_t>(biased - 1022, test::format_of<float>.min_exponent);
   if (exponent > test::format_of<float>.max_exponent) return std::nan("");
   const double per_ulp = std::bit_cast<double>((1023 + 24 - exponent) << 52);

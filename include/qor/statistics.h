@@ -411,12 +411,11 @@ QOR_API int32_t __ostsSSEditMtxParametrz(SsTask* task, float* cor, const void* c
    Blocks: with accumulated weights above 0 the registered arrays are continued; at 0 they start
    afresh. The first registered of cp, cov, cor carries the cross-product.
    Variables whose entry in `indices` is 0 are left out: their results are not written.
-   Statuses in order: NULL_TASK; BAD_P; BAD_METHOD (no or several data methods; a sum with
+   Statuses in order: NULL_TASK; BAD_METHOD (no or several data methods; a sum with
    FROM_SUMS); that of the first missing array; then BAD_N, NULL_X, NULL_STORAGE, BAD_STORAGE, or
-   with FROM_SUMS BAD_ACCUMULATED_WEIGHTS (none, and weights are given or n is null); the storage
-   words of the matrices; NO_MEMORY.
-   Threads: one per 8192 elements (n*p, or n with a matrix) and per 16 observations at most, merged
-   in order. */
+   with FROM_SUMS BAD_ACCUMULATED_WEIGHTS (none, and weights are given or n is null); BAD_P;
+   NULL_STORAGE of the matrices; NO_MEMORY. Threads: one per 8192 elements (n*p, or n with a matrix)
+   and per 16 observations at most, merged in order. */
 QOR_API int32_t _ostdSSBasic(SsTask* task, uint64_t estimates, uint64_t method,
                              const ThreadHook* hook);
 QOR_API int32_t _ostsSSBasic(SsTask* task, uint64_t estimates, uint64_t method,

@@ -1,0 +1,339 @@
+// Basic: one block of data into moments, sums and matrices, on the threads that the caller lends.
+
+#include <algorithm>
+
+#include "statistics/cross_product.h"
+#include "statistics/estimators.h"
+#include "statistics/slots.h"
+#include "statistics/work_memory.h"
+
+namespace qor::statistics {
+namespace {
+
+// A thread pays for itself from this much work on.
+constexpr int64_t kElementsPerThread = 8192;
+constexpr int64_t kObservationsPerThread = 16;
+
+int64_t threads_for(const ThreadHook* hook, int64_t n, int64_t p, bool matrix) {
+  if (hook == nullptr || hook->run_team == nullptr || hook->thread_count == nullptr) return 1;
+  const int64_t work = matrix ? n : services::counted_product(n, p);
+  const int64_t most = std::min(work / kElementsPerThread, n / kObservationsPerThread);
+  return std::max<int64_t>(1, std::min(hook->thread_count(), most));
+}
+
+// What one thread gathers, away from the cache lines of the others.
+template <class Real>
+struct alignas(128) Member {
+  Accumulator<Real> gathered;
+};
+
+// One call over data.
+template <class Real>
+struct Run {
+  SsTask& task;
+  const Request& request;
+  Observations<Real> data;
+  int row;
+  Order order;
+  bool matrix;
+  int64_t threads;
+  Kernel<Real> kernel;
+  const Real* start_means;  // what the cross-product is central about at the start
+  Member<Real>* members;    // one per thread; the first gathers in the caller's arrays
+};
+
+template <class Real>
+Kernel<Real> kernel_of(const Request& request, const Observations<Real>& data, int row) {
+  const bool weighted = data.weights != nullptr;
+  switch (request.method) {
+    case Method::one_pass:
+      return one_pass_kernel<Real>(data.by_variable, weighted, row, request.has_matrix());
+    case Method::fast:
+      return fast_kernel<Real>(data.by_variable, weighted, row);
+    default:
+      return given_means_kernel<Real>(data.by_variable, weighted, row);
+  }
+}
+
+template <class Real>
+int64_t member_work(const Run<Real>& run) {
+  if (!run.matrix) return 0;
+  if (run.request.method == Method::one_pass) return one_pass_work<Real>(run.data.p);
+  return product_work(run.data, std::min(run.data.n, product_block(run.data.p)));
+}
+
+// Slots that hold sums while a method by sums runs: all raw ones, but not a given mean.
+template <class Real>
+void scale_raw(const Run<Real>& run, Accumulator<Real>& a, bool to_sums) {
+  const Real w = static_cast<Real>(a.weight.sum);
+  for (int s = run.request.method == Method::given_means ? 1 : 0; s < run.order.raw; ++s) {
+    Real* values = slot(a.moments, s);
+    for (int64_t j = 0; j < run.data.p; ++j) values[j] = to_sums ? values[j] * w : values[j] / w;
+  }
+}
+
+// The methods by sums: moments and the matrix become sums about 0, and central again at the end.
+template <class Real>
+void run_sums(const Run<Real>& run, int64_t first, int64_t end, Accumulator<Real>& a) {
+  const int64_t p = run.data.p;
+  if (run.matrix && a.weight.sum != 0) {
+    add_rank_one(static_cast<Real>(a.weight.sum), run.start_means, p, a.cross);
+  }
+  scale_raw(run, a, true);
+  const int64_t block = run.matrix ? product_block(p) : end - first;
+  for (int64_t count; first < end; first += count) {
+    count = std::min(block, end - first);
+    run.kernel(run.data, first, first + count, a);
+    if (run.matrix) add_products(run.data, first, count, a.work, a.cross);
+  }
+  scale_raw(run, a, false);
+  if (run.matrix) add_rank_one(static_cast<Real>(-a.weight.sum), a.moments.mean, p, a.cross);
+}
+
+// The first observation from `first` on whose weight is not exactly 0 (a NaN is not), or `end`.
+template <class Real>
+int64_t first_weighted(const Real* weights, int64_t first, int64_t end) {
+  while (first < end && weights[first] == 0) ++first;
+  return first;
+}
+
+// Member t of the team: an equal share of the observations, the last one's with the remainder.
+template <class Real>
+void run_member(const Run<Real>& run, int64_t t) {
+  const int64_t n = run.data.n, share = n / run.threads;
+  const int64_t end = t + 1 == run.threads ? n : (t + 1) * share;
+  int64_t first = t * share;
+  Accumulator<Real>& gathered = run.members[t].gathered;
+  if (run.data.weights != nullptr) first = first_weighted(run.data.weights, first, end);
+  if (first == end) return;
+  if (run.request.method == Method::one_pass) {
+    run.kernel(run.data, first, end, gathered);
+  } else {
+    run_sums(run, first, end, gathered);
+  }
+}
+
+template <class Real>
+void run_team(const Run<Real>& run, const ThreadHook* hook) {
+  if (run.threads == 1) return run_member(run, 0);
+  hook->run_team(run.threads, const_cast<Run<Real>*>(&run),
+                 [](int64_t t, int64_t, int64_t, void* context) {
+                   run_member(*static_cast<const Run<Real>*>(context), t);
+                 });
+}
+
+// Sums about the same means need no formulas.
+template <class Real>
+void merge_about_given_means(const Run<Real>& run, const Moments<Real>& into,
+                             const Moments<Real>& part, const Shares<Real>& shares) {
+  for (int64_t j = 0; j < run.data.p; ++j) {
+    for (int k = 0; k < run.order.central; ++k) into.central[k][j] += part.central[k][j];
+    for (int k = 0; k + 1 < run.order.raw; ++k) {
+      into.raw[k][j] = shares.mean(into.raw[k][j], part.raw[k][j]);
+    }
+  }
+}
+
+template <class Real>
+void merge_cross(int64_t p, const Accumulator<Real>& into, const Accumulator<Real>& part, Real f) {
+  const Real *mean = into.moments.mean, *other = part.moments.mean;
+  for (int64_t k = 0; k < p; ++k) {
+    for (int64_t j = 0; j <= k; ++j) {
+      into.cross[k * p + j] +=
+          part.cross[k * p + j] + f * (other[j] - mean[j]) * (other[k] - mean[k]);
+    }
+  }
+}
+
+// In the order of the threads.
+template <class Real>
+void merge_members(const Run<Real>& run) {
+  Accumulator<Real>& into = run.members[0].gathered;
+  for (int64_t t = 1; t < run.threads; ++t) {
+    const Accumulator<Real>& part = run.members[t].gathered;
+    if (part.weight.sum == 0) continue;
+    const Shares<Real> shares(into.weight.sum, part.weight.sum);
+    if (run.matrix) merge_cross(run.data.p, into, part, shares.product);
+    if (run.request.method == Method::given_means) {
+      merge_about_given_means(run, into.moments, part.moments, shares);
+    } else {
+      merge(into.moments, part.moments, run.data.p, run.order, shares);
+    }
+    into.weight.sum += part.weight.sum;
+    into.weight.squares += part.weight.squares;
+  }
+}
+
+// The slots of the first thread: the caller's arrays where all variables take part, else
+// temporaries. A given mean is read where it stands.
+template <class Real>
+void place_slots(const Run<Real>& run, WorkMemory& memory, Moments<Real>& moments) {
+  const int64_t p = run.data.p;
+  const auto array_in_place = [&run](int s) -> Real* {
+    if (run.request.method == Method::given_means && s == 0) return reals<Real>(run.task.mean);
+    if (run.data.indices.given()) return nullptr;
+    return slot_array<Real>(run.task, run.request, s);
+  };
+  int64_t missing = 0;
+  for (int s = 0; s < slot_count; ++s) {
+    missing += in_use(run.order, s) && array_in_place(s) == nullptr;
+  }
+  Real* next = memory.take<Real>(services::counted_product(missing, p));
+  if (memory.failed()) return;
+  for (int s = 0; s < slot_count; ++s) {
+    if (!in_use(run.order, s)) continue;
+    slot(moments, s) = array_in_place(s);
+    if (slot(moments, s) != nullptr) continue;
+    std::fill_n(next, p, Real{0});
+    slot(moments, s) = next;
+    next += p;
+  }
+}
+
+// The matrix of the first thread: the holder itself where it is full and whole.
+template <class Real>
+Real* place_cross(const Run<Real>& run, WorkMemory& memory) {
+  if (!run.matrix) return nullptr;
+  const auto holder = matrix_of<Real>(run.task, holder_field(run.request));
+  if (holder.form == MatrixForm::full && !run.data.indices.given()) return holder.data;
+  return memory.take<Real>(services::counted_product(run.data.p, run.data.p));
+}
+
+// The slabs of the threads after the first, zeroed, and everybody's work.
+template <class Real>
+void place_members(Run<Real>& run, WorkMemory& memory) {
+  const int64_t p = run.data.p, others = run.threads - 1;
+  const bool given = run.request.method == Method::given_means;
+  const int64_t rows = services::counted_sum(
+      run.matrix ? p : 0, int64_t{run.order.raw} + run.order.central - (given ? 1 : 0));
+  const int64_t slab = services::counted_product(rows, p);
+  const int64_t work = member_work(run);
+  Real* slabs = memory.take<Real>(services::counted_product(others, slab));
+  Real* works = memory.take<Real>(services::counted_product(run.threads, work));
+  if (memory.failed()) return;
+  if (others > 0) std::fill_n(slabs, others * slab, Real{0});
+  for (int64_t t = 0; t < run.threads; ++t) {
+    Accumulator<Real>& a = run.members[t].gathered;
+    a.work = works == nullptr ? nullptr : works + t * work;
+    if (t == 0) continue;
+    Real* next = slabs + (t - 1) * slab;
+    for (int s = 0; s < slot_count; ++s) {
+      if (!in_use(run.order, s)) continue;
+      const bool shared = given && s == 0;
+      slot(a.moments, s) = shared ? run.members[0].gathered.moments.mean : next;
+      if (!shared) next += p;
+    }
+    if (run.matrix) a.cross = next;
+  }
+}
+
+template <class Real>
+Weight registered_weight(const SsTask& task) {
+  const Real* weight = reals<Real>(task.accumulated_weights);
+  return weight == nullptr ? Weight{} : Weight{weight[0], weight[1]};
+}
+
+// Room for the given means, kept by the task; the old ones go with a change of p.
+template <class Real>
+int reserve_saved_means(SsTask& task, int64_t p) {
+  if (task.saved_means != nullptr && task.saved_mean_count == p) return QOR_SS_OK;
+  Real* room = services::allocate_values<Real>(p);
+  if (room == nullptr) return QOR_SS_NO_MEMORY;
+  std::copy_n(reals<Real>(task.mean), p, room);
+  qor_serv_deallocate(task.saved_means);
+  task.saved_means = room;
+  task.saved_mean_count = p;
+  return QOR_SS_OK;
+}
+
+template <class Real>
+void finish(const Run<Real>& run, Real* inverse_roots) {
+  Accumulator<Real>& a = run.members[0].gathered;
+  const int64_t p = run.data.p;
+  if (run.request.method == Method::given_means && run.task.mean != nullptr) {
+    std::copy_n(a.moments.mean, p, reals<Real>(run.task.saved_means));
+  }
+  if (Real* weight = reals<Real>(run.task.accumulated_weights)) {
+    weight[0] = static_cast<Real>(a.weight.sum);
+    weight[1] = static_cast<Real>(a.weight.squares);
+  }
+  finish_slots(run.task, run.request, a.weight, p, a.moments);
+  if (run.matrix) write_matrices(run.task, run.request, a.cross, a.weight, inverse_roots);
+}
+
+template <class Real>
+int compute_from_data(SsTask& task, const Request& request, const ThreadHook* hook) {
+  const auto data = observations<Real>(task);
+  const int row = order_row(request);
+  const bool matrix = request.has_matrix();
+  Run<Real> run = {task,
+                   request,
+                   data,
+                   row,
+                   order_of(request.method, row),
+                   matrix,
+                   threads_for(hook, data.n, data.p, matrix),
+                   kernel_of(request, data, row),
+                   nullptr,
+                   nullptr};
+  WorkMemory memory;
+  run.members = memory.take<Member<Real>>(run.threads);
+  if (memory.failed()) return QOR_SS_NO_MEMORY;
+  std::fill_n(run.members, run.threads, Member<Real>{});
+  Accumulator<Real>& first = run.members[0].gathered;
+  first.weight = registered_weight<Real>(task);
+  place_slots(run, memory, first.moments);
+  first.cross = place_cross(run, memory);
+  Real* inverse_roots = memory.take<Real>(request.has(field_cor) ? data.p : 0);
+  place_members(run, memory);
+  const bool saves = request.method == Method::given_means && task.mean != nullptr;
+  if (memory.failed()) return QOR_SS_NO_MEMORY;
+  if (saves && reserve_saved_means<Real>(task, data.p) != QOR_SS_OK) return QOR_SS_NO_MEMORY;
+  start_slots(task, request, run.order, first.weight, data.p, first.moments);
+  if (matrix) {
+    const int holder = holder_field(request);
+    read_cross_product(matrix_of<Real>(task, holder), holder, data.p, first.weight, first.cross);
+  }
+  run.start_means = saves ? reals<Real>(task.saved_means) : first.moments.mean;
+  run_team(run, hook);
+  merge_members(run);
+  finish(run, inverse_roots);
+  return QOR_SS_OK;
+}
+
+template <class Real>
+int compute_from_sums(const SsTask& task, const Request& request) {
+  const int64_t p = integer(task, task.p);
+  Weight weight = registered_weight<Real>(task);
+  if (task.accumulated_weights == nullptr) {
+    const double n = static_cast<double>(integer(task, task.n));
+    weight = {n, n};
+  }
+  WorkMemory memory;
+  const Real* cross = nullptr;
+  Real* inverse_roots = nullptr;
+  if (request.has_matrix()) {
+    const auto cp = matrix_of<Real>(task, field_cp);
+    inverse_roots = memory.take<Real>(request.has(field_cor) ? p : 0);
+    Real* copy = memory.take<Real>(services::counted_product(p, p));
+    if (memory.failed()) return QOR_SS_NO_MEMORY;
+    read_matrix(cp.data, cp.form, p, copy);
+    cross = copy;
+  }
+  finish_from_sums<Real>(task, request, weight, p);
+  if (cross != nullptr) write_matrices(task, request, cross, weight, inverse_roots);
+  return QOR_SS_OK;
+}
+
+}  // namespace
+
+template <class Real>
+int compute_basic(SsTask& task, const Request& request, const ThreadHook* hook) {
+  return request.method == Method::from_sums ? compute_from_sums<Real>(task, request)
+                                             : compute_from_data<Real>(task, request, hook);
+}
+
+template int compute_basic<double>(SsTask&, const Request&, const ThreadHook*);
+template int compute_basic<float>(SsTask&, const Request&, const ThreadHook*);
+
+}  // namespace qor::statistics
