@@ -27,17 +27,20 @@ void copy_values(const Column<Real>& column, Real* values) {
   for (int64_t i = 0; i < column.n; ++i) values[i] = column[i];
 }
 
-// The numbers of the variables taking part, which are the items of the work. data() is null when
-// there was no memory.
+// The numbers of the variables taking part, which are the items of the work.
 class SelectedVariables {
  public:
-  template <class Real>
-  explicit SelectedVariables(const Observations<Real>& data) : numbers_(data.p) {
+  template <class TakesPart>
+  SelectedVariables(int64_t p, const TakesPart& takes_part) : numbers_(p) {
     if (numbers_.data() == nullptr) return;
-    for (int64_t j = 0; j < data.p; ++j) {
-      if (data.takes_part(j)) numbers_.data()[count_++] = j;
+    for (int64_t j = 0; j < p; ++j) {
+      if (takes_part(j)) numbers_.data()[count_++] = j;
     }
   }
+  template <class Real>
+  explicit SelectedVariables(const Observations<Real>& data)
+      : SelectedVariables(data.p, [&](int64_t j) { return data.takes_part(j); }) {}
+
   bool allocated() const { return numbers_.data() != nullptr; }
   int64_t count() const { return count_; }
   int64_t operator[](int64_t item) const { return numbers_.data()[item]; }
