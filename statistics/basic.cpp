@@ -262,9 +262,12 @@ void finish(const Run<Real>& run, Real* inverse_roots) {
 }
 
 template <class Real>
-int compute_from_data(SsTask& task, const Request& request, const ThreadHook* hook) {
+int compute_from_data(SsTask& task, const Request& asked, const ThreadHook* hook) {
   const auto data = observations<Real>(task);
-  const int row = order_row(request);
+  const int row = order_row(asked);
+  const Request request = with_carriers(task, asked, order_of(asked.method, row));
+  const Weight before = registered_weight<Real>(task);
+  if (const int status = check_state(request, before.sum)) return status;
   const bool matrix = request.has_matrix();
   Run<Real> run = {task,
                    request,
@@ -281,7 +284,7 @@ int compute_from_data(SsTask& task, const Request& request, const ThreadHook* ho
   if (memory.failed()) return QOR_SS_NO_MEMORY;
   std::fill_n(run.members, run.threads, Member<Real>{});
   Accumulator<Real>& first = run.members[0].gathered;
-  first.weight = registered_weight<Real>(task);
+  first.weight = before;
   place_slots(run, memory, first.moments);
   first.cross = place_cross(run, memory);
   Real* inverse_roots = memory.take<Real>(request.has(field_cor) ? data.p : 0);

@@ -7,10 +7,40 @@
 namespace qor::statistics {
 namespace {
 
-// What turns the array that carries a slot back into the slot.
+// Whether raw moments up to that of a central slot's power are carried.
+bool has_raw_to(const Request& request, int central_slot) {
+  for (int s = 0; s <= central_slot - first_central_slot + 1; ++s) {
+    if (!is_asked(request, s)) return false;
+  }
+  return true;
+}
+
+// Central sums 2 and 3 that nothing carries, from the raw moments.
 template <class Real>
-Real start_factor(const Request& request, const Weight& weight, int s) {
-  const bool is_moment = request.has(slot_fields[s].moment);
+void recover_central(const Request& request, double weight, int64_t p, Moments<Real>& m) {
+  const Real w = static_cast<Real>(weight);
+  for (int64_t j = 0; j < p; ++j) {
+    const Real mean = m.mean[j], square = mean * mean;
+    if (!is_asked(request, 4)) m.central[0][j] = w * (m.raw[0][j] - square);
+    if (!is_asked(request, 5)) {
+      m.central[1][j] = w * (m.raw[1][j] - 3 * mean * m.raw[0][j] + 2 * mean * square);
+    }
+  }
+}
+
+// The array that a slot starts from: where it is carried, but its sum when that is there too. A
+// central moment 2 of one observation is no number.
+template <class Real>
+const Real* start_array(const SsTask& task, const Request& request, int s, bool& is_moment) {
+  is_moment = request.has(slot_fields[s].moment);
+  if (s == first_central_slot && request.has(slot_fields[s].sum)) is_moment = false;
+  if (!is_asked(request, s)) return nullptr;
+  return reals<Real>(field_array(task, is_moment ? slot_fields[s].moment : slot_fields[s].sum));
+}
+
+// What turns that array into the slot.
+template <class Real>
+Real start_factor(const Weight& weight, int s, bool is_moment) {
   if (s < first_central_slot) return is_moment ? Real{1} : static_cast<Real>(1 / weight.sum);
   if (!is_moment) return 1;
   if (s > first_central_slot) return static_cast<Real>(weight.sum);
@@ -45,20 +75,50 @@ Order order_of(Method method, int row) {
   }
 }
 
+Request with_carriers(const SsTask& task, const Request& request, Order order) {
+  Request carried = request;
+  for (int s = request.method == Method::given_means ? 1 : 0; s < slot_count; ++s) {
+    if (!in_use(order, s)) continue;
+    for (const Field field : {slot_fields[s].moment, slot_fields[s].sum}) {
+      if (field_array(task, field) == nullptr) continue;
+      carried.fields |= uint32_t{1} << field;
+      break;
+    }
+  }
+  return carried;
+}
+
+int check_state(const Request& request, double weight) {
+  if (weight == 0 || request.method != Method::one_pass) return QOR_SS_OK;
+  constexpr int kMissing[] = {QOR_SS_NULL_CENTRAL_SUM_2, QOR_SS_NULL_CENTRAL_SUM_3};
+  for (int s = first_central_slot; s < slot_count - 1; ++s) {
+    const bool needed = is_asked(request, s + 1) || is_asked(request, slot_count - 1);
+    if (needed && !is_asked(request, s) && !has_raw_to(request, s)) {
+      return kMissing[s - first_central_slot];
+    }
+  }
+  return QOR_SS_OK;
+}
+
 template <class Real>
 void start_slots(const SsTask& task, const Request& request, Order order, const Weight& weight,
                  int64_t p, Moments<Real>& moments) {
   for (int s = request.method == Method::given_means ? 1 : 0; s < slot_count; ++s) {
     if (!in_use(order, s)) continue;
     Real* to = slot(moments, s);
-    const Real* from = slot_array<Real>(task, request, s);
-    const Real factor = start_factor<Real>(request, weight, s);
+    bool is_moment;
+    const Real* from = start_array<Real>(task, request, s, is_moment);
+    const Real factor = start_factor<Real>(weight, s, is_moment);
     // A single observation has central sums of 0, and a central moment 2 that is no number.
     if (from == nullptr || weight.sum == 0 || factor == 0) {
       std::fill_n(to, p, Real{0});
     } else {
       std::transform(from, from + p, to, [factor](Real v) { return v * factor; });
     }
+  }
+  const bool lower_matter = is_asked(request, 5) || is_asked(request, 6);
+  if (request.method == Method::one_pass && weight.sum != 0 && lower_matter) {
+    recover_central(request, weight.sum, p, moments);
   }
 }
 

@@ -53,6 +53,14 @@ Real* slot_array(const SsTask& task, const Request& request, int s) {
 int order_row(const Request& request);
 Order order_of(Method method, int row);
 
+// The request with the registered arrays of all slots in use: they carry the state from block to
+// block, and are written.
+Request with_carriers(const SsTask& task, const Request& request, Order order);
+
+// Whether the state that the one pass method goes on from is there: central sums 3 and 4 need those
+// of lower order, or the raw moments to make them of. Returns 0 or the status of the missing sum.
+int check_state(const Request& request, double weight);
+
 // Fills the slots in use with the state that the caller's arrays hold, or with zeros where there is
 // no weight yet. A given mean stays as it is.
 template <class Real>
