@@ -115,6 +115,7 @@ int64_t classify(const Column<Real>& column, const Brackets<Key<Real>>& brackets
   for (int c = 0; c < brackets.classes(); ++c) keeps[c] = brackets.keeps(c) ? 1 : 0;
   int64_t places = 0;
   for (int64_t i = 0; i < column.n; ++i) {
+    column.fetch_behind(i);
     const Key<Real> key = column.key(i);
     const unsigned c = brackets.template class_of<Levels>(key);
     ++count[i % 4][c];

@@ -47,6 +47,18 @@ TYPED_TEST(StreamQuantiles, KeepTheRankErrorOfAMillion) {
   }
 }
 
+// Takes a minute or so: run with --gtest_also_run_disabled_tests.
+TYPED_TEST(StreamQuantiles, DISABLED_KeepTheRankErrorOfTenMillions) {
+  using Real = TypeParam;
+  for (const double epsilon : {0.01, 0.001, 0.00001}) {
+    for (const Pattern pattern : all_patterns()) {
+      const auto data = pattern_data<Real>(pattern, 10000000);
+      const double worst = worst_rank_error(data, epsilon, {7654321, 10000000});
+      EXPECT_LE(worst, 1) << name_of(pattern) << " epsilon " << epsilon;
+    }
+  }
+}
+
 TYPED_TEST(StreamQuantiles, AreExactWhileTheFirstBufferHoldsAll) {
   using Real = TypeParam;
   const auto data = pattern_data<Real>(Pattern::random, 150);
