@@ -80,9 +80,7 @@ int run_with_work(const ThreadHook* hook, int64_t items, int64_t n, int64_t room
       std::max<int64_t>(std::min({threads_offered(hook), items, affordable}), 1);
   const services::HeapScratch<T> work(services::counted_product(threads, room));
   if (work.data() == nullptr) return QOR_SS_NO_MEMORY;
-  auto run = [&](int64_t item, int64_t thread) {
-    item_work(item, work.data() + thread * room);
-  };
+  auto run = [&](int64_t item, int64_t thread) { item_work(item, work.data() + thread * room); };
   run_items(hook, items, threads, run);
   return QOR_SS_OK;
 }
