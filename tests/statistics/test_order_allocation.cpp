@@ -83,10 +83,10 @@ TYPED_TEST(OrderAllocation, OfStreams) {
     }
     // Whatever was taken in, what follows counts.
     ASSERT_EQ(stream.feed({1000, 2000, -1000, -2000}), QOR_SS_OK);
-    EXPECT_EQ(stream.quantiles()[0], -1000);
-    EXPECT_EQ(stream.quantiles()[2], 1000);
-    EXPECT_EQ(stream.quantiles()[3], -2000);
-    EXPECT_EQ(stream.quantiles()[5], 2000);
+    EXPECT_EQ(stream.quantiles()[0], Real(-1000));
+    EXPECT_EQ(stream.quantiles()[2], Real(1000));
+    EXPECT_EQ(stream.quantiles()[3], Real(-2000));
+    EXPECT_EQ(stream.quantiles()[5], Real(2000));
   }
   // State, list of variables, for each variable four stages of two blocks each, and two answers.
   EXPECT_EQ(failing - 1, 2 + 2 * 4 * 2 + 2 * 2);

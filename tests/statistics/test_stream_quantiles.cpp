@@ -158,7 +158,7 @@ TYPED_TEST(StreamQuantiles, EndWithTheTaskOrBefore) {
     EXPECT_EQ(__ostSQuantilesFreeBuffers(&stream.record()), QOR_SS_OK);
     for (int round = 0; round < 2; ++round) {
       ASSERT_EQ(stream.feed(std::vector<Real>(2000, static_cast<Real>(5 - round))), QOR_SS_OK);
-      EXPECT_EQ(stream.quantiles()[0], 5 - round);
+      EXPECT_EQ(stream.quantiles()[0], static_cast<Real>(5 - round));
       EXPECT_GT(live_blocks(), of_task);
       EXPECT_EQ(__ostSQuantilesFreeBuffers(&stream.record()), QOR_SS_OK);
       EXPECT_EQ(live_blocks(), of_task);
