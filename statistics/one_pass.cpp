@@ -7,6 +7,7 @@
 // number of tiles, not of the number of observations.
 
 #include <algorithm>
+#include <limits>
 
 #include "services/scratch.h"
 #include "statistics/kernels.h"
@@ -89,6 +90,17 @@ struct TileMoments {
   }
 };
 
+// What the values of a tile count from: its first ones, but 0 in place of infinities, NaNs and
+// values so large that a difference could overflow.
+template <class Real>
+Register<Real> origin(Register<Real> first) {
+  using Lanes = lanes::Lanes<Real>;
+  constexpr Real least = std::numeric_limits<Real>::epsilon() / 8;
+  const Real limit = std::numeric_limits<Real>::max() * least;  // below half an ulp of the largest
+  const auto small = (first < lanes::all(limit)) & (first > lanes::all(-limit));
+  return lanes::from_image(lanes::image(first) & typename Lanes::I(small));
+}
+
 // The moments of a tile's strip.
 template <class Real, bool weighted, int row, bool matrix, int registers>
 void run_tile(const Strip<Real>& strip, int64_t count, const Factors<Real>& factors,
@@ -96,12 +108,16 @@ void run_tile(const Strip<Real>& strip, int64_t count, const Factors<Real>& fact
   using V = Register<Real>;
   using lanes::all;
   constexpr Order order = one_pass_orders[row];
-  V mean[registers]{}, raw[3][registers]{}, central[3][registers]{};
+  V mean[registers]{}, raw[3][registers]{}, central[3][registers]{}, from[registers];
+  for (int g = 0; g < registers; ++g) {
+    from[g] = origin<Real>(load(strip.rows + g * register_lanes<Real>));
+  }
   for (int64_t i = 0; i < count; ++i) {
     const V keep = all(factors.keep[i]), take = all(factors.take[i]);
     for (int g = 0; g < registers; ++g) {
       const V x = load(strip.rows + i * strip.stride + g * register_lanes<Real>);
-      const V d = x - mean[g];
+      const V y = x - from[g];
+      const V d = y - mean[g];
       const V square = d * d;
       if constexpr (matrix) {
         const int64_t at = i * deviations.stride + j + g * register_lanes<Real>;
@@ -116,8 +132,8 @@ void run_tile(const Strip<Real>& strip, int64_t count, const Factors<Real>& fact
             all(factors.cube[i]) * (square * d) - all(factors.cube_c2[i]) * central[0][g] * d;
       }
       if constexpr (order.central > 0) central[0][g] += all(factors.square[i]) * square;
+      mean[g] = keep * mean[g] + take * (weighted ? V(all(factors.w[i]) * y) : y);
       V power = weighted ? V(all(factors.w[i]) * x) : x;
-      mean[g] = keep * mean[g] + take * power;
       for (int k = 0; k + 1 < order.raw; ++k) {
         power *= x;
         raw[k][g] = keep * raw[k][g] + take * power;
@@ -126,7 +142,7 @@ void run_tile(const Strip<Real>& strip, int64_t count, const Factors<Real>& fact
   }
   for (int g = 0; g < registers; ++g) {
     const int at = g * register_lanes<Real>;
-    store(tile.mean + at, mean[g]);
+    store(tile.mean + at, V(from[g] + mean[g]));
     for (int k = 0; k + 1 < order.raw; ++k) store(tile.raw[k] + at, raw[k][g]);
     for (int k = 0; k < order.central; ++k) store(tile.central[k] + at, central[k][g]);
   }

@@ -401,21 +401,27 @@ QOR_API int32_t __ostsSSEditMtxParametrz(SsTask* task, float* cor, const void* c
    Central moment 2, cov and the diagonal of cor divide by W - W2/W, W the sum of weights and W2 of
    their squares: n - 1 with unit weights. Central moments 3 and 4 divide by W. Kurtosis is the
    excess, c4/c2^2 - 3; skewness c3/c2^1.5; variation sqrt(c2)/mean.
-   Every estimate needs further arrays as working space, also when they are not asked for:
-     all but sums with GIVEN_MEANS or ONE_PASS      mean
-     central moment k                               raw moments 2 to k, mean
-     kurtosis; skewness; variation                  central moments 4, 2; 3, 2; 2, with all of
-   theirs (for kurtosis that is all moments) central sum k with FAST                        raw
-   moments 2 to k, mean moments with FROM_SUMS                         the sum of the same order
-   (variation, skewness and kurtosis: the moments alone) and all arrays so named are written.
-   Blocks: with accumulated weights above 0 the registered arrays are continued; at 0 they start
-   afresh. The first registered of cp, cov, cor carries the cross-product.
-   Variables whose entry in `indices` is 0 are left out: their results are not written.
-   Statuses in order: NULL_TASK; BAD_METHOD (no or several data methods; a sum with
-   FROM_SUMS); that of the first missing array; then BAD_N, NULL_X, NULL_STORAGE, BAD_STORAGE, or
-   with FROM_SUMS BAD_ACCUMULATED_WEIGHTS (none, and weights are given or n is null); BAD_P;
-   NULL_STORAGE of the matrices; NO_MEMORY. Threads: one per 8192 elements (n*p, or n with a matrix)
-   and per 16 observations at most, merged in order. */
+   Beside its own array an estimate needs others as working space, which are then written too:
+     central moment k    mean, raw moments 2 to k
+     kurtosis            mean, raw moments 2 to 4, central moments 2 and 4
+     skewness            mean, raw moments 2 and 3, central moments 2 and 3
+     variation           mean, raw moment 2, central moment 2
+     central sum k       mean; with FAST also raw moments 2 to k
+     cov, cor, cp        mean
+     sum                 with GIVEN_MEANS mean, which it is a multiple of
+   and with FROM_SUMS: a moment its sum, cov and cor cp, the ratios their moments as they stand.
+   A registered array of a quantity that the kernel keeps anyhow is written as well. All others stay
+   untouched, as do variables whose entry in `indices` is 0, with their rows and columns.
+   Blocks: with accumulated weights above 0 the registered arrays are gone on from; at 0 they start
+   afresh. The first asked for of cp, cov, cor carries the matrix. ONE_PASS needs, for central
+   moments and sums 3 and 4, those of lower order or the raw moments carried, else it gives the
+   status of the missing central sum.
+   Statuses in order: NULL_TASK; BAD_METHOD (no or several data methods); that of the first missing
+   array, BAD_METHOD for a sum with FROM_SUMS; BAD_N, NULL_X, NULL_STORAGE, BAD_STORAGE, or with
+   FROM_SUMS BAD_ACCUMULATED_WEIGHTS (none, and weights are given or n is null); BAD_P; NULL_MEAN
+   (sum with GIVEN_MEANS); NULL_STORAGE of a matrix; NULL_CENTRAL_SUM_2 or 3 (above); NO_MEMORY.
+   Threads: one per 8192 elements (n*p, or n with a matrix) and per 16 observations at most, merged
+   in their order. */
 QOR_API int32_t _ostdSSBasic(SsTask* task, uint64_t estimates, uint64_t method,
                              const ThreadHook* hook);
 QOR_API int32_t _ostsSSBasic(SsTask* task, uint64_t estimates, uint64_t method,

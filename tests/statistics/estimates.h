@@ -31,9 +31,12 @@ struct Sample {
     return x;
   }
   Sample part(int64_t first, int64_t end) const {
-    Sample cut{end - first, p, {rows.begin() + first * p, rows.begin() + end * p}, {}};
-    if (!weights.empty()) cut.weights = {weights.begin() + first, weights.begin() + end};
-    return cut;
+    const auto cut = [](const std::vector<Real>& from, int64_t begin, int64_t stop) {
+      return std::vector<Real>(from.data() + begin, from.data() + stop);
+    };
+    Sample result{end - first, p, cut(rows, first * p, end * p), {}};
+    if (!weights.empty()) result.weights = cut(weights, first, end);
+    return result;
   }
 };
 

@@ -1,0 +1,242 @@
+// Moments and covariance side by side with a bare dsyrk, GSL, Eigen, Armadillo and NumPy, one
+// thread.
+//
+//   OPENBLAS_NUM_THREADS=1 LD_LIBRARY_PATH=build/release/levels/v3 bench_statistics [--write FILE]
+//
+// prints a table of times relative to ours, or writes it as a section of the document.
+
+#include "qor/statistics.h"
+
+#include <gsl/gsl_statistics.h>
+
+#include <Eigen/Dense>
+#include <algorithm>
+#include <armadillo>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "statistics/blas.h"
+#include "tools/section.h"
+
+namespace {
+
+using Call = std::function<void()>;
+
+// The least time of seven calls, in seconds.
+double best(const Call& call) {
+  double least = 1e9;
+  for (int i = 0; i < 7; ++i) {
+    const auto start = std::chrono::steady_clock::now();
+    call();
+    least = std::min(
+        least, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+  }
+  return least;
+}
+
+// One set of data in one layout, and everything that is done with it.
+struct Workload {
+  int32_t n, p, storage, full = QOR_SS_MATRIX_FULL;
+  std::vector<double> x, vectors, matrix;
+  SsTask* task = nullptr;
+
+  Workload(int32_t observations, int32_t variables, bool rows)
+      : n(observations),
+        p(variables),
+        storage(rows ? QOR_SS_BY_OBSERVATION : QOR_SS_BY_VARIABLE),
+        x(static_cast<size_t>(n) * static_cast<size_t>(p)),
+        vectors(static_cast<size_t>(9 * p)),
+        matrix(static_cast<size_t>(p * p)) {
+    std::mt19937_64 random(1);
+    std::uniform_real_distribution<double> unit(0, 1);
+    std::generate(x.begin(), x.end(), [&] { return unit(random); });
+    const auto vector = [this](int k) { return vectors.data() + k * p; };
+    __ostdSSNewTask(&task, &p, &n, &storage, x.data(), nullptr, nullptr, 0);
+    __ostdSSEditMoments(task, vector(0), vector(1), vector(2), vector(3), vector(4), vector(5),
+                        vector(6));
+    __ostdSSEditTask(task, QOR_SS_KURTOSIS, vector(7));
+    __ostdSSEditTask(task, QOR_SS_SKEWNESS, vector(8));
+    __ostdSSEditCovCor(task, vector(0), matrix.data(), &full, nullptr, nullptr);
+  }
+  ~Workload() { __ostSSDeleteTask(&task); }
+  Workload(const Workload&) = delete;
+  Workload& operator=(const Workload&) = delete;
+
+  bool rows() const { return storage == QOR_SS_BY_OBSERVATION; }
+  Call basic(uint64_t estimates, uint64_t method) {
+    return [=, this] { _ostdSSBasic(task, estimates, method, nullptr); };
+  }
+  // Each variable with its stride.
+  void for_variables(const std::function<void(const double*, size_t, size_t)>& use) const {
+    for (int32_t j = 0; j < p; ++j) {
+      const size_t first = static_cast<size_t>(j) * static_cast<size_t>(rows() ? 1 : n);
+      use(x.data() + first, static_cast<size_t>(rows() ? p : 1), static_cast<size_t>(n));
+    }
+  }
+};
+
+volatile double kept;  // results that nothing else uses
+
+using Peers = std::map<std::string, Call>;
+using ColumnMap = Eigen::Map<const Eigen::MatrixXd>;
+
+Peers variance_peers(const Workload& w) {
+  Peers peers;
+  peers["GSL"] = [&w] {
+    w.for_variables([](const double* x, size_t stride, size_t n) {
+      kept = gsl_stats_variance_m(x, stride, n, gsl_stats_mean(x, stride, n));
+    });
+  };
+  // Column by column, a matrix of observations in rows is p by n.
+  const arma::mat a(const_cast<double*>(w.x.data()), static_cast<arma::uword>(w.rows() ? w.p : w.n),
+                    static_cast<arma::uword>(w.rows() ? w.n : w.p), false, true);
+  const arma::uword along = w.rows() ? 1 : 0;
+  peers["Armadillo"] = [a, along] {
+    const arma::mat mean = arma::mean(a, along), variance = arma::var(a, 0, along);
+    kept = mean(0) + variance(0);
+  };
+  peers["Eigen"] = [&w] {
+    const ColumnMap x(w.x.data(), w.rows() ? w.p : w.n, w.rows() ? w.n : w.p);
+    if (w.rows()) {
+      const Eigen::VectorXd mean = x.rowwise().mean();
+      kept = ((x.colwise() - mean).rowwise().squaredNorm() / (w.n - 1)).sum();
+    } else {
+      const Eigen::RowVectorXd mean = x.colwise().mean();
+      kept = ((x.rowwise() - mean).colwise().squaredNorm() / (w.n - 1)).sum();
+    }
+  };
+  return peers;
+}
+
+Peers moment_peers(const Workload& w) {
+  return {{"GSL", [&w] {
+             w.for_variables([](const double* x, size_t stride, size_t n) {
+               const double mean = gsl_stats_mean(x, stride, n),
+                            deviation = gsl_stats_sd_m(x, stride, n, mean);
+               kept = gsl_stats_skew_m_sd(x, stride, n, mean, deviation) +
+                      gsl_stats_kurtosis_m_sd(x, stride, n, mean, deviation);
+             });
+           }}};
+}
+
+Peers covariance_peers(Workload& w) {
+  Peers peers;
+  peers["dsyrk"] = [&w] {
+    const double one = 1, zero = 0;
+    dsyrk_("u", w.rows() ? "n" : "t", &w.p, &w.n, &one, w.x.data(), w.rows() ? &w.p : &w.n, &zero,
+           w.matrix.data(), &w.p, 1, 1);
+  };
+  const arma::mat a(w.x.data(), static_cast<arma::uword>(w.rows() ? w.p : w.n),
+                    static_cast<arma::uword>(w.rows() ? w.n : w.p), false, true);
+  const bool rows = w.rows();
+  peers["Armadillo"] = [a, rows] {
+    const arma::mat cov = rows ? arma::mat(arma::cov(a.t())) : arma::mat(arma::cov(a));
+    kept = cov(0);
+  };
+  peers["Eigen"] = [&w] {
+    const ColumnMap x(w.x.data(), w.rows() ? w.p : w.n, w.rows() ? w.n : w.p);
+    Eigen::MatrixXd d = x;
+    if (w.rows()) {
+      d.colwise() -= Eigen::VectorXd(x.rowwise().mean());
+      kept = Eigen::MatrixXd(d * d.transpose())(0, 0);
+    } else {
+      d.rowwise() -= Eigen::RowVectorXd(x.colwise().mean());
+      kept = Eigen::MatrixXd(d.transpose() * d)(0, 0);
+    }
+  };
+  return peers;
+}
+
+// Seconds by case, from NumPy where Python has it.
+std::map<std::string, double> numpy_times() {
+  std::map<std::string, double> times;
+  FILE* lines = popen("/usr/bin/python3 " QOR_SOURCE "/bench/statistics_numpy.py", "r");
+  if (lines == nullptr) return times;
+  char name[100];
+  double seconds;
+  while (std::fscanf(lines, "%99s %lf", name, &seconds) == 2) times[name] = seconds;
+  pclose(lines);
+  return times;
+}
+
+constexpr const char* kPeers[] = {"dsyrk", "GSL", "Eigen", "Armadillo", "NumPy"};
+
+// A line of the table: our time per element, and each peer's as a multiple of it.
+std::string table_line(const std::string& name, const char* method, double elements,
+                       const Call& ours, const std::map<std::string, double>& peers) {
+  const double own = best(ours);
+  char text[64];
+  std::snprintf(text, sizeof text, " | %.2f", own / elements * 1e9);
+  std::string line = "| " + name + " | " + method + text;
+  for (const char* peer : kPeers) {
+    const auto time = peers.find(peer);
+    std::snprintf(text, sizeof text, " | %.1f", time == peers.end() ? 0 : time->second / own);
+    line += time == peers.end() ? " | " : text;
+  }
+  return line + " |\n";
+}
+
+std::string measure(const std::map<std::string, double>& numpy) {
+  constexpr uint64_t kVariance = QOR_SS_ESTIMATE_MEAN | QOR_SS_ESTIMATE_CENTRAL_2,
+                     kMoments = QOR_SS_ESTIMATE_KURTOSIS | QOR_SS_ESTIMATE_SKEWNESS,
+                     kCovariance = QOR_SS_ESTIMATE_COVARIANCE;
+  std::string text;
+  for (const auto& [n, p] : {std::pair{200000, 16}, std::pair{1000000, 4}}) {
+    for (const bool rows : {true, false}) {
+      Workload w(n, p, rows);
+      const std::string size = std::to_string(n) + "x" + std::to_string(p),
+                        layout = rows ? "rows" : "columns";
+      const auto lines = [&](const char* name, uint64_t estimates, const Peers& peers) {
+        std::map<std::string, double> times;
+        for (const auto& [peer, call] : peers) times[peer] = best(call);
+        const auto found = numpy.find(size + "/" + layout + "/" + name);
+        if (found != numpy.end()) times["NumPy"] = found->second;
+        const std::string title = std::string(name) + ", " + size + ", " + layout;
+        const double elements = static_cast<double>(n) * p;
+        text += table_line(title, "fast", elements, w.basic(estimates, QOR_SS_METHOD_FAST), times);
+        text += table_line(title, "one pass", elements, w.basic(estimates, QOR_SS_METHOD_ONE_PASS),
+                           times);
+      };
+      lines("variance", kVariance, variance_peers(w));
+      lines("moments", kMoments, moment_peers(w));
+      lines("covariance", kCovariance, covariance_peers(w));
+    }
+  }
+  return text;
+}
+
+constexpr const char* kHead =
+    R"(Written by `bench_statistics --write docs/performance.md`. Double precision, one thread, the least of
+seven calls: our time in nanoseconds per element, and the times of others as multiples of it. Rows:
+observation after observation; columns: variable after variable. `variance` is mean and variance,
+`moments` all to order four with skewness and kurtosis, `covariance` the full matrix; `dsyrk` is the
+bare product of the data. The one pass method keeps the digits that the others lose to cancellation.
+
+)";
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  const bool write = count == 3 && std::strcmp(arguments[1], "--write") == 0;
+  if (count != 1 && !write) {
+    std::fprintf(stderr, "bench_statistics: the only option is --write FILE\n");
+    return 2;
+  }
+  std::string text = kHead;
+  text += "| estimate, data | method | ns | dsyrk | GSL | Eigen | Armadillo | NumPy |\n";
+  text += "|---|---|---|---|---|---|---|---|\n";
+  text += measure(numpy_times());
+  if (write) {
+    qor::tools::write_section(arguments[2], "Summary statistics", text);
+  } else {
+    std::fputs(text.c_str(), stdout);
+  }
+  return 0;
+}
