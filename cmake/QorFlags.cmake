@@ -13,9 +13,7 @@ target_compile_options(qor_warnings INTERFACE
 # The library's arithmetic is the one written: no contraction, no reordering, no trap-free shortcuts.
 add_library(qor_arithmetic INTERFACE)
 target_compile_options(qor_arithmetic INTERFACE
-  $<$<COMPILE_LANGUAGE:C,CXX>:-ffp-contract=off -fno-fast-math>
-  # clang would otherwise do both sides of a branch, and raise the flags of the one not taken.
-  $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:Clang>>:-ffp-exception-behavior=maytrap>)
+  $<$<COMPILE_LANGUAGE:C,CXX>:-ffp-contract=off -fno-fast-math>)
 
 # Callers of the second platform may keep the stack aligned to 4 bytes only.
 set(QOR_IS_I386 OFF)

@@ -20,10 +20,11 @@ inline int32_t low_integer(double sum) { return static_cast<int32_t>(std::bit_ca
 inline bool special(float x) { return (std::bit_cast<uint32_t>(x) & 0x7F800000) == 0x7F800000; }
 inline bool special(double x) { return (std::bit_cast<uint64_t>(x) >> 52 & 0x7FF) == 0x7FF; }
 
-// Infinities and NaN: +0 at -infinity, else x quieted.
+// Infinities and NaN: +0 at -infinity, else x quieted. (A branch: as a select it would be a compare
+// that raises a flag at a NaN.)
 template <class T>
 Outcome<T> at_special(T x) {
-  if (x == -std::numeric_limits<T>::infinity()) return {T{0}};
+  if (x == -std::numeric_limits<T>::infinity()) return {opaque(T{0})};
   return {x * x};
 }
 
@@ -72,7 +73,7 @@ inline double scale_denormal(const Parts& e) {
   constexpr double down = 0x1p-60;
   constexpr double split = 0x1.8p+32;
   const int32_t exponent = scale_exponent(e.m, 1083);
-  const double power = power_of_two(exponent);
+  const double power = opaque(power_of_two(exponent));
   const double v = e.q * power, w = e.t * power;
   const double s = v + w;
   if (exponent <= 50) return s * down;

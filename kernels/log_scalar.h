@@ -41,7 +41,7 @@ double far_from_one(double x) {
   constexpr int64_t one = int64_t{1023} << 52;
   int64_t exponent = -1023;
   if (x < std::numeric_limits<double>::min()) {
-    x *= 0x1p60;
+    x = opaque(x) * 0x1p60;
     exponent -= 60;
   }
   const auto bits = std::bit_cast<int64_t>(x);

@@ -1,7 +1,7 @@
 // Values that carry their IEEE flag: what scalar routines answer for special cases.
 //
-// The operands are hidden from the compiler, so that the operation happens at run time, where it
-// raises its flag.
+// Operands are hidden from the compiler: the operation happens at run time, where it raises its
+// flag, and only on its branch (clang would do both branches of a choice and drop one).
 #pragma once
 
 #include <limits>
