@@ -70,7 +70,7 @@ double worst_rank_error(const std::vector<Real>& data, double epsilon,
   for (const int64_t length : lengths) {
     EXPECT_EQ(stream.feed(data.data() + fed, length - fed), QOR_SS_OK);
     fed = length;
-    std::vector<Real> sorted(data.begin(), data.begin() + length);
+    std::vector<Real> sorted(data.data(), data.data() + length);
     std::sort(sorted.begin(), sorted.end());
     const double n = static_cast<double>(length);
     for (size_t k = 0; k < orders.size(); ++k) {

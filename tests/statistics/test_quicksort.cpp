@@ -59,8 +59,8 @@ TYPED_TEST(Quicksort, SelectsEveryPosition) {
         auto x = data;
         ASSERT_EQ(select(n, x.data(), k), sorted[static_cast<size_t>(k)]);
         ASSERT_EQ(x[static_cast<size_t>(k)], sorted[static_cast<size_t>(k)]);
-        ASSERT_LE(*std::max_element(x.begin(), x.begin() + k + 1), x[static_cast<size_t>(k)]);
-        ASSERT_GE(*std::min_element(x.begin() + k, x.end()), x[static_cast<size_t>(k)]);
+        ASSERT_LE(*std::max_element(x.data(), x.data() + k + 1), x[static_cast<size_t>(k)]);
+        ASSERT_GE(*std::min_element(x.data() + k, x.data() + n), x[static_cast<size_t>(k)]);
       }
     }
   }
