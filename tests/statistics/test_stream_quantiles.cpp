@@ -144,7 +144,7 @@ TYPED_TEST(StreamQuantiles, FollowTheIndices) {
   stream.record().indices = nullptr;
   ASSERT_EQ(stream.feed(std::vector<Real>(3 * 211, 11)), QOR_SS_OK);
   EXPECT_EQ(stream.quantiles(), (std::vector<Real>{11, 11, -77}));
-  const int32_t other_p = 2;
+  const int64_t other_p = 2;
   stream.record().p = &other_p;
   EXPECT_EQ(stream.feed({}), QOR_SS_BAD_P);
 }
