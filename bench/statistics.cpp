@@ -213,11 +213,12 @@ std::string measure(const std::map<std::string, double>& numpy) {
 }
 
 constexpr const char* kHead =
-    R"(Written by `bench_statistics --write docs/performance.md`. Double precision, one thread, the least of
-seven calls: our time in nanoseconds per element, and the times of others as multiples of it. Rows:
-observation after observation; columns: variable after variable. `variance` is mean and variance,
-`moments` all to order four with skewness and kurtosis, `covariance` the full matrix; `dsyrk` is the
-bare product of the data. The one pass method keeps the digits that the others lose to cancellation.
+    R"(Written by `bench_statistics --write docs/performance.md` at x86-64-v3. Double precision, one
+thread, the least of seven calls: our time in nanoseconds per element, and the times of others as
+multiples of it. Rows: observation after observation; columns: variable after variable. `variance` is
+mean and variance, `moments` all to order four with skewness and kurtosis, `covariance` the full
+matrix; `dsyrk` is the bare product of the data. The one pass method keeps the digits that the others
+lose to cancellation.
 
 )";
 

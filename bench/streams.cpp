@@ -1,20 +1,19 @@
-// Random streams beside their peers, in one run: words and uniform doubles per second, what a
-// stream costs to make, and skip-ahead. After the run, ratios to the peers are printed.
+// Random streams against their peers, in the same run.
 //
-// Run with LD_LIBRARY_PATH=build/<preset>/levels/<level> to pin the level.
+//   bench_streams [--write docs/performance.md] [--levels build/release/levels] [--benchmark_...]
+//
+// Runs itself on each level's library and prints a line per generator and output: times of peers
+// divided by ours, the least of several repetitions each, in turns.
 
 #include "qor/streams.h"
 
-#include <benchmark/benchmark.h>
-
-#include <cmath>
-#include <cstdio>
-#include <cstring>
-#include <map>
+#include <cstdlib>
 #include <memory>
 #include <random>
-#include <string>
-#include <vector>
+
+#include "bench/least_times.h"
+#include "tools/levels.h"
+#include "tools/section.h"
 
 #if __has_include(<gsl/gsl_rng.h>)
 #include <gsl/gsl_rng.h>
@@ -27,7 +26,33 @@
 
 namespace {
 
+using qor::bench::LeastTimes;
+using qor::bench::number;
+
+constexpr const char* kHead =
+    R"(Written by `bench_streams --write docs/performance.md`. Ratios of times per value, peer to ours, in
+one run: above 1 this library is faster. Arrays of 10^6 values, filled by one call of ours and by a
+loop over the peer's; the least of several repetitions, taken in turns. A word of WH is four numbers.
+
+- scalar: our own generator in calls of eight values, which stay below every block form.
+- store: a plain store of as many bytes, divided into our time: how many times as long a fill takes.
+
+A dash: no such peer here. Levels: v1, v3, v4 stand for x86-64-v1 and so on.
+
+| generator | output | level | GSL cmrg | GSL mt19937 | std mt19937 | Boost mt19937 | scalar | store |
+|---|---|---|---|---|---|---|---|---|
+)";
+constexpr const char* kServices = R"(
+Nanoseconds that a stream costs to make and delete, and to move on by 2^62 outputs:
+
+| generator | level | create and delete | skip-ahead |
+|---|---|---|---|
+)";
+
 constexpr int32_t kCount = 1'000'000;
+constexpr int32_t kScalarCall = 8;
+constexpr int kRepetitions = 40;
+constexpr double kSeconds = 0.0005;  // of a repetition: short, so that some are undisturbed
 
 struct Named {
   const char* name;
@@ -38,6 +63,8 @@ constexpr Named kGenerators[] = {{"MCG31M1", QOR_BRNG_MCG31M1},
                                  {"MRG32K3A", QOR_BRNG_MRG32K3A},
                                  {"MCG59", QOR_BRNG_MCG59},
                                  {"WH", QOR_BRNG_WH}};
+constexpr const char* kOutputs[] = {"word", "double"};
+constexpr const char* kPeers[] = {"GSL cmrg", "GSL mt19937", "std mt19937", "Boost mt19937"};
 
 StreamState* new_stream(int32_t brng) {
   const uint32_t seed = 7777777;
@@ -46,158 +73,196 @@ StreamState* new_stream(int32_t brng) {
   return stream;
 }
 
-// fill(n, r) draws n values; `step` of them a call.
+// Repetitions take turns, so each begins with a run that is not counted.
+template <class Run>
+void add(const std::string& name, Run run) {
+  benchmark::RegisterBenchmark(name.c_str(),
+                               [run](benchmark::State& state) {
+                                 run();
+                                 for (auto _ : state) {
+                                   run();
+                                   benchmark::ClobberMemory();
+                                 }
+                               })
+      ->MinTime(kSeconds)
+      ->Repetitions(kRepetitions);
+}
+
+// The array that all fill; a word has up to 16 bytes.
+void* array() {
+  static std::vector<uint32_t> numbers(4 * size_t{kCount}, 1);
+  return numbers.data();
+}
+
+// fill(n, r) draws n values to r; `step` of them a call.
 template <class Value, class Fill>
-void time_fill(benchmark::State& state, int32_t step, Fill fill) {
-  std::vector<Value> r(kCount);
-  for (auto _ : state) {
-    for (int32_t i = 0; i < kCount; i += step) fill(std::min(step, kCount - i), r.data() + i);
-    benchmark::DoNotOptimize(r.data());
-    benchmark::ClobberMemory();
-  }
-  state.SetItemsProcessed(state.iterations() * kCount);
+void add_fill(const std::string& name, int32_t step, Fill fill) {
+  add(name, [=] {
+    auto* r = static_cast<Value*>(array());
+    for (int32_t i = 0; i < kCount; i += step) fill(std::min(step, kCount - i), r + i);
+  });
 }
 
 struct Word128 {
   uint32_t x[4];
 };
 
-void register_ours() {
-  for (const Named& g : kGenerators) {
-    BrngProperties row;
-    if (__ostGetBrngProperties(g.brng, &row) != 0) continue;
-    // A call of 8 outputs stays below every block form.
-    for (int32_t step : {kCount, 8}) {
-      const std::string form = step == kCount ? "" : "/scalar";
-      const std::string name = std::string("ours/") + g.name;
-      benchmark::RegisterBenchmark((name + "/double" + form).c_str(), [=](benchmark::State& s) {
-        StreamState* stream = new_stream(g.brng);
-        time_fill<double>(s, step, [&](int32_t n, double* r) { row.dBRng(stream, n, r, 0, 1); });
-        __ostDeleteStream(&stream);
-      });
-      benchmark::RegisterBenchmark((name + "/word" + form).c_str(), [=](benchmark::State& s) {
-        StreamState* stream = new_stream(g.brng);
-        const auto fill = [&](int32_t n, void* r) { row.iBRng(stream, n, r); };
-        if (row.wordBytes == 4) time_fill<uint32_t>(s, step, fill);
-        if (row.wordBytes == 8) time_fill<uint64_t>(s, step, fill);
-        if (row.wordBytes == 16) time_fill<Word128>(s, step, fill);
-        __ostDeleteStream(&stream);
-      });
-    }
+void add_ours(const Named& g) {
+  BrngProperties row;
+  if (__ostGetBrngProperties(g.brng, &row) != 0) std::abort();
+  StreamState* const stream = new_stream(g.brng);  // lives as long as the program
+  for (const int32_t step : {kCount, kScalarCall}) {
+    const std::string form = step == kCount ? "" : "/scalar";
+    const std::string word = std::string(g.name) + "/word" + form;
+    const auto fill = [=](int32_t n, void* r) { row.iBRng(stream, n, r); };
+    add_fill<double>(std::string(g.name) + "/double" + form, step,
+                     [=](int32_t n, double* r) { row.dBRng(stream, n, r, 0, 1); });
+    if (row.wordBytes == 4) add_fill<uint32_t>(word, step, fill);
+    if (row.wordBytes == 8) add_fill<uint64_t>(word, step, fill);
+    if (row.wordBytes == 16) add_fill<Word128>(word, step, fill);
+  }
+  add(std::string(g.name) + "/create", [=] {
+    StreamState* made = new_stream(g.brng);
+    benchmark::DoNotOptimize(made);
+    __ostDeleteStream(&made);
+  });
+  if (__ostSkipAheadStream(stream, 0) == 0) {
+    add(std::string(g.name) + "/skip", [=] { __ostSkipAheadStream(stream, uint64_t{1} << 62); });
   }
 }
 
-void register_store() {
-  benchmark::RegisterBenchmark("store/double", [](benchmark::State& s) {
-    time_fill<double>(s, kCount, [](int32_t n, double* r) {
-      for (int32_t i = 0; i < n; ++i) r[i] = 0.5;
-    });
+// next(): a word; real(): a double between 0 and 1.
+template <class Next, class Real>
+void add_peer(const std::string& name, Next next, Real real) {
+  add_fill<uint32_t>(name + "/word", kCount, [=](int32_t n, uint32_t* r) {
+    for (int32_t i = 0; i < n; ++i) r[i] = static_cast<uint32_t>(next());
+  });
+  add_fill<double>(name + "/double", kCount, [=](int32_t n, double* r) {
+    for (int32_t i = 0; i < n; ++i) r[i] = real();
   });
 }
 
 template <class Engine>
-void register_engine(const std::string& name) {
-  benchmark::RegisterBenchmark((name + "/word").c_str(), [](benchmark::State& s) {
-    Engine engine(7777777);
-    time_fill<uint32_t>(s, kCount, [&](int32_t n, uint32_t* r) {
-      for (int32_t i = 0; i < n; ++i) r[i] = static_cast<uint32_t>(engine());
-    });
-  });
-  benchmark::RegisterBenchmark((name + "/double").c_str(), [](benchmark::State& s) {
-    Engine engine(7777777);
-    time_fill<double>(s, kCount, [&](int32_t n, double* r) {
-      for (int32_t i = 0; i < n; ++i) r[i] = static_cast<double>(engine()) * 0x1p-32;
-    });
-  });
+void add_engine(const std::string& name) {
+  const auto engine = std::make_shared<Engine>(7777777);
+  Engine* const e = engine.get();
+  add_peer(
+      name, [engine, e] { return (*e)(); },
+      [engine, e] { return static_cast<double>((*e)()) * 0x1p-32; });
 }
 
 #ifdef QOR_HAS_GSL
-void register_gsl(const std::string& name, const gsl_rng_type* type) {
-  benchmark::RegisterBenchmark((name + "/word").c_str(), [=](benchmark::State& s) {
-    const std::unique_ptr<gsl_rng, void (*)(gsl_rng*)> rng(gsl_rng_alloc(type), gsl_rng_free);
-    time_fill<uint32_t>(s, kCount, [&](int32_t n, uint32_t* r) {
-      for (int32_t i = 0; i < n; ++i) r[i] = static_cast<uint32_t>(gsl_rng_get(rng.get()));
-    });
-  });
-  benchmark::RegisterBenchmark((name + "/double").c_str(), [=](benchmark::State& s) {
-    const std::unique_ptr<gsl_rng, void (*)(gsl_rng*)> rng(gsl_rng_alloc(type), gsl_rng_free);
-    time_fill<double>(s, kCount, [&](int32_t n, double* r) {
-      for (int32_t i = 0; i < n; ++i) r[i] = gsl_rng_uniform(rng.get());
-    });
-  });
+void add_gsl(const std::string& name, const gsl_rng_type* type) {
+  gsl_rng* const rng = gsl_rng_alloc(type);  // lives as long as the program
+  add_peer(
+      name, [rng] { return gsl_rng_get(rng); }, [rng] { return gsl_rng_uniform(rng); });
 }
 #endif
 
-void register_services() {
+void add_all() {
+  for (const Named& g : kGenerators) add_ours(g);
+  for (const size_t bytes : {4, 8, 16}) {
+    add("store/" + std::to_string(bytes), [=] {
+      auto* r = static_cast<double*>(array());
+      for (size_t i = 0; i < kCount * bytes / sizeof(double); ++i) r[i] = 0.5;
+    });
+  }
+  add_engine<std::mt19937>("std mt19937");
+#ifdef QOR_HAS_BOOST
+  add_engine<boost::random::mt19937>("Boost mt19937");
+#endif
+#ifdef QOR_HAS_GSL
+  add_gsl("GSL mt19937", gsl_rng_mt19937);
+  add_gsl("GSL cmrg", gsl_rng_cmrg);
+#endif
+}
+
+// ---- Lines --------------------------------------------------------------------------------------
+
+std::string cell(const std::string& text) { return " " + text + " |"; }
+
+size_t bytes_of(const Named& g, const std::string& output) {
+  BrngProperties row;
+  if (output == "double" || __ostGetBrngProperties(g.brng, &row) != 0) return sizeof(double);
+  return static_cast<size_t>(row.wordBytes);
+}
+
+void print_lines(const std::string& level, const LeastTimes& times) {
   for (const Named& g : kGenerators) {
-    benchmark::RegisterBenchmark((std::string("create+delete/") + g.name).c_str(),
-                                 [=](benchmark::State& s) {
-                                   for (auto _ : s) {
-                                     StreamState* stream = new_stream(g.brng);
-                                     benchmark::DoNotOptimize(stream);
-                                     __ostDeleteStream(&stream);
-                                   }
-                                 });
-    if (g.brng == QOR_BRNG_R250) continue;
-    for (const uint64_t skip : {uint64_t{1} << 62, ~uint64_t{0}}) {
-      const std::string count = skip == ~uint64_t{0} ? "2^64-1" : "2^62";
-      benchmark::RegisterBenchmark(("skip " + count + "/" + g.name).c_str(),
-                                   [=](benchmark::State& s) {
-                                     StreamState* stream = new_stream(g.brng);
-                                     for (auto _ : s) __ostSkipAheadStream(stream, skip);
-                                     __ostDeleteStream(&stream);
-                                   });
+    for (const std::string output : kOutputs) {
+      const std::string name = std::string(g.name) + "/" + output;
+      const double ours = times.of(name);
+      std::string line = "|" + cell(g.name) + cell(output) + cell(level);
+      for (const std::string peer : kPeers)
+        line += cell(number(times.of(peer + "/" + output) / ours, "%.1f"));
+      line += cell(number(times.of(name + "/scalar") / ours, "%.1f"));
+      line += cell(number(ours / times.of("store/" + std::to_string(bytes_of(g, output))), "%.1f"));
+      std::printf("%s\n", line.c_str());
     }
+    const std::string name = g.name;
+    std::printf("services |%s\n",
+                (cell(name) + cell(level) + cell(number(times.of(name + "/create"), "%.0f")) +
+                 cell(number(times.of(name + "/skip"), "%.0f")))
+                    .c_str());
   }
 }
 
-// Keeps the time per iteration of every run for the ratios.
-class Collector : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) times[run.benchmark_name()] = run.GetAdjustedRealTime();
-  }
-  std::map<std::string, double> times;
+struct Options {
+  std::string page, levels = QOR_BUILD_LEVELS, level;
+  std::vector<std::string> passed_on;
 };
 
-void print_ratio(const std::map<std::string, double>& times, const std::string& slow,
-                 const std::string& fast) {
-  const auto a = times.find(slow), b = times.find(fast);
-  if (a == times.end() || b == times.end()) return;
-  std::printf("%-22s / %-22s %6.2f\n", slow.c_str(), fast.c_str(), a->second / b->second);
+Options parse(int count, char** words) {
+  Options options;
+  for (int i = 1; i < count; ++i) {
+    const std::string word = words[i];
+    std::string* const value = word == "--write"    ? &options.page
+                               : word == "--levels" ? &options.levels
+                               : word == "--level"  ? &options.level
+                                                    : nullptr;
+    if (value != nullptr && i + 1 < count) {
+      *value = words[++i];
+    } else {
+      options.passed_on.push_back(word);
+    }
+  }
+  return options;
 }
 
-void print_ratios(const std::map<std::string, double>& times) {
-  std::printf("\nTime ratios: how many times as long the first takes\n");
-  for (const Named& g : kGenerators) {
-    for (const std::string& output : {std::string("word"), std::string("double")}) {
-      const std::string ours = std::string("ours/") + g.name + "/" + output;
-      for (const char* peer : {"gsl cmrg/", "gsl mt19937/", "std mt19937/", "boost mt19937/"})
-        print_ratio(times, peer + output, ours);
-      print_ratio(times, ours + "/scalar", ours);
-    }
-    print_ratio(times, std::string("ours/") + g.name + "/double", "store/double");
-  }
+void run_level(const Options& options) {
+  std::vector<std::string> words{"bench_streams", "--benchmark_enable_random_interleaving=true"};
+  words.insert(words.end(), options.passed_on.begin(), options.passed_on.end());
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+  add_all();
+  LeastTimes times;
+  benchmark::RunSpecifiedBenchmarks(&times);
+  print_lines(options.level, times);
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  register_store();
-  register_ours();
-  register_engine<std::mt19937>("std mt19937");
-#ifdef QOR_HAS_BOOST
-  register_engine<boost::random::mt19937>("boost mt19937");
-#endif
-#ifdef QOR_HAS_GSL
-  register_gsl("gsl mt19937", gsl_rng_mt19937);
-  register_gsl("gsl cmrg", gsl_rng_cmrg);
-#endif
-  register_services();
-  Collector collector;
-  benchmark::RunSpecifiedBenchmarks(&collector);
-  print_ratios(collector.times);
+int main(int count, char** words) {
+  const Options options = parse(count, words);
+  if (!options.level.empty()) {
+    run_level(options);
+    return 0;
+  }
+  const std::string mark = "services ";
+  std::string outputs = kHead, services = kServices;
+  for (const std::string& level : qor::tools::runnable_levels(options.levels)) {
+    std::vector<std::string> arguments = options.passed_on;
+    arguments.insert(arguments.end(), {"--level", level});
+    for (const std::string& line : qor::tools::run_on_level(options.levels, level, arguments)) {
+      const bool service = line.starts_with(mark);
+      (service ? services : outputs) += (service ? line.substr(mark.size()) : line) + "\n";
+    }
+  }
+  std::printf("%s%s", outputs.c_str(), services.c_str());
+  if (!options.page.empty()) {
+    qor::tools::write_section(options.page, "Random streams", outputs + services);
+  }
   return 0;
 }

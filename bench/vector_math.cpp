@@ -14,10 +14,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <map>
 #include <memory>
 #include <sstream>
 
+#include "bench/least_times.h"
 #include "bench/vector_math/peers.h"
 #include "tests/support/evaluate.h"
 #include "tools/levels.h"
@@ -25,6 +25,8 @@
 
 namespace {
 
+using qor::bench::LeastTimes;
+using qor::bench::number;
 using qor::test::Call;
 using qor::test::Row;
 using qor::tools::PageLine;
@@ -58,25 +60,25 @@ struct Vectors {
   qor::test::Results<T> results;
   Call<T> call;
 
-  Vectors(const Row<T>& row, size_t count) : batch(qor::test::Arguments<T>(row).ordinary(kCount)) {
-    for (auto& numbers : batch.in) {
-      const size_t size = numbers.size() / kCount * count;
-      for (size_t i = numbers.size(); i < size; ++i) numbers.push_back(numbers[i - kCount]);
-    }
+  explicit Vectors(const Row<T>& row) : batch(qor::test::Arguments<T>(row).ordinary(kCount)) {
     call = qor::test::call_on(row, batch);
     for (size_t k = 0; k < results.size(); ++k) {
-      results[k].resize(count * static_cast<size_t>(row.shape.output_parts));
+      results[k].resize(kCount * static_cast<size_t>(row.shape.output_parts));
       call.out[k] = results[k].data();
     }
   }
 };
 
-template <class Run>
-void add(const std::string& name, Run run) {
+// Repetitions of different benchmarks take turns, so each prepares what it works on, and begins
+// with a run that is not counted.
+template <class Prepare, class Run>
+void add(const std::string& name, Prepare prepare, Run run) {
   benchmark::RegisterBenchmark(name.c_str(),
-                               [run](benchmark::State& state) {
+                               [prepare, run](benchmark::State& state) {
+                                 const auto call = prepare();
+                                 run(call);
                                  for (auto _ : state) {
-                                   run();
+                                   run(call);
                                    benchmark::ClobberMemory();
                                  }
                                })
@@ -90,66 +92,61 @@ std::string stem_of(const Row<T>& row, int slot) {
   return row.name().append("/").append(std::to_string(slot)).append("/");
 }
 
-// Vectors too long for the caches, against a copy that moves as many bytes.
+// Vectors too long for the caches: the same memory for all kernels and for the copy that moves as
+// many bytes, since what lies where decides more than the arithmetic.
 template <class T>
-void add_long(const Row<T>& row, int slot) {
-  auto vectors = std::make_shared<Vectors<T>>(row, kLong);
+struct LongVectors {
+  std::vector<T> in = std::vector<T>(2 * kLong), out = std::vector<T>(2 * kLong);
+
+  // Arguments of the short vectors over and over.
+  Call<T> call_like(const Call<T>& model, int inputs) {
+    Call<T> call = model;
+    call.n = static_cast<int32_t>(kLong);
+    for (size_t k = 0; k < static_cast<size_t>(inputs); ++k) {
+      for (size_t i = 0; i < kLong; ++i) in[k * kLong + i] = model.in[k][i % kCount];
+      call.in[k] = &in[k * kLong];
+    }
+    call.out[0] = out.data();
+    return call;
+  }
+};
+
+template <class T>
+void add_long(const Row<T>& row, int slot, const std::shared_ptr<Vectors<T>>& vectors) {
+  static LongVectors<T> memory;
   const std::string stem = stem_of(row, slot);
-  add(stem + "long", [&row, slot, vectors] { row.run(slot, vectors->call); });
-  add(stem + "copy", [&row, vectors] {
+  const auto prepare = [&row, vectors] {
+    return memory.call_like(vectors->call, row.shape.inputs);
+  };
+  add(stem + "long", prepare, [&row, slot](const Call<T>& call) { row.run(slot, call); });
+  add(stem + "copy", prepare, [&row](const Call<T>&) {
     const size_t moved = kLong * static_cast<size_t>(row.shape.inputs + row.shape.outputs) / 2;
-    static std::vector<T> from(2 * kLong), to(2 * kLong);
-    std::memcpy(to.data(), from.data(), moved * sizeof(T));
+    std::memcpy(memory.out.data(), memory.in.data(), moved * sizeof(T));
   });
 }
 
 template <class T>
 void add_row(const Row<T>& row, const std::string& level) {
-  auto vectors = std::make_shared<Vectors<T>>(row, kCount);
+  auto vectors = std::make_shared<Vectors<T>>(row);
   const auto peers = qor::bench::peers_of(row, level);
   for (int slot : row.distinct_slots()) {
     const std::string stem = stem_of(row, slot);
-    add(stem + "ours", [&row, slot, vectors] { row.run(slot, vectors->call); });
-    Call<T> single = vectors->call;
-    single.n = 1;
-    add(stem + "one", [&row, slot, single, vectors] { row.run(slot, single); });
+    const auto all = [vectors] { return vectors->call; };
+    const auto first = [vectors] {
+      Call<T> call = vectors->call;
+      call.n = 1;
+      return call;
+    };
+    const auto ours = [&row, slot](const Call<T>& call) { row.run(slot, call); };
+    add(stem + "ours", all, ours);
+    add(stem + "one", first, ours);
     bool plain = false;
     for (const auto& peer : peers) {
-      add(stem + peer.library, [peer, vectors] { peer.run(vectors->call); });
+      add(stem + peer.library, all, peer.run);
       plain = plain || peer.library == "compiler";
     }
-    if (plain) add_long(row, slot);
+    if (plain) add_long(row, slot, vectors);
   }
-}
-
-// Keeps the least time of each benchmark, in nanoseconds.
-class LeastTimes : public benchmark::BenchmarkReporter {
- public:
-  bool ReportContext(const Context&) override { return true; }
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.run_type != Run::RT_Iteration) continue;
-      const std::string name = run.run_name.function_name;
-      const double time = run.GetAdjustedRealTime();
-      const auto [entry, fresh] = least_.emplace(name, time);
-      if (!fresh) entry->second = std::min(entry->second, time);
-    }
-  }
-  // 0 when there is no such benchmark.
-  double of(const std::string& name) const {
-    const auto found = least_.find(name);
-    return found == least_.end() ? 0.0 : found->second;
-  }
-
- private:
-  std::map<std::string, double> least_;
-};
-
-std::string number(double x, const char* format) {
-  if (x == 0) return "–";
-  char text[32];
-  std::snprintf(text, sizeof text, format, x);
-  return text;
 }
 
 template <class T>

@@ -2,8 +2,7 @@
 //
 // Accuracy. correctly rounded, in the rounding mode of the environment; Abs is exact.
 // Special.  as the operation has them, of two NaN the first; nothing is reported. Abs multiplies
-// the sign away, so that a
-//           signalling NaN comes out quiet (and a NaN keeps its sign bit).
+//           the sign away, so that a signalling NaN comes out quiet (and a NaN keeps its sign bit).
 //
 // The single kernels (but not their strided mates) and dAbs work in the caller's rounding mode, the
 // others to nearest.

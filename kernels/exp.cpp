@@ -70,11 +70,12 @@ struct DExp : Unary<double> {
                              exp_scalar::step_low});
 
   V core(V x) const {
-    const auto [r, bits] = exp_core::reduce(x, step);
     if constexpr (exp_core::short_tables<double>) {
-      const V rest = r * r * lanes::horner(r, tables::exp_double_16);
-      return exp_core::times_short_power(r, rest, bits);
+      const auto [r, head, small, bits] = exp_core::reduce_in_parts(x, step);
+      const V rest = lanes::multiply_add(r * r, lanes::horner(r, tables::exp_double_16), -small);
+      return exp_core::times_short_power(head, rest, bits);
     } else {
+      const auto [r, bits] = exp_core::reduce(x, step);
       const V p = lanes::horner(r, 0x1.111112d9f549bp-7, 0x1.555573f218b93p-5, 0x1.555555555653ep-3,
                                 0x1.fffffffffdb3bp-2);
       return exp_core::times_power<64>(lanes::multiply_add(r * r, p, r), bits);

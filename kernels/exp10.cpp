@@ -75,11 +75,13 @@ struct DExp10 : Unary<double> {
       0x1.a934f0979a371p+8, 0x1.88p+52, 0x1.3441350ap-9, -0x1.0c0219dc1da99p-46});
 
   V core(V x) const {
-    const auto [r, bits] = exp_core::reduce(x, step);
     if constexpr (exp_core::short_tables<double>) {
-      const V rest = lanes::horner(r, tables::exp10_double_16) * r;
-      return exp_core::times_short_power(r + r, rest, bits);
+      const auto [r, head, small, bits] = exp_core::reduce_in_parts(x, step);
+      const V growth = lanes::horner(r, tables::exp10_double_16);
+      return exp_core::times_short_power(head + head,
+                                         lanes::multiply_add(growth, r, -(small + small)), bits);
     } else {
+      const auto [r, bits] = exp_core::reduce(x, step);
       const V p = lanes::horner(r, 0x1.144c03efafb54p-1, 0x1.2bd767584db59p+0, 0x1.0470591ccea8bp+1,
                                 0x1.53524c73ce8e3p+1, 0x1.26bb1bbb55516p+1);
       return exp_core::times_power<128>(p * r, bits);

@@ -41,6 +41,20 @@ inline Reduced<T> reduce(typename lanes::Lanes<T>::V x, const Step<T>& step) {
   return {multiply_add(k, all(-step.low), multiply_add(k, all(-step.high), x)), image(t)};
 }
 
+// The same with r also as the exact head - small, for a lead that no rounding touches.
+template <class T>
+struct ReducedInParts {
+  typename lanes::Lanes<T>::V r, head, small;
+  typename lanes::Lanes<T>::I bits;
+};
+template <class T>
+inline ReducedInParts<T> reduce_in_parts(typename lanes::Lanes<T>::V x, const Step<T>& step) {
+  const auto t = multiply_add(x, all(step.per_unit), step.shifter);
+  const auto k = t - step.shifter;
+  const auto head = multiply_add(k, all(-step.high), x);
+  return {multiply_add(k, all(-step.low), head), head, k * step.low, image(t)};
+}
+
 // Of a step that is a power of two, which the shifter's unit says: exact.
 template <class T>
 inline Reduced<T> reduce(typename lanes::Lanes<T>::V x, T shifter) {
@@ -120,12 +134,13 @@ inline f64 times_power(f64 q, i64 bits) {
 }
 
 // The same by the short table, for q = lead + rest with an exact lead: q is not small enough there
-// for a rounding of its own.
+// for a rounding of its own, so what its sum with the power loses is kept.
 inline f64 times_short_power(f64 lead, f64 rest, i64 bits) {
   const f64 high = lanes::look_up(tables::exp2_double_16_high, bits);
   const f64 low = lanes::look_up(tables::exp2_double_16_low, bits);
-  const f64 q = multiply_add(lead, high, multiply_add(rest, high, low));
-  return scaled<4>(q + high, bits);
+  const f64 sum = multiply_add(lead, high, high);
+  const f64 lost = multiply_add(lead, high, high - sum);
+  return scaled<4>(sum + (lost + multiply_add(rest, high, low)), bits);
 }
 
 }  // namespace qor::kernels::exp_core

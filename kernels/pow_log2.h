@@ -69,7 +69,7 @@ inline Parts log2_fused(f64 x) {
   const f64 t = split.k + row.b;
   const f64 sum = t + product;
   const f64 rest = ((t - sum) + product) + (row.c + product_low);
-  const f64 low = multiply_add(square * r, lanes::horner(r, kSeries), rest);
+  const f64 low = multiply_add(square * r, lanes::even_odd(r, kSeries), rest);
   const f64 high = sum + low;
   return {high, (sum - high) + low};
 }

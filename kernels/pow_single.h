@@ -1,8 +1,7 @@
 // The single powers, worked out in double: 2^(y log2 x).
 //
 // Method.   log2 by 16 cells of the mantissa, whose reciprocals are chosen such that their
-// logarithms
-//           are floats to 2^-39, and the series of log2(1 + r), |r| <= 2^-5; 2^f by one
+//           logarithms are floats to 2^-39, and the series of log2(1 + r), |r| <= 2^-5; 2^f by one
 //           polynomial for |f| <= 1/2. Relative error below 2^-31, then narrowed once.
 #pragma once
 
@@ -27,7 +26,7 @@ inline constexpr double kSeries[] = {kLog2e / 7, -kLog2e / 6, kLog2e / 5, -kLog2
 // log2(2^k z), c the reciprocal of z's cell and t = k - log2 c
 inline f64 log2(f64 z, f64 c, f64 t) {
   const f64 r = multiply_add(z, c, -1.0);
-  return multiply_add(r, lanes::even_odd(r, kSeries), t);
+  return multiply_add(r, lanes::estrin(r, kSeries), t);
 }
 
 // Exponent, mantissa and cell are worked out on the floats' images: x = 2^k z, z in [a, 2 a).
@@ -50,7 +49,7 @@ struct Power {
 };
 inline Power exp2(f64 p) {
   const f64 shifted = p + kShifter;
-  return {lanes::even_odd(p - (shifted - kShifter), tables::pow_exp2), shifted};
+  return {lanes::estrin(p - (shifted - kShifter), tables::pow_exp2), shifted};
 }
 
 inline Provisional<float> power(f32 x, f32 y) {

@@ -49,7 +49,8 @@ inline void run_part(const F& f, const Contiguous<F>& vectors, int64_t i, int co
 
 // Never inlined: its arithmetic stays between the environment's steps.
 template <class F>
-[[gnu::noinline]] void run_simple(const F f, const Contiguous<F> vectors, int64_t n) {
+[[gnu::noinline]] void run_simple(const F f, const Contiguous<F>& given, int64_t n) {
+  const Contiguous<F> vectors = given;
   constexpr int width = lanes::Lanes<typename F::Real>::count;
   constexpr int unrolled = 4;
   int64_t i = elements_to_alignment(vectors.out[0], n);

@@ -4,6 +4,7 @@
 
 #include "statistics/cross_product.h"
 #include "statistics/estimators.h"
+#include "statistics/run.h"
 #include "statistics/slots.h"
 #include "statistics/work_memory.h"
 
@@ -21,37 +22,15 @@ int64_t threads_for(const ThreadHook* hook, int64_t n, int64_t p, bool matrix) {
   return std::max<int64_t>(1, std::min(hook->thread_count(), most));
 }
 
-// What one thread gathers, away from the cache lines of the others.
 template <class Real>
-struct alignas(128) Member {
-  Accumulator<Real> gathered;
-};
-
-// One call over data.
-template <class Real>
-struct Run {
-  SsTask& task;
-  const Request& request;
-  Observations<Real> data;
-  int row;
-  Order order;
-  bool matrix;
-  int64_t threads;
-  Kernel<Real> kernel;
-  const Real* start_means;  // what the cross-product is central about at the start
-  Member<Real>* members;    // one per thread; the first gathers in the caller's arrays
-};
-
-template <class Real>
-Kernel<Real> kernel_of(const Request& request, const Observations<Real>& data, int row) {
-  const bool weighted = data.weights != nullptr;
+Kernel<Real> kernel_of(const Request& request, bool by_variable, bool weighted, int row) {
   switch (request.method) {
     case Method::one_pass:
-      return one_pass_kernel<Real>(data.by_variable, weighted, row, request.has_matrix());
+      return one_pass_kernel<Real>(by_variable, weighted, row, request.has_matrix());
     case Method::fast:
-      return fast_kernel<Real>(data.by_variable, weighted, row);
+      return fast_kernel<Real>(by_variable, weighted, row);
     default:
-      return given_means_kernel<Real>(data.by_variable, weighted, row);
+      return given_means_kernel<Real>(by_variable, weighted, row);
   }
 }
 
@@ -60,108 +39,6 @@ int64_t member_work(const Run<Real>& run) {
   if (!run.matrix) return 0;
   if (run.request.method == Method::one_pass) return one_pass_work<Real>(run.data.p);
   return product_work(run.data, std::min(run.data.n, product_block(run.data.p)));
-}
-
-// Slots that hold sums while a method by sums runs: all raw ones, but not a given mean.
-template <class Real>
-void scale_raw(const Run<Real>& run, Accumulator<Real>& a, bool to_sums) {
-  const Real w = static_cast<Real>(a.weight.sum);
-  for (int s = run.request.method == Method::given_means ? 1 : 0; s < run.order.raw; ++s) {
-    Real* values = slot(a.moments, s);
-    for (int64_t j = 0; j < run.data.p; ++j) values[j] = to_sums ? values[j] * w : values[j] / w;
-  }
-}
-
-// The methods by sums: moments and the matrix become sums about 0, and central again at the end.
-template <class Real>
-void run_sums(const Run<Real>& run, int64_t first, int64_t end, Accumulator<Real>& a) {
-  const int64_t p = run.data.p;
-  if (run.matrix && a.weight.sum != 0) {
-    add_rank_one(static_cast<Real>(a.weight.sum), run.start_means, p, a.cross);
-  }
-  scale_raw(run, a, true);
-  const int64_t block = run.matrix ? product_block(p) : end - first;
-  for (int64_t count; first < end; first += count) {
-    count = std::min(block, end - first);
-    run.kernel(run.data, first, first + count, a);
-    if (run.matrix) add_products(run.data, first, count, a.work, a.cross);
-  }
-  scale_raw(run, a, false);
-  if (run.matrix) add_rank_one(static_cast<Real>(-a.weight.sum), a.moments.mean, p, a.cross);
-}
-
-// The first observation from `first` on whose weight is not exactly 0 (a NaN is not), or `end`.
-template <class Real>
-int64_t first_weighted(const Real* weights, int64_t first, int64_t end) {
-  while (first < end && weights[first] == 0) ++first;
-  return first;
-}
-
-// Member t of the team: an equal share of the observations, the last one's with the remainder.
-template <class Real>
-void run_member(const Run<Real>& run, int64_t t) {
-  const int64_t n = run.data.n, share = n / run.threads;
-  const int64_t end = t + 1 == run.threads ? n : (t + 1) * share;
-  int64_t first = t * share;
-  Accumulator<Real>& gathered = run.members[t].gathered;
-  if (run.data.weights != nullptr) first = first_weighted(run.data.weights, first, end);
-  if (first == end) return;
-  if (run.request.method == Method::one_pass) {
-    run.kernel(run.data, first, end, gathered);
-  } else {
-    run_sums(run, first, end, gathered);
-  }
-}
-
-template <class Real>
-void run_team(const Run<Real>& run, const ThreadHook* hook) {
-  if (run.threads == 1) return run_member(run, 0);
-  hook->run_team(run.threads, const_cast<Run<Real>*>(&run),
-                 [](int64_t t, int64_t, int64_t, void* context) {
-                   run_member(*static_cast<const Run<Real>*>(context), t);
-                 });
-}
-
-// Sums about the same means need no formulas.
-template <class Real>
-void merge_about_given_means(const Run<Real>& run, const Moments<Real>& into,
-                             const Moments<Real>& part, const Shares<Real>& shares) {
-  for (int64_t j = 0; j < run.data.p; ++j) {
-    for (int k = 0; k < run.order.central; ++k) into.central[k][j] += part.central[k][j];
-    for (int k = 0; k + 1 < run.order.raw; ++k) {
-      into.raw[k][j] = shares.mean(into.raw[k][j], part.raw[k][j]);
-    }
-  }
-}
-
-template <class Real>
-void merge_cross(int64_t p, const Accumulator<Real>& into, const Accumulator<Real>& part, Real f) {
-  const Real *mean = into.moments.mean, *other = part.moments.mean;
-  for (int64_t k = 0; k < p; ++k) {
-    for (int64_t j = 0; j <= k; ++j) {
-      into.cross[k * p + j] +=
-          part.cross[k * p + j] + f * (other[j] - mean[j]) * (other[k] - mean[k]);
-    }
-  }
-}
-
-// In the order of the threads.
-template <class Real>
-void merge_members(const Run<Real>& run) {
-  Accumulator<Real>& into = run.members[0].gathered;
-  for (int64_t t = 1; t < run.threads; ++t) {
-    const Accumulator<Real>& part = run.members[t].gathered;
-    if (part.weight.sum == 0) continue;
-    const Shares<Real> shares(into.weight.sum, part.weight.sum);
-    if (run.matrix) merge_cross(run.data.p, into, part, shares.product);
-    if (run.request.method == Method::given_means) {
-      merge_about_given_means(run, into.moments, part.moments, shares);
-    } else {
-      merge(into.moments, part.moments, run.data.p, run.order, shares);
-    }
-    into.weight.sum += part.weight.sum;
-    into.weight.squares += part.weight.squares;
-  }
 }
 
 // The slots of the first thread: the caller's arrays where all variables take part, else
@@ -269,14 +146,16 @@ int compute_from_data(SsTask& task, const Request& asked, const ThreadHook* hook
   const Weight before = registered_weight<Real>(task);
   if (const int status = check_state(request, before.sum)) return status;
   const bool matrix = request.has_matrix();
+  const Order order = order_of(request.method, row);
+  const bool weighted = data.weights != nullptr;
   Run<Real> run = {task,
                    request,
                    data,
-                   row,
-                   order_of(request.method, row),
+                   order,
                    matrix,
                    threads_for(hook, data.n, data.p, matrix),
-                   kernel_of(request, data, row),
+                   kernel_of<Real>(request, data.by_variable, weighted, row),
+                   kernel_of<Real>(request, false, false, row),
                    nullptr,
                    nullptr};
   WorkMemory memory;
@@ -298,8 +177,7 @@ int compute_from_data(SsTask& task, const Request& asked, const ThreadHook* hook
     read_cross_product(matrix_of<Real>(task, holder), holder, data.p, first.weight, first.cross);
   }
   run.start_means = saves ? reals<Real>(task.saved_means) : first.moments.mean;
-  run_team(run, hook);
-  merge_members(run);
+  run_members(run, hook);
   finish(run, inverse_roots);
   return QOR_SS_OK;
 }

@@ -211,9 +211,12 @@ void one_pass(const Observations<Real>& data, int64_t first, int64_t end, Accumu
   constexpr int64_t lanes = register_lanes<Real>;
   Factors<Real> factors;
   if constexpr (!weighted) factors.set_unit_weights(std::min(kTile, end - first));
-  const int64_t stride = deviation_stride<Real>(data.p);
-  const Deviations<Real> deviations = {stride, into.work, into.work + kTile * stride,
-                                       into.work + 2 * kTile * stride};
+  Deviations<Real> deviations{};
+  if constexpr (matrix) {
+    const int64_t block = kTile * deviation_stride<Real>(data.p);
+    deviations = {deviation_stride<Real>(data.p), into.work, into.work + block,
+                  into.work + 2 * block};
+  }
   for (int64_t count; first < end; first += count) {
     count = std::min(kTile, end - first);
     if constexpr (weighted) {

@@ -28,10 +28,21 @@ constexpr uint32_t dot_mod(const uint32_t* a, const uint32_t* b, size_t stride, 
   return static_cast<uint32_t>(sum);
 }
 
-constexpr Matrix3 square_mod(const Matrix3& a, uint32_t m) {
+constexpr Matrix3 product_mod(const Matrix3& a, const Matrix3& b, uint32_t m) {
   Matrix3 result{};
   for (size_t i = 0; i < 3; ++i) {
-    for (size_t j = 0; j < 3; ++j) result[3 * i + j] = dot_mod(&a[3 * i], &a[j], 3, m);
+    for (size_t j = 0; j < 3; ++j) result[3 * i + j] = dot_mod(&a[3 * i], &b[j], 3, m);
+  }
+  return result;
+}
+
+constexpr Matrix3 square_mod(const Matrix3& a, uint32_t m) { return product_mod(a, a, m); }
+
+// companion(row) to the power e.
+constexpr Matrix3 power_mod(const Vector3& row, uint32_t e, uint32_t m) {
+  Matrix3 result = {1, 0, 0, 0, 1, 0, 0, 0, 1}, square = companion(row.data());
+  for (; e != 0; e >>= 1, square = square_mod(square, m)) {
+    if ((e & 1) != 0) result = product_mod(result, square, m);
   }
   return result;
 }

@@ -30,6 +30,11 @@ void check_choice(const Command& command, const Option& option, const std::strin
                       " is not one of: " + joined(option.choices));
 }
 
+// As it stands in the help.
+std::string form(const Option& option) {
+  return std::string(option.name) + (option.value.empty() ? "" : " " + std::string(option.value));
+}
+
 // Takes the option at the front of `words`, with its value.
 void take_option(const Command& command, std::span<const std::string>& words, Arguments& into) {
   const std::string word = words.front();
@@ -40,8 +45,9 @@ void take_option(const Command& command, std::span<const std::string>& words, Ar
   if (into.has(name)) refuse(command, name + ": given twice");
   std::string value;
   if (equals != std::string::npos) {
+    if (option.value.empty()) refuse(command, name + ": takes no value");
     value = word.substr(equals + 1);
-  } else {
+  } else if (!option.value.empty()) {
     if (words.empty()) refuse(command, name + ": its value is missing");
     value = words.front();
     words = words.subspan(1);
@@ -83,6 +89,11 @@ Arguments parse_arguments(const Command& command, std::span<const std::string> w
     refuse(command, quoted(arguments.operands[command.operands.size()]) +
                         ": more arguments than are accepted");
   }
+  for (const Option& option : command.options) {
+    if (option.required && !arguments.has(option.name)) {
+      refuse(command, std::string(option.name) + " is missing");
+    }
+  }
   return arguments;
 }
 
@@ -90,7 +101,7 @@ std::string usage(const Command& command) {
   std::string line = "usage: qor " + std::string(command.name);
   for (const std::string& operand : command.operands) line += " " + operand;
   for (const Option& option : command.options) {
-    line += " [" + std::string(option.name) + " " + std::string(option.value) + "]";
+    line += option.required ? " " + form(option) : " [" + form(option) + "]";
   }
   return line;
 }
@@ -99,9 +110,7 @@ std::string help(const Command& command) {
   std::string text = usage(command) + "\n\n" + std::string(command.summary) + "\n";
   if (!command.options.empty()) text += "\n";
   for (const Option& option : command.options) {
-    text +=
-        format("  %-26s %s\n", (std::string(option.name) + " " + std::string(option.value)).c_str(),
-               std::string(option.help).c_str());
+    text += format("  %-26s %s\n", form(option).c_str(), std::string(option.help).c_str());
   }
   return command.more_help != nullptr ? text + "\n" + command.more_help() : text;
 }

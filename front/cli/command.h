@@ -9,12 +9,13 @@
 
 namespace qor::cli {
 
-// An option --name VALUE (or --name=VALUE), given at most once.
+// An option --name VALUE (or --name=VALUE), or a flag --name, given at most once.
 struct Option {
   std::string_view name;   // with its dashes
-  std::string_view value;  // what stands for the value in the help
+  std::string_view value;  // what stands for the value in the help; empty: a flag, which has none
   std::string_view help;
   std::vector<std::string> choices = {};  // what is accepted; empty: any text
+  bool required = false;
 };
 
 // The arguments of one call, checked against what its command declares.

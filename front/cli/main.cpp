@@ -19,6 +19,7 @@ constexpr int kFailed = 1;
 const Command* const kCommands[] = {
     &tour_command,
     &map_command,
+    &random_command,
 };
 
 std::string overview() {

@@ -12,6 +12,7 @@
 #include "front/cli/functions.h"
 #include "front/cli/kernel_figures.h"
 #include "front/cli/text.h"
+#include "front/cli/tour_streams.h"
 #include "front/cpp/qor.hpp"
 
 namespace qor::cli {
@@ -168,7 +169,7 @@ void run(const Arguments& arguments, Output& output) {
   const std::string folder =
       arguments.has("--data") ? arguments.option("--data", "") : data_folder();
   output.out = "qor_ark_base " QOR_VERSION "\n  library  " + library_file() + "\n  data     " +
-               folder + "\n\n" + markets(folder) + errors(folder) + kernels();
+               folder + "\n\n" + markets(folder) + errors(folder) + tour_of_streams() + kernels();
 }
 
 }  // namespace

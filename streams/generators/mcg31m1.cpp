@@ -74,7 +74,7 @@ int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
   auto& state = state_of<State>(stream);
   fill_reals(
       n, r, [&](int32_t count, uint32_t* words) { fill_words(state, count, words); },
-      MapWords32{{a, b, kUnit}});
+      MapWords31{{a, b, kUnit}});
   return QOR_STREAM_OK;
 }
 

@@ -5,6 +5,7 @@
 //
 // The step comes first: output is the new value.
 
+#include "streams/generators/mrg32k3a_lanes.h"
 #include "streams/generators/output.h"
 #include "streams/generators/refusals.h"
 #include "streams/generators/wide.h"
@@ -51,25 +52,14 @@ constexpr int kVectors = kLanes / wide_lanes;
 constexpr uint64_t kX0 = 736416029, kMinusX1 = 1333150987, kX2 = 342112271;
 constexpr uint64_t kY0 = 818368950, kMinusY1 = 504169876, kMinusY2 = 752600334;
 
-// As the scalar form; the subtraction of m is an addition of `fold` whose carry out of 32 bits says
-// whether it was due. The result is the low half of a lane.
-template <uint64_t fold>
-Wide reduce(Wide t) {
-  constexpr uint64_t low = 0xFFFFFFFF;
-  t = mul_low(t >> 32, wide(fold)) + (t & low);
-  t = mul_low(t >> 32, wide(fold)) + (t & low);
-  const Wide due = (t + fold) >> 32;
-  return t + mul_low(due, wide(fold));
-}
-
 Wide jump_x(Wide x0, Wide x1, Wide x2) {
-  return reduce<kFold1>(mul_low(x0, wide(kX0)) + mul_low(x2, wide(kX2)) + kMinusX1 * kM1 -
-                        mul_low(x1, wide(kMinusX1)));
+  return reduce_wide<kFold1>(mul_low(x0, wide(kX0)) + mul_low(x2, wide(kX2)) + kMinusX1 * kM1 -
+                             mul_low(x1, wide(kMinusX1)));
 }
 
 Wide jump_y(Wide y0, Wide y1, Wide y2) {
-  return reduce<kFold2>(mul_low(y0, wide(kY0)) + (kMinusY1 + kMinusY2) * kM2 -
-                        mul_low(y1, wide(kMinusY1)) - mul_low(y2, wide(kMinusY2)));
+  return reduce_wide<kFold2>(mul_low(y0, wide(kY0)) + (kMinusY1 + kMinusY2) * kM2 -
+                             mul_low(y1, wide(kMinusY1)) - mul_low(y2, wide(kMinusY2)));
 }
 
 // x - y mod m1
@@ -117,12 +107,34 @@ void fill_words(State& state, int32_t n, void* r) {
   state = s;
 }
 
+// The rounds of a long call, which has whole ones: put(i, words) as MrgLanes gives them.
+template <class Put>
+int32_t fill_rounds(State& state, int32_t n, Put put) {
+  constexpr int32_t shortest_call = 2 * mrg_block;  // below, the start is not worth it
+  if (n < shortest_call || !has_usual_environment()) return 0;
+  MrgLanes lanes(state.x, state.y);
+  int32_t done = 0;
+  for (;;) {
+    lanes.round([&](int32_t i, WideReal words) { put(done + i, words); });
+    done += mrg_block;
+    if (n - done < mrg_block) break;
+    lanes.jump();
+  }
+  lanes.save(state.x, state.y);
+  return done;
+}
+
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
   auto& state = state_of<State>(stream);
+  const Affine map{a, b, kUnit};
+  const int32_t done = fill_rounds(state, n, [&](int32_t i, WideReal words) {
+    const WideReal values = words * map.scale + map.a;
+    for (int k = 0; k < wide_lanes; ++k) store(r, i + k * mrg_stride, static_cast<Real>(values[k]));
+  });
   fill_reals(
-      n, r, [&](int32_t count, uint32_t* words) { fill_words(state, count, words); },
-      MapWords32{{a, b, kUnit}});
+      n - done, static_cast<Real*>(at<Real>(r, done)),
+      [&](int32_t count, uint32_t* words) { fill_words(state, count, words); }, MapWords32{map});
   return QOR_STREAM_OK;
 }
 
@@ -188,6 +200,12 @@ int32_t __ostdBRngMRG32K3A(StreamState* stream, int32_t n, double* r, double a, 
   return fill(stream, n, r, a, b);
 }
 int32_t __ostiBRngMRG32K3A(StreamState* stream, int32_t n, void* r) {
-  fill_words(state_of<State>(stream), n, r);
+  auto& state = state_of<State>(stream);
+  const int32_t done = fill_rounds(state, n, [&](int32_t i, WideReal words) {
+    const Wide bits = MrgLanes::words_of(words);
+    for (int k = 0; k < wide_lanes; ++k)
+      store(r, i + k * mrg_stride, static_cast<uint32_t>(bits[k]));
+  });
+  fill_words(state, n - done, at<uint32_t>(r, done));
   return QOR_STREAM_OK;
 }

@@ -43,15 +43,22 @@ inline double to_double(uint32_t word) {
   return static_cast<double>(static_cast<int32_t>(word ^ 0x80000000u)) + 0x1p31;
 }
 
-struct MapWords32 {
+// Words of 32 bits or, where the top one is never set, of 31, whose conversion takes less.
+template <int bits>
+struct MapWords {
   using Word = uint32_t;
   Affine map;
   template <class Real>
   void operator()(const uint32_t* words, int32_t n, Real* r) const {
-    for (int32_t i = 0; i < n; ++i)
-      store(r, i, static_cast<Real>(to_double(words[i]) * map.scale + map.a));
+    for (int32_t i = 0; i < n; ++i) {
+      const double u =
+          bits == 32 ? to_double(words[i]) : static_cast<double>(static_cast<int32_t>(words[i]));
+      store(r, i, static_cast<Real>(u * map.scale + map.a));
+    }
   }
 };
+using MapWords31 = MapWords<31>;
+using MapWords32 = MapWords<32>;
 
 // n reals of a generator, from blocks of its words: words(n, Word* out), then map(words, n, Real*).
 template <class Real, class Words, class Map>

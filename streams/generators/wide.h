@@ -40,6 +40,22 @@ inline Wide mul_low(Wide a, Wide b) {
 
 inline Wide wide(uint64_t value) { return value - Wide{}; }
 
+// t mod m for m = 2^32 - fold, in the low half of each lane: two folds leave less than 2 m,
+// whatever t is; the subtraction of m is an addition of `fold` whose carry out of 32 bits says
+// whether it was due.
+template <uint64_t fold>
+Wide reduce_wide(Wide t) {
+  constexpr uint64_t low = 0xFFFFFFFF;
+  t = mul_low(t >> 32, wide(fold)) + (t & low);
+  t = mul_low(t >> 32, wide(fold)) + (t & low);
+  const Wide due = (t + fold) >> 32;
+  return t + mul_low(due, wide(fold));
+}
+
+// Whether the caller's floating-point environment is one where integers may be worked on in double
+// precision by rounding to nearest: that mode, and inexact results masked.
+inline bool has_usual_environment() { return (_mm_getcsr() & 0x7000) == 0x1000; }
+
 inline WideReal load_wide(const double* from) {
   WideReal v;
   std::memcpy(&v, from, sizeof v);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <xmmintrin.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -15,6 +16,7 @@
 #include <vector>
 
 #include "qor/vector_math.h"
+#include "tests/support/reports.h"
 
 namespace qor::test {
 
@@ -83,6 +85,22 @@ std::vector<T> random_values(int count, unsigned seed) {
   return values;
 }
 
+// The distance of a result from the exact value, which is not 0, in units of its last place.
+template <class T>
+double places_off(T result, long double exact) {
+  using Limits = std::numeric_limits<T>;
+  const int exponent = std::max(std::ilogb(exact), Limits::min_exponent - 1);
+  const auto error =
+      std::scalbn(static_cast<long double>(result) - exact, Limits::digits - 1 - exponent);
+  return std::fabs(static_cast<double>(error));
+}
+
+// A number with its neighbours.
+template <class T>
+std::vector<T> with_neighbours(T x) {
+  return {std::nextafter(x, -kLargest<T>), x, std::nextafter(x, kLargest<T>)};
+}
+
 // Exception flags of MXCSR that say more than "inexact" or "denormal operand".
 inline constexpr unsigned kInvalid = 0x01, kDivideByZero = 0x04, kOverflow = 0x08,
                           kUnderflow = 0x10;
@@ -102,8 +120,6 @@ class Reports {
 
   Reports() {
     list.clear();
-    old_mode_ = _arkGetMode();
-    _arkSetMode(QOR_MODE_ERRORS_CALLBACK);
     _arkSetErrorCallBack([](ErrorContext* context) {
       list.push_back({context->code, context->index, context->funcName});
       return 1;
@@ -112,7 +128,6 @@ class Reports {
   }
   ~Reports() {
     _arkClearErrorCallBack();
-    _arkSetMode(old_mode_);
     _arkClearErrStatus();
   }
   Reports(const Reports&) = delete;
@@ -121,7 +136,7 @@ class Reports {
   static inline std::vector<Report> list;
 
  private:
-  uint32_t old_mode_;
+  ModeScope mode_{QOR_MODE_ERRORS_CALLBACK};
 };
 
 inline void PrintTo(const Reports::Report& report, std::ostream* out) {

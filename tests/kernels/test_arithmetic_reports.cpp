@@ -3,7 +3,7 @@
 
 #include <fenv.h>
 
-#include "tests/kernels/arithmetic_support.h"
+#include "tests/kernels/function_cases.h"
 
 namespace qor::test {
 namespace {
@@ -12,58 +12,6 @@ template <class T>
 using BinaryRow = void (*)(int32_t, const T*, const T*, T*);
 template <class T>
 using StridedRow = void (*)(int32_t, const T*, int32_t, const T*, int32_t, T*, int32_t);
-
-template <class T>
-struct Function {
-  std::string name, strided_name;
-  BinaryRow<T> row;
-  StridedRow<T> strided;
-};
-
-template <class T>
-struct Case {
-  T a, b, result;
-  int code;
-  unsigned flags;
-};
-
-constexpr int kPlace = 2;  // where the case stands among harmless elements
-constexpr int kCount = 7;
-
-template <class T>
-void check_outcome(const Case<T>& c, const std::string& name, T result) {
-  EXPECT_EQ(flags(), c.flags);
-  EXPECT_TRUE(same(result, c.result)) << result;
-  std::vector<Reports::Report> expected;
-  if (c.code != 0) expected.push_back({c.code, kPlace, name});
-  EXPECT_EQ(Reports::list, expected);
-  EXPECT_EQ(_arkGetErrStatus(), c.code);
-}
-
-template <class T>
-void check(const Function<T>& f, const Case<T>& c) {
-  SCOPED_TRACE(f.name + " of " + std::to_string(c.a) + ", " + std::to_string(c.b));
-  std::vector<T> a(kCount, T(5.5)), b(kCount, T(2.25)), y(kCount);
-  a[kPlace] = c.a;
-  b[kPlace] = c.b;
-  {
-    const Reports reports;
-    clear_flags();
-    f.row(kCount, a.data(), b.data(), y.data());
-    check_outcome(c, f.name, y[kPlace]);
-  }
-  std::vector<T> spread_b(3 * kCount, T(2.25)), spread_y(2 * kCount);
-  spread_b[3 * kPlace] = c.b;
-  const Reports reports;
-  clear_flags();
-  f.strided(kCount, a.data(), 1, spread_b.data(), 3, spread_y.data(), 2);
-  check_outcome(c, f.strided_name, spread_y[2 * kPlace]);
-}
-
-template <class T>
-void check_all(const Function<T>& f, const std::vector<Case<T>>& cases) {
-  for (const Case<T>& c : cases) check(f, c);
-}
 
 template <class T>
 std::vector<Case<T>> division_cases() {
@@ -122,18 +70,18 @@ std::vector<Case<T>> fmod_cases() {
 }
 
 TEST(ArithmeticReports, CodesNamesAndFlags) {
-  check_all<float>({"vsDiv", "vsDivI", _arksDiv, _arksDivI}, division_cases<float>());
-  check_all<double>({"vdDiv", "vdDivI", _arkdDiv, _arkdDivI}, division_cases<double>());
-  check_all<float>({"vsNextAfter", "vsNextAfter", _arksNextAfter, _arksNextAfterI},
-                   next_after_cases<float>());
-  check_all<double>({"vdNextAfter", "vdNextAfter", _arkdNextAfter, _arkdNextAfterI},
-                    next_after_cases<double>());
-  check_all<float>({"vsRemainder", "vsRemainder", _arksRemainder, _arksRemainderI},
-                   remainder_cases<float>());
-  check_all<double>({"vdRemainder", "vdRemainder", _arkdRemainder, _arkdRemainderI},
-                    remainder_cases<double>());
-  check_all<float>({"vsFmod", "vsFmod", _arksFmod, _arksFmodI}, fmod_cases<float>());
-  check_all<double>({"vdFmod", "vdFmod", _arkdFmod, _arkdFmodI}, fmod_cases<double>());
+  check_all(Binary<float>{"vsDiv", "vsDivI", _arksDiv, _arksDivI}, division_cases<float>());
+  check_all(Binary<double>{"vdDiv", "vdDivI", _arkdDiv, _arkdDivI}, division_cases<double>());
+  check_all(Binary<float>{"vsNextAfter", "vsNextAfter", _arksNextAfter, _arksNextAfterI},
+            next_after_cases<float>());
+  check_all(Binary<double>{"vdNextAfter", "vdNextAfter", _arkdNextAfter, _arkdNextAfterI},
+            next_after_cases<double>());
+  check_all(Binary<float>{"vsRemainder", "vsRemainder", _arksRemainder, _arksRemainderI},
+            remainder_cases<float>());
+  check_all(Binary<double>{"vdRemainder", "vdRemainder", _arkdRemainder, _arkdRemainderI},
+            remainder_cases<double>());
+  check_all(Binary<float>{"vsFmod", "vsFmod", _arksFmod, _arksFmodI}, fmod_cases<float>());
+  check_all(Binary<double>{"vdFmod", "vdFmod", _arkdFmod, _arkdFmodI}, fmod_cases<double>());
 }
 
 TEST(ArithmeticReports, InverseOfZero) {
@@ -164,7 +112,7 @@ TEST(ArithmeticReports, InverseOfZero) {
 
 // Denormals are zeros to a division in the mode that says so, and to nothing that works on images.
 TEST(ArithmeticReports, DenormalsAsZeros) {
-  const uint32_t old_mode = _arkSetMode(QOR_MODE_FLUSH_DENORMALS);
+  const ModeScope mode(QOR_MODE_FLUSH_DENORMALS);
   const float one = 1, denormal = 3 * kDenormal<float>, step = 2 * kDenormal<float>;
   float quotient, rest, next;
   {
@@ -176,7 +124,6 @@ TEST(ArithmeticReports, DenormalsAsZeros) {
   const Reports reports;
   _arksFmod(1, &denormal, &step, &rest);
   _arksNextAfter(1, &denormal, &one, &next);
-  _arkSetMode(old_mode | QOR_MODE_KEEP_DENORMALS);
   EXPECT_EQ(image(rest), 1u);
   EXPECT_EQ(image(next), 4u);
   EXPECT_EQ(Reports::list, (std::vector<Reports::Report>{{4, 0, "vsNextAfter"}}));

@@ -4,28 +4,21 @@
 #include <fenv.h>
 
 #include "kernels/exp_limits.h"
-#include "tests/kernels/arithmetic_support.h"
+#include "tests/kernels/function_cases.h"
 
 namespace qor::test {
 namespace {
 
 namespace limits = kernels::limits;
 
-template <class T>
-struct Function {
-  const char *name, *strided_name;
-  void (*row)(int32_t, const T*, T*);
-  void (*strided)(int32_t, const T*, int32_t, T*, int32_t);
-};
-
-const Function<float> kExpS{"vsExp", "vsExp", _arksExp, _arksExpI};
-const Function<float> kExp2S{"vsExp2", "vsExp2", _arksExp2, _arksExp2I};
-const Function<float> kExp10S{"vsExp10", "vsExp10", _arksExp10, _arksExp10I};
-const Function<float> kExpm1S{"vsExpm1", "vsExpm1", _arksExpm1, _arksExpm1I};
-const Function<double> kExpD{"vdExp", "vdExp", _arkdExp, _arkdExpI};
-const Function<double> kExp2D{"vdExp2", "vdExp2", _arkdExp2, _arkdExp2I};
-const Function<double> kExp10D{"vdExp10", "vdExp10", _arkdExp10, _arkdExp10I};
-const Function<double> kExpm1D{"vdExpm1", "vdExpm1I", _arkdExpm1, _arkdExpm1I};
+const Unary<float> kExpS{"vsExp", "vsExp", _arksExp, _arksExpI};
+const Unary<float> kExp2S{"vsExp2", "vsExp2", _arksExp2, _arksExp2I};
+const Unary<float> kExp10S{"vsExp10", "vsExp10", _arksExp10, _arksExp10I};
+const Unary<float> kExpm1S{"vsExpm1", "vsExpm1", _arksExpm1, _arksExpm1I};
+const Unary<double> kExpD{"vdExp", "vdExp", _arkdExp, _arkdExpI};
+const Unary<double> kExp2D{"vdExp2", "vdExp2", _arkdExp2, _arkdExp2I};
+const Unary<double> kExp10D{"vdExp10", "vdExp10", _arkdExp10, _arkdExp10I};
+const Unary<double> kExpm1D{"vdExpm1", "vdExpm1I", _arkdExpm1, _arkdExpm1I};
 
 // What a result must be like; `normal` is a finite number that is neither denormal nor 0.
 enum class Kind { normal, denormal, zero, infinite };
@@ -43,12 +36,9 @@ struct Edge {
   int code;
 };
 
-constexpr int kPlace = 17;  // behind a whole register of any level, before the tail
-constexpr int kCount = 35;
-
 // Runs the argument among harmless ones, contiguous or strided; `result` gets its result.
 template <class T>
-std::vector<Reports::Report> run(const Function<T>& f, T x, bool strided, T& result) {
+std::vector<Reports::Report> run(const Unary<T>& f, T x, bool strided, T& result) {
   std::vector<T> a(kCount, T(0.5)), y(3 * kCount);
   a[kPlace] = x;
   const Reports reports;
@@ -63,15 +53,15 @@ std::vector<Reports::Report> run(const Function<T>& f, T x, bool strided, T& res
 }
 
 template <class T>
-void check_edges(const Function<T>& f, const std::vector<Edge<T>>& edges) {
+void check_edges(const Unary<T>& f, const std::vector<Edge<T>>& edges) {
   for (const auto& edge : edges) {
     for (const bool strided : {false, true}) {
-      SCOPED_TRACE(f.name + std::string(strided ? "I of " : " of ") + std::to_string(edge.x));
+      SCOPED_TRACE(f.name + (strided ? "I of " : " of ") + std::to_string(edge.x));
       T y;
       const auto reports = run(f, edge.x, strided, y);
       EXPECT_EQ(kind_of(y, kSmallest<T>), edge.kind) << y;
       std::vector<Reports::Report> expected;
-      const char* name = strided ? f.strided_name : f.name;
+      const std::string& name = strided ? f.strided_name : f.name;
       if (edge.code != 0) expected.push_back({edge.code, kPlace, name});
       EXPECT_EQ(reports, expected);
       EXPECT_EQ(fetestexcept(FE_OVERFLOW) != 0, edge.kind == Kind::infinite);
@@ -103,10 +93,7 @@ std::vector<Edge<T>> edges(T finite, T positive, T normal) {
           {-kLargest<T>, Kind::zero, QOR_ERROR_UNDERFLOW}};
 }
 
-class Exponentials : public testing::Test {
- protected:
-  void SetUp() override { _arkSetMode(QOR_MODE_KEEP_DENORMALS); }
-};
+using Exponentials = KeepingDenormals;
 
 TEST_F(Exponentials, Limits) {
   check_edges(kExpS,
@@ -136,7 +123,7 @@ TEST_F(Exponentials, LimitsOfExpm1) {
 }
 
 template <class T>
-void check_special(const Function<T>& f, T at_minus_infinity, T at_minus_zero) {
+void check_special(const Unary<T>& f, T at_minus_infinity, T at_minus_zero) {
   struct {
     T x, y;
   } const cases[] = {{kInfinity<T>, kInfinity<T>},
@@ -189,7 +176,7 @@ TEST_F(Exponentials, ExactResults) {
 // With nobody to hear of errors the values are the same, and the scalar routine (which raises the
 // flags of overflow and underflow) is not called.
 template <class T>
-void check_shortcut(const Function<T>& f, T far) {
+void check_shortcut(const Unary<T>& f, T far) {
   const std::vector<T> a = {far, -far, kInfinity<T>, -kInfinity<T>, 1, above(far), below(-far)};
   std::vector<T> loud(a.size()), quiet(a.size());
   const auto n = static_cast<int32_t>(a.size());

@@ -31,10 +31,7 @@ double worst_error(Kernel<T> kernel, const std::vector<T>& a, Reference referenc
   const std::vector<T> y = run(kernel, a);
   double worst = 0;
   for (size_t i = 0; i < a.size(); ++i) {
-    const long double exact = reference(static_cast<long double>(a[i]));
-    const int place = std::ilogb(exact) + 1 - std::numeric_limits<T>::digits;
-    const auto error = std::scalbn(static_cast<long double>(y[i]) - exact, -place);
-    worst = std::max(worst, std::fabs(static_cast<double>(error)));
+    worst = std::max(worst, places_off(y[i], reference(static_cast<long double>(a[i]))));
   }
   return worst;
 }

@@ -1,181 +1,14 @@
-// Roots and powers: special values in their order, codes, names and IEEE flags; the paths of Powx;
-// results that have to be exact.
+// Powers: special values in their order, codes, names and IEEE flags; the paths of Powx; results
+// that have to be exact.
 
-#include "tests/kernels/arithmetic_support.h"
+#include "kernels/pow_limits.h"
+#include "tests/kernels/function_cases.h"
 
 namespace qor::test {
 namespace {
 
-class Powers : public testing::Test {
- protected:
-  void SetUp() override { old_mode_ = _arkSetMode(QOR_MODE_KEEP_DENORMALS); }
-  void TearDown() override { _arkSetMode(old_mode_); }
-
- private:
-  uint32_t old_mode_ = 0;
-};
-
-// A function of one or two arguments, contiguous and strided.
-template <class T>
-struct Unary {
-  std::string name, strided_name;
-  void (*row)(int32_t, const T*, T*);
-  void (*strided)(int32_t, const T*, int32_t, T*, int32_t);
-  void run(int32_t n, const T* a, const T*, T* y) const { row(n, a, y); }
-  void run(int32_t n, const T* a, const T*, T* y, int32_t inc) const { strided(n, a, 1, y, inc); }
-};
-template <class T>
-struct Binary {
-  std::string name, strided_name;
-  void (*row)(int32_t, const T*, const T*, T*);
-  void (*strided)(int32_t, const T*, int32_t, const T*, int32_t, T*, int32_t);
-  void run(int32_t n, const T* a, const T* b, T* y) const { row(n, a, b, y); }
-  void run(int32_t n, const T* a, const T* b, T* y, int32_t inc) const {
-    strided(n, a, 1, b, 1, y, inc);
-  }
-};
-template <class T>
-struct ByScalar {
-  std::string name, strided_name;
-  void (*row)(int32_t, const T*, T, T*);
-  void (*strided)(int32_t, const T*, int32_t, T, T*, int32_t);
-  void run(int32_t n, const T* a, const T* b, T* y) const { row(n, a, *b, y); }
-  void run(int32_t n, const T* a, const T* b, T* y, int32_t inc) const {
-    strided(n, a, 1, *b, y, inc);
-  }
-};
-
-template <class T>
-struct Case {
-  T a, b, result;
-  int code;
-  unsigned flags;
-};
-
-constexpr int kPlace = 2;  // where the case stands among harmless elements
-constexpr int kCount = 35;
-
-template <class F, class T>
-void check(const F& f, const Case<T>& c, T harmless_b) {
-  SCOPED_TRACE(f.name + " of " + std::to_string(c.a) + ", " + std::to_string(c.b));
-  std::vector<T> a(kCount, T(1.25)), b(kCount, harmless_b), y(2 * kCount);
-  a[kPlace] = c.a;
-  b[kPlace] = c.b;
-  for (const int inc : {1, 2}) {
-    const Reports reports;
-    clear_flags();
-    if (inc == 1) {
-      f.run(kCount, a.data(), b.data(), y.data());
-    } else {
-      f.run(kCount, a.data(), b.data(), y.data(), inc);
-    }
-    EXPECT_EQ(flags(), c.flags);
-    const T result = y[static_cast<size_t>(kPlace * inc)];
-    EXPECT_TRUE(same(result, c.result)) << result << " with increment " << inc;
-    std::vector<Reports::Report> expected;
-    if (c.code != 0) expected.push_back({c.code, kPlace, inc == 1 ? f.name : f.strided_name});
-    EXPECT_EQ(Reports::list, expected);
-  }
-}
-
-template <class F, class T>
-void check_all(const F& f, const std::vector<Case<T>>& cases) {
-  for (const Case<T>& c : cases) check(f, c, T(1.5));
-}
-
-// ---- Roots ----------------------------------------------------------------------------------
-
-template <class T>
-void check_roots(const std::string& v, const Unary<T>& sqrt, const Unary<T>& inv_sqrt,
-                 const Unary<T>& cbrt, const Unary<T>& inv_cbrt, const Unary<T>& pow2o3,
-                 const Unary<T>& pow3o2) {
-  SCOPED_TRACE(v);
-  constexpr T inf = kInfinity<T>, nan = kNan<T>;
-  check_all(sqrt, std::vector<Case<T>>{{T(-0.0), 0, T(-0.0), 0, 0},
-                                       {-1, 0, nan, 1, kInvalid},
-                                       {-kDenormal<T>, 0, nan, 1, kInvalid},
-                                       {-inf, 0, nan, 1, kInvalid},
-                                       {inf, 0, inf, 0, 0},
-                                       {nan, 0, nan, 0, 0}});
-  check_all(inv_sqrt, std::vector<Case<T>>{{0, 0, inf, 2, kDivideByZero},
-                                           {T(-0.0), 0, -inf, 2, kDivideByZero},
-                                           {-4, 0, nan, 1, kInvalid},
-                                           {-inf, 0, nan, 1, kInvalid},
-                                           {inf, 0, 0, 0, 0},
-                                           {nan, 0, nan, 0, 0}});
-  check_all(cbrt, std::vector<Case<T>>{{T(-0.0), 0, T(-0.0), 0, 0},
-                                       {-inf, 0, -inf, 0, 0},
-                                       {nan, 0, nan, 0, 0},
-                                       {-27, 0, -3, 0, 0}});
-  check_all(inv_cbrt, std::vector<Case<T>>{{0, 0, inf, 2, kDivideByZero},
-                                           {T(-0.0), 0, -inf, 2, kDivideByZero},
-                                           {-inf, 0, T(-0.0), 0, 0},
-                                           {nan, 0, nan, 0, 0},
-                                           {-8, 0, T(-0.5), 0, 0}});
-  check_all(
-      pow2o3,
-      std::vector<Case<T>>{
-          {-8, 0, 4, 0, 0}, {T(-0.0), 0, 0, 0, 0}, {-inf, 0, inf, 0, 0}, {nan, 0, nan, 0, 0}});
-  check_all(pow3o2, std::vector<Case<T>>{{4, 0, 8, 0, 0},
-                                         {-1, 0, nan, 1, kInvalid},
-                                         {-inf, 0, nan, 1, kInvalid},
-                                         {T(-0.0), 0, 0, 0, 0},
-                                         {inf, 0, inf, 0, 0},
-                                         {kLargest<T>, 0, inf, 0, kOverflow},
-                                         {kSmallest<T>, 0, 0, 0, kUnderflow},
-                                         {nan, 0, nan, 0, 0}});
-}
-
-TEST_F(Powers, SpecialValuesOfRoots) {
-  check_roots<float>("s", {"vsSqrt", "vsSqrt", _arksSqrt, _arksSqrtI},
-                     {"vsInvSqrt", "vsInvSqrt", _arksInvSqrt, _arksInvSqrtI},
-                     {"vsCbrt", "vsCbrtI", _arksCbrt, _arksCbrtI},
-                     {"vsInvCbrt", "vsInvCbrtI", _arksInvCbrt, _arksInvCbrtI},
-                     {"vsPow2o3", "vsPow2o3", _arksPow2o3, _arksPow2o3I},
-                     {"vsPow3o2", "vsPow3o2", _arksPow3o2, _arksPow3o2I});
-  check_roots<double>("d", {"vdSqrt", "vdSqrt", _arkdSqrt, _arkdSqrtI},
-                      {"vdInvSqrt", "vdInvSqrt", _arkdInvSqrt, _arkdInvSqrtI},
-                      {"vdCbrt", "vdCbrt", _arkdCbrt, _arkdCbrtI},
-                      {"vdInvCbrt", "vdInvCbrt", _arkdInvCbrt, _arkdInvCbrtI},
-                      {"vdPow2o3", "vdPow2o3", _arkdPow2o3, _arkdPow2o3I},
-                      {"vdPow3o2", "vdPow3o2", _arkdPow3o2, _arkdPow3o2I});
-}
-
-// The contiguous single cube root works in the caller's denormal modes, all others in those of the
-// mode word.
-TEST_F(Powers, SingleCubeRootKeepsTheCallersDenormalModes) {
-  const float x[2] = {-0x1p-147f, 1};
-  float y[4];
-  const unsigned before = _mm_getcsr();
-  _mm_setcsr(before | 0x8040);
-  _arksCbrt(2, x, y);
-  const float flushed = y[0];
-  _arksCbrtI(2, x, 1, y, 2);
-  EXPECT_EQ(_mm_getcsr() & 0xFFC0, (before | 0x8040) & 0xFFC0);
-  _mm_setcsr(before);
-  EXPECT_TRUE(same(flushed, -0.0f));
-  EXPECT_EQ(y[0], -0x1p-49f);
-}
-
-template <class T>
-std::vector<Case<T>> hypot_cases() {
-  constexpr T inf = kInfinity<T>, nan = kNan<T>;
-  const T large = std::ldexp(T{1}, std::numeric_limits<T>::max_exponent - 4);
-  return {{-inf, nan, inf, 0, 0},
-          {nan, inf, inf, 0, 0},
-          {nan, 1, nan, 0, 0},
-          {0, T(-0.0), 0, 0, 0},
-          {-3, 0, 3, 0, 0},
-          {kDenormal<T> * 3, kDenormal<T> * 4, kDenormal<T> * 5, 0, 0},
-          {3 * large, 4 * large, 5 * large, 0, 0},
-          {kLargest<T>, kDenormal<T>, kLargest<T>, 0, 0},
-          {kLargest<T>, kLargest<T>, inf, 0, kOverflow}};
-}
-
-TEST_F(Powers, SpecialValuesOfHypot) {
-  check_all(Binary<float>{"vsHypot", "vsHypot", _arksHypot, _arksHypotI}, hypot_cases<float>());
-  check_all(Binary<double>{"vdHypot", "vdHypot", _arkdHypot, _arkdHypotI}, hypot_cases<double>());
-}
+namespace limits = kernels::limits;
+using Powers = KeepingDenormals;
 
 // ---- Pow and Powr ---------------------------------------------------------------------------
 
@@ -344,33 +177,72 @@ TEST_F(Powers, PowxAgreesWithPow) {
 
 // ---- Exact results --------------------------------------------------------------------------
 
-TEST_F(Powers, ExactCasesAreExact) {
-  std::vector<double> x, y(1000), one(1000, 1.0), three(1000, 3.0);
-  for (int i = 1; i <= 1000; ++i) x.push_back(i * 207.0);
-  std::vector<double> cubes;
-  for (const double r : x) cubes.push_back(-r * r * r);
-  _arkdCbrt(1000, cubes.data(), y.data());
-  for (size_t i = 0; i < 1000; ++i) EXPECT_EQ(y[i], -x[i]);
+TEST_F(Powers, CubesAndFirstPowers) {
+  std::vector<double> x, cubes, y(1000), one(1000, 1.0), three(1000, 3.0);
+  for (int i = 1; i <= 1000; ++i) {
+    x.push_back(i * 207.0);
+    cubes.push_back(x.back() * x.back() * x.back());
+  }
   _arkdPow(1000, cubes.data(), one.data(), y.data());
   EXPECT_EQ(y, cubes);
   _arkdPow(1000, x.data(), three.data(), y.data());
-  for (size_t i = 0; i < 1000; ++i) EXPECT_EQ(y[i], -cubes[i]);
+  EXPECT_EQ(y, cubes);
+  for (double& cube : cubes) cube = -cube;
+  _arkdPow(1000, cubes.data(), one.data(), y.data());
+  EXPECT_EQ(y, cubes);
+}
 
-  // m^2 - n^2, 2 m n, m^2 + n^2
-  std::vector<double> a, b, c;
-  for (int m = 2; m <= 41; ++m) {
-    for (int n = 1; n <= 25; ++n) {
-      a.push_back(m * m - n * n);
-      b.push_back(2.0 * m * n);
-      c.push_back(m * m + n * n);
+// ---- Where the vector path ends -------------------------------------------------------------
+
+// Powers of the bases and their neighbours with exponents on both sides of where the vector path
+// ends: by the exponent itself, and by the product y log2 x.
+template <class T>
+void check_branch_edges(Binary<T> pow, const std::vector<T>& bases, T largest_exponent,
+                        T largest_product, double bound) {
+  std::vector<T> x, y;
+  const auto add = [&](T base, T exponent) {
+    for (const T near : with_neighbours(exponent)) {
+      x.insert(x.end(), 2, base);
+      y.insert(y.end(), {near, -near});
+    }
+  };
+  for (const T edge : bases) {
+    for (const T base : with_neighbours(edge)) {
+      add(base, largest_product / std::log2(base));
+      add(base, 1);
+      add(base, largest_exponent);
     }
   }
-  _arkdHypot(1000, a.data(), b.data(), y.data());
-  EXPECT_EQ(y, c);
-  const std::vector<float> af(a.begin(), a.end()), bf(b.begin(), b.end()), cf(c.begin(), c.end());
-  std::vector<float> yf(1000);
-  _arksHypot(1000, af.data(), bf.data(), yf.data());
-  EXPECT_EQ(yf, cf);
+  std::vector<T> z(x.size());
+  pow.row(static_cast<int32_t>(x.size()), x.data(), y.data(), z.data());
+  for (size_t i = 0; i < x.size(); ++i) {
+    SCOPED_TRACE(testing::Message() << pow.name << " " << std::hexfloat << x[i] << " to " << y[i]);
+    const long double exact = std::pow(static_cast<long double>(x[i]), y[i]);
+    if (exact > kLargest<T> || exact < kDenormal<T>) {
+      EXPECT_TRUE(same(z[i], exact > 1 ? kInfinity<T> : static_cast<T>(exact))) << z[i];
+    } else {
+      EXPECT_LT(places_off(z[i], exact), bound) << z[i];
+    }
+  }
+}
+
+TEST_F(Powers, AccurateWhereTheVectorPathEnds) {
+  check_branch_edges<float>({"sPow", "", _arksPow, _arksPowI},
+                            {from_image<float>(limits::spow::base.first),
+                             from_image<float>(limits::spow::base.last), 1 + 0x1p-16f, 0.3f, 17},
+                            from_image<float>(limits::spow::exponent.last),
+                            limits::spow::exponent_of_result + 0.5f, 1.0);
+  const auto of_high_word = [](int32_t word) {
+    return from_image<double>(static_cast<uint64_t>(word) << 32);
+  };
+  const std::vector<double> bases = {of_high_word(limits::dpow::base.first),
+                                     of_high_word(limits::dpow::base.last + 1), 1 + 0x1p-50, 0.3,
+                                     17};
+  const double exponent = of_high_word(limits::dpow::exponent.last + 1);
+  const double product = of_high_word(limits::dpow::product_high_word + 1);
+  check_branch_edges<double>({"dPow", "", _arkdPow_50, _arkdPowI_50}, bases, exponent, product, 1);
+  check_branch_edges<double>({"dPow_HA", "", _arkdPow_HA, _arkdPowI_HA}, bases, exponent, product,
+                             0.6);
 }
 
 }  // namespace

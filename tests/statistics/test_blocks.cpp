@@ -176,6 +176,26 @@ TYPED_TEST(Blocks, SizeOfTheTeam) {
   }
 }
 
+// One variable without weights fills registers with its observations: lengths around where that
+// begins, and what is left over.
+TYPED_TEST(Blocks, OneVariable) {
+  using Real = TypeParam;
+  for (const int64_t n : {255, 256, 263, 511, 512, 527}) {
+    const auto s = small_sample<Real>(n, 1, false);
+    const std::vector<Real> means = {Real(1.25)};
+    for (const uint64_t method : {kOnePass, kFast, kGiven}) {
+      SCOPED_TRACE(::testing::Message() << "n " << n << " method " << method);
+      uint64_t mask = 0;
+      for (const EstimateRow& row : vector_estimates) mask |= row.bit;
+      Results<Real> results(1);
+      results.of(QOR_SS_MEAN) = means;
+      run_blocks(s, {7, n}, mask, method, QOR_SS_MATRIX_FULL, results);
+      expect_near(results, exact_values(s, method == kGiven ? means.data() : nullptr), mask, 1,
+                  QOR_SS_MATRIX_FULL, 200);
+    }
+  }
+}
+
 TYPED_TEST(Blocks, LayoutsHaveTheSameBits) {
   using Real = TypeParam;
   uint64_t vectors = 0;

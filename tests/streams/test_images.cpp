@@ -1,80 +1,11 @@
-// Saving and loading, in files and in memory.
+// Images: what is saved, what loads, and what is refused.
 
-#include <sys/resource.h>
-#include <unistd.h>
-
-#include <csignal>
-#include <cstdio>
-#include <fstream>
-#include <iterator>
-#include <string>
-
-#include "tests/streams/stream_support.h"
+#include "tests/streams/image_support.h"
 #include "tests/support/services_interposer.h"
 
 namespace {
 
 using namespace qor::test;
-using Bytes = std::vector<unsigned char>;
-
-Bytes image_of(const Stream& stream) {
-  Bytes image(static_cast<size_t>(__ostGetStreamSize(stream.get())));
-  EXPECT_EQ(__ostSaveStreamM(stream.get(), image.data()), 0);
-  return image;
-}
-
-// A file that goes with the test.
-class File {
- public:
-  explicit File(const Bytes& contents = {}) {
-    char name[] = "/tmp/qor_stream_XXXXXX";
-    const int descriptor = mkstemp(name);
-    EXPECT_GE(descriptor, 0);
-    close(descriptor);
-    path = name;
-    write(contents);
-  }
-  ~File() { std::remove(path.c_str()); }
-  File(const File&) = delete;
-  File& operator=(const File&) = delete;
-  void write(const Bytes& contents) const {
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(contents.data()),
-               static_cast<std::streamsize>(contents.size()));
-  }
-  Bytes read() const {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  }
-  std::string path;
-};
-
-struct Loaded {
-  int32_t status;
-  Stream stream;
-};
-
-Loaded load_memory(const Bytes& image) {
-  StreamState sentinel{}, *stream = &sentinel;
-  const int32_t status = __ostLoadStreamM(&stream, image.data());
-  EXPECT_EQ(status == 0, stream != nullptr);
-  return {status, Stream(stream)};
-}
-
-Loaded load_file(const Bytes& image) {
-  const File file(image);
-  StreamState sentinel{}, *stream = &sentinel;
-  const int32_t status = __ostLoadStreamF(&stream, file.path.c_str(), -1);
-  EXPECT_EQ(status == 0, stream != nullptr);
-  return {status, Stream(stream)};
-}
-
-Stream with_chunks(int32_t brng) {
-  Stream stream = new_stream(brng);
-  __ostAddChunk(stream.get(), 1, nullptr, block_of({1, 2, 3}), 3);
-  __ostAddChunk(stream.get(), 2, nullptr, block_of({4, 5, 6, 7, 8}), 5);
-  return stream;
-}
 
 std::vector<int32_t> ids_of(const Stream& stream) {
   std::vector<int32_t> ids;
@@ -216,16 +147,6 @@ TEST(Images, SpoiledOnesAreRefused) {
   EXPECT_EQ(load_memory(image).status, -1200);
 }
 
-TEST(Images, FilesThatEndEarly) {
-  const long before = live_blocks();
-  const Bytes whole = image_of(with_chunks(QOR_BRNG_MCG31M1));
-  for (size_t length = 0; length < whole.size(); ++length) {
-    const Bytes part(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
-    EXPECT_EQ(load_file(part).status, -1103) << length;
-  }
-  EXPECT_EQ(live_blocks(), before);
-}
-
 TEST(Images, ChunksWithoutBytes) {
   const Stream stream = new_stream(QOR_BRNG_MCG31M1);
   __ostAddChunk(stream.get(), 1, nullptr, block_of({}), 0);
@@ -264,63 +185,6 @@ TEST(Images, SharedDataStaysShared) {
     EXPECT_EQ(image_of(own.stream).size(), longer.size());
   }
   EXPECT_EQ(live_blocks(), before);
-}
-
-TEST(Images, AllocationFailuresLeaveNothingBehind) {
-  const Stream stream = with_chunks(QOR_BRNG_MCG31M1);
-  const Bytes image = image_of(stream);
-  const File file(image);
-  const auto length = static_cast<int32_t>(file.path.size());
-  const long before = live_blocks();
-  for (long allowed = 0; allowed < 6; ++allowed) {
-    StreamState sentinel{}, *loaded = &sentinel;
-    const FailingAllocations failing(allowed);
-    // The name's block comes first, then the record and a payload and a chunk each.
-    EXPECT_EQ(__ostLoadStreamF(&loaded, file.path.c_str(), length), -4) << allowed;
-    EXPECT_EQ(loaded, nullptr);
-    if (allowed < 5) {
-      EXPECT_EQ(__ostLoadStreamM(&loaded, image.data()), -4);
-      EXPECT_EQ(loaded, nullptr);
-    }
-    EXPECT_EQ(live_blocks(), before);
-  }
-  const FailingAllocations failing(0);
-  EXPECT_EQ(__ostSaveStreamF(stream.get(), file.path.c_str(), length), -4);
-}
-
-TEST(Images, NamesOfGivenLength) {
-  const File file;
-  const std::string longer = file.path + "xyz";
-  const Stream stream = new_stream(QOR_BRNG_MCG31M1);
-  ASSERT_EQ(__ostSaveStreamF(stream.get(), longer.c_str(), static_cast<int32_t>(file.path.size())),
-            0);
-  EXPECT_EQ(file.read(), image_of(stream));
-  StreamState* loaded = nullptr;
-  ASSERT_EQ(__ostLoadStreamF(&loaded, longer.c_str(), static_cast<int32_t>(file.path.size())), 0);
-  __ostDeleteStream(&loaded);
-  EXPECT_EQ(__ostSaveStreamF(stream.get(), "", 0), -1101);
-}
-
-TEST(Images, FilesThatCannotBeOpenedOrFilled) {
-  const Stream stream = with_chunks(QOR_BRNG_R250);
-  StreamState sentinel{}, *loaded = &sentinel;
-  EXPECT_EQ(__ostSaveStreamF(stream.get(), "/nonexistent/stream", -1), -1101);
-  EXPECT_EQ(__ostLoadStreamF(&loaded, "/nonexistent/stream", -1), -1101);
-  EXPECT_EQ(loaded, nullptr);
-  // A full device shows when the file is closed.
-  EXPECT_EQ(__ostSaveStreamF(stream.get(), "/dev/full", -1), -1100);
-  // A large payload is written at once: what a limit cuts off fails there.
-  const Stream large = new_stream(QOR_BRNG_MCG31M1);
-  __ostAddChunk(large.get(), 1, nullptr, block_of(Bytes(1 << 20, 1)), 1 << 20);
-  const File file;
-  std::signal(SIGXFSZ, SIG_IGN);
-  rlimit limit{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
-  const rlimit small{1 << 16, limit.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  const int32_t status = __ostSaveStreamF(large.get(), file.path.c_str(), -1);
-  setrlimit(RLIMIT_FSIZE, &limit);
-  EXPECT_TRUE(status == -1102 || status == -1100) << status;
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // array changes a bit.
 
 #include <array>
+#include <cfenv>
 
 #include "tests/streams/golden_file.h"
 #include "tests/streams/stream_support.h"
@@ -61,8 +62,12 @@ TEST(LinearGenerators, PublishedUniforms) {
 // word's boundary, and compares with one call.
 template <class Draw>
 void expect_cut_does_not_matter(int32_t brng, size_t bytes, int32_t total, Draw draw) {
-  const std::vector<std::vector<int32_t>> cuts = {
-      {1}, {7, 15, 16, 17}, {249, 250, 251}, {31, 32, 33, 63, 64, 65}, {1023, 2, 2048, 1}};
+  const std::vector<std::vector<int32_t>> cuts = {{1},
+                                                  {7, 15, 16, 17},
+                                                  {249, 250, 251},
+                                                  {31, 32, 33, 63, 64, 65},
+                                                  {1023, 2, 2048, 1},
+                                                  {6143, 6144, 1}};
   const Stream whole = new_stream(brng);
   const size_t size = static_cast<size_t>(total) * bytes;
   std::vector<unsigned char> expected(size), got(size + 64);
@@ -82,20 +87,38 @@ void expect_cut_does_not_matter(int32_t brng, size_t bytes, int32_t total, Draw 
   }
 }
 
+constexpr int32_t kLong = 15'000;  // several rounds of every block form
+
 TEST(LinearGenerators, CutAndPlaceDoNotMatter) {
   for (int32_t brng : linear_generators) {
     const BrngProperties row = row_of(new_stream(brng));
     expect_cut_does_not_matter(
-        brng, static_cast<size_t>(row.wordBytes), 3000,
+        brng, static_cast<size_t>(row.wordBytes), kLong,
         [&](const Stream& s, int32_t n, void* r) { row.iBRng(s.get(), n, r); });
     // The array of reals is passed on as it lies.
-    expect_cut_does_not_matter(brng, sizeof(double), 3000,
+    expect_cut_does_not_matter(brng, sizeof(double), kLong,
                                [&](const Stream& s, int32_t n, void* r) {
                                  row.dBRng(s.get(), n, static_cast<double*>(r), -1, 3);
                                });
-    expect_cut_does_not_matter(brng, sizeof(float), 3000, [&](const Stream& s, int32_t n, void* r) {
-      row.sBRng(s.get(), n, static_cast<float*>(r), -1, 3);
-    });
+    expect_cut_does_not_matter(brng, sizeof(float), kLong,
+                               [&](const Stream& s, int32_t n, void* r) {
+                                 row.sBRng(s.get(), n, static_cast<float*>(r), -1, 3);
+                               });
+  }
+}
+
+TEST(LinearGenerators, WordsAreExactInAnyRoundingMode) {
+  for (int32_t brng : linear_generators) {
+    const Stream usual = new_stream(brng);
+    const auto expected = words_of(usual, kLong);
+    for (int mode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+      const Stream stream = new_stream(brng);
+      std::fesetround(mode);
+      const auto words = words_of(stream, kLong);
+      std::fesetround(FE_TONEAREST);
+      EXPECT_EQ(words, expected) << std::hex << brng << " mode " << mode;
+      EXPECT_EQ(state_of(stream), state_of(usual));
+    }
   }
 }
 

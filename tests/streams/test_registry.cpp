@@ -99,6 +99,9 @@ TEST(Registry, InvalidIdentifiersLeaveTheOutputAlone) {
   }
   StreamState* stream = &sentinel;
   EXPECT_EQ(__ostAllocateStream(&stream, __RegBrngsNew, 0x500111, 4, 273), -1000);
+  StreamState unknown{};
+  unknown.brng = 281;
+  EXPECT_EQ(__ostCopyStream(&stream, &unknown), -1000);
   EXPECT_EQ(stream, &sentinel);
 }
 
@@ -210,6 +213,11 @@ TEST(Registration, ChecksInOrderAndAddsRows) {
   const Stream copy = copy_of(stream);
   EXPECT_EQ(copy->brng, 0x1100000);
   EXPECT_EQ(__ostRegisterBrng(&good), 0x1200000);
+  for (int32_t row = 18; row < QOR_BRNG_ROWS; ++row) {
+    ASSERT_EQ(__ostRegisterBrng(&good), (row + 1) * 0x100000);
+  }
+  EXPECT_EQ(__ostRegisterBrng(&good), -4);
+  EXPECT_EQ(__ostGetNumRegBrngs(), QOR_BRNG_ROWS);
 }
 
 TEST(Processor, AnswersAreTheProcessors) {

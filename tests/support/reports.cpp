@@ -21,9 +21,7 @@ ReportLog::ReportLog(uint32_t more_mode_fields)
 
 ReportLog::~ReportLog() {
   _arkClearErrorCallBack();
-  // A field that is zero would be kept: the denormal field goes back to its explicit usual.
-  _arkSetMode(QOR_MODE_KEEP_DENORMALS);
-  _arkSetMode(mode_before_);
+  restore_mode(mode_before_);
   _arkClearErrStatus();
 }
 

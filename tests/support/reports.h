@@ -23,11 +23,17 @@ class ReportLog {
   uint32_t mode_before_;
 };
 
+// Gives a mode word back. A field of 0 would leave the thread what it has, so the denormal field
+// says what it means: denormals are kept.
+inline void restore_mode(uint32_t word) {
+  _arkSetMode((word & QOR_MODE_DENORMALS) != 0 ? word : word | QOR_MODE_KEEP_DENORMALS);
+}
+
 // Sets fields of the thread's mode word for a while.
 class ModeScope {
  public:
   explicit ModeScope(uint32_t fields) : before_(_arkSetMode(fields)) {}
-  ~ModeScope() { _arkSetMode(before_); }
+  ~ModeScope() { restore_mode(before_); }
   ModeScope(const ModeScope&) = delete;
   ModeScope& operator=(const ModeScope&) = delete;
 

@@ -1,0 +1,166 @@
+// Lane masks, and lanes that need care.
+#pragma once
+
+#include <immintrin.h>
+
+#include <bit>
+#include <cstdint>
+#include <limits>
+
+#include "kernels/lanes/images.h"
+
+namespace qor::lanes {
+
+// The lane mask as bits, bit i for lane i.
+inline uint32_t bits(Lanes<float>::M m) {
+#if QOR_LANES_512
+  return _mm512_movepi32_mask(std::bit_cast<__m512i>(m));
+#elif QOR_LANES_256
+  return static_cast<uint32_t>(_mm256_movemask_ps(std::bit_cast<__m256>(m)));
+#else
+  return static_cast<uint32_t>(_mm_movemask_ps(std::bit_cast<__m128>(m)));
+#endif
+}
+
+inline uint32_t bits(Lanes<double>::M m) {
+#if QOR_LANES_512
+  return _mm512_movepi64_mask(std::bit_cast<__m512i>(m));
+#elif QOR_LANES_256
+  return static_cast<uint32_t>(_mm256_movemask_pd(std::bit_cast<__m256d>(m)));
+#else
+  return static_cast<uint32_t>(_mm_movemask_pd(std::bit_cast<__m128d>(m)));
+#endif
+}
+
+// Lanes that need care, in the cheapest form of the level: mask bits where compares give them, else
+// vectors of which only each lane's sign counts.
+template <class T>
+struct Doubt {
+#if QOR_LANES_512
+  uint32_t lanes;
+  Doubt operator|(Doubt other) const { return {lanes | other.lanes}; }
+#else
+  typename Lanes<T>::M lanes;
+  Doubt operator|(Doubt other) const { return {lanes | other.lanes}; }
+#endif
+};
+
+template <class T>
+inline uint32_t bits(Doubt<T> doubt) {
+#if QOR_LANES_512
+  return doubt.lanes;
+#else
+  return bits(doubt.lanes);
+#endif
+}
+
+// Lanes with left > right, signed.
+inline Doubt<float> above(i32 left, int32_t right) {
+#if QOR_LANES_512
+  return {_mm512_cmpgt_epi32_mask(std::bit_cast<__m512i>(left), _mm512_set1_epi32(right))};
+#else
+  return {left > right};
+#endif
+}
+
+// Lanes whose high word is above `right`, signed.
+inline Doubt<double> high_word_above(i64 left, int32_t right) {
+#if QOR_LANES_512
+  const int64_t last = static_cast<int64_t>((static_cast<uint64_t>(right) << 32) | 0xFFFFFFFF);
+  return {_mm512_cmpgt_epi64_mask(std::bit_cast<__m512i>(left), _mm512_set1_epi64(last))};
+#else
+  // There is no 64-bit compare at the lowest level, and none is needed: the high word decides.
+  return {std::bit_cast<Lanes<double>::M>(std::bit_cast<i32>(left) > right)};
+#endif
+}
+
+// Lanes whose signed image (of a double its high word) is not within first to last.
+inline Doubt<float> outside(i32 image, int32_t first, int32_t last) {
+  constexpr uint32_t sign = 0x80000000;  // turns the signed compare into an unsigned one
+  const u32 moved = std::bit_cast<u32>(image) - (static_cast<uint32_t>(first) + sign);
+  return above(std::bit_cast<i32>(moved),
+               static_cast<int32_t>(last - first) ^ std::numeric_limits<int32_t>::min());
+}
+inline Doubt<double> outside(i64 image, int32_t first, int32_t last) {
+  constexpr uint32_t sign = 0x80000000;
+  const uint64_t move = static_cast<uint64_t>(static_cast<uint32_t>(first) + sign) << 32;
+  const u64 moved = std::bit_cast<u64>(image) - move;
+  return high_word_above(std::bit_cast<i64>(moved),
+                         static_cast<int32_t>(last - first) ^ std::numeric_limits<int32_t>::min());
+}
+
+// Magnitudes whose image (of a double the high word) is not within first to last.
+template <class V>
+inline auto magnitude_outside(V x, int32_t first, int32_t last) {
+  return outside(image(abs(x)), first, last);
+}
+
+// Magnitudes whose image (of a double the high word) is above `last`.
+inline Doubt<float> magnitude_above(f32 x, int32_t last) { return above(image(abs(x)), last); }
+inline Doubt<double> magnitude_above(f64 x, int32_t last) {
+  return high_word_above(image(abs(x)), last);
+}
+
+// Infinities and NaN.
+inline Doubt<float> not_finite(f32 x) { return magnitude_above(x, 0x7F7FFFFF); }
+inline Doubt<double> not_finite(f64 x) { return magnitude_above(x, 0x7FEFFFFF); }
+
+// Lanes with x equal to y; a quiet NaN is equal to nothing and raises nothing.
+inline Doubt<float> equal(f32 x, f32 y) {
+#if QOR_LANES_512
+  return {_mm512_cmp_ps_mask(std::bit_cast<__m512>(x), std::bit_cast<__m512>(y), _CMP_EQ_OQ)};
+#else
+  return {x == y};
+#endif
+}
+inline Doubt<double> equal(f64 x, f64 y) {
+#if QOR_LANES_512
+  return {_mm512_cmp_pd_mask(std::bit_cast<__m512d>(x), std::bit_cast<__m512d>(y), _CMP_EQ_OQ)};
+#else
+  return {x == y};
+#endif
+}
+
+// Lanes where x or y is a NaN; a signalling one raises invalid.
+inline Doubt<float> unordered(f32 x, f32 y) {
+#if QOR_LANES_512
+  return {_mm512_cmp_ps_mask(std::bit_cast<__m512>(x), std::bit_cast<__m512>(y), _CMP_UNORD_Q)};
+#elif QOR_LANES_256
+  return {std::bit_cast<Lanes<float>::M>(
+      _mm256_cmp_ps(std::bit_cast<__m256>(x), std::bit_cast<__m256>(y), _CMP_UNORD_Q))};
+#else
+  return {std::bit_cast<Lanes<float>::M>(
+      _mm_cmpunord_ps(std::bit_cast<__m128>(x), std::bit_cast<__m128>(y)))};
+#endif
+}
+inline Doubt<double> unordered(f64 x, f64 y) {
+#if QOR_LANES_512
+  return {_mm512_cmp_pd_mask(std::bit_cast<__m512d>(x), std::bit_cast<__m512d>(y), _CMP_UNORD_Q)};
+#elif QOR_LANES_256
+  return {std::bit_cast<Lanes<double>::M>(
+      _mm256_cmp_pd(std::bit_cast<__m256d>(x), std::bit_cast<__m256d>(y), _CMP_UNORD_Q))};
+#else
+  return {std::bit_cast<Lanes<double>::M>(
+      _mm_cmpunord_pd(std::bit_cast<__m128d>(x), std::bit_cast<__m128d>(y)))};
+#endif
+}
+
+// Whole-lane mask of the magnitudes at or above a power of two, infinity and NaN included; raises
+// no flag.
+inline Lanes<float>::M magnitude_from(f32 magnitude, float power) {
+  return image(magnitude) > std::bit_cast<int32_t>(power) - 1;
+}
+inline Lanes<double>::M magnitude_from(f64 magnitude, double power) {
+#if QOR_LANES_512 || QOR_LANES_256
+  return image(magnitude) > std::bit_cast<int64_t>(power) - 1;
+#else
+  const auto high = static_cast<int32_t>(std::bit_cast<int64_t>(power) >> 32);
+  const i32 words = std::bit_cast<i32>(magnitude) > high - 1;
+  return std::bit_cast<i64>(_mm_shuffle_epi32(std::bit_cast<__m128i>(words), 0xF5));
+#endif
+}
+
+// The bits of the first `count` lanes.
+inline uint32_t first_lanes(int count) { return (uint32_t{1} << count) - 1; }
+
+}  // namespace qor::lanes
