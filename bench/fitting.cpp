@@ -1,268 +1,180 @@
-// Data fitting side by side with GSL and Boost.Math: construction, evaluation, search. Times of one
-// run on one machine; the ratios at the end are what to keep.
+// Data fitting side by side with GSL and Boost.Math, and with SciPy where Python has it:
+// construction, evaluation, integration, and how the cost of a site grows with the cells.
 //
-//   LD_LIBRARY_PATH=build/release/levels/v3 bench_fitting [--benchmark_filter=...]
-
-#include "qor/fitting.h"
-
-#include <benchmark/benchmark.h>
-#include <gsl/gsl_spline.h>
+//   bench_fitting [--write docs/performance.md] [--levels build/release/levels] [--python python3]
+//                 [--benchmark_filter=...]
+//
+// Runs itself on each level's library. The least time of several repetitions counts, taken in
+// turns.
 
 #include <algorithm>
-#include <boost/math/interpolators/cardinal_cubic_b_spline.hpp>
-#include <cmath>
 #include <cstdio>
 #include <map>
-#include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "bench/fitting/cases.h"
+#include "tools/levels.h"
+#include "tools/section.h"
+
 namespace {
 
-enum class Sites { sorted, random, uniform };
-enum class Partition { non_uniform, uniform };
+// Nanoseconds per point or site, by case and library.
+using Times = std::map<std::string, std::map<std::string, double>>;
 
-// A natural spline over `cells` cells and sites inside its partition.
-struct Workload {
-  int64_t nx, functions;
-  std::vector<double> x, y, c, site, r;
-  std::vector<int32_t> cell;
-  DFTask* task = nullptr;
+constexpr const char* kHead =
+    R"(Measured by `bench_fitting --write docs/performance.md`. The third column is this library's time in
+nanoseconds per point, site or integral; the others are times of peers divided by it, in one run:
+above 1 this library is faster. GSL searches with its accelerator, Boost.Math's spline is the uniform
+cubic B-spline, SciPy's is `CubicSpline`. Values go to and from arrays in memory; 1e6 sites do not
+fit the second-level cache.
 
-  Workload(int64_t cells, int64_t ny, Partition partition, Sites kind, int64_t nsite)
-      : nx(cells + 1), functions(ny) {
-    std::mt19937_64 random(1);
-    std::uniform_real_distribution<double> unit(0, 1);
-    const bool uniform = partition == Partition::uniform;
-    for (int64_t i = 0; i < nx; ++i) {
-      x.push_back(static_cast<double>(i) + (uniform ? 0 : 0.5 * unit(random)));
-    }
-    for (int64_t k = 0; k < nx * ny; ++k) y.push_back(unit(random));
-    c.resize(static_cast<size_t>(4 * cells * ny));
-    const double width = x.back() - x.front();
-    for (int64_t i = 0; i < nsite; ++i) site.push_back(x.front() + width * unit(random));
-    if (kind != Sites::random) std::sort(site.begin(), site.end());
-    r.resize(static_cast<size_t>(nsite * ny));
-    cell.resize(static_cast<size_t>(nsite));
-    ends_[0] = x.front();
-    ends_[1] = x.back();
-    qor_df_kernel_dNewTask1D(&task, nx, uniform ? ends_ : x.data(),
-                             uniform ? QOR_DF_UNIFORM_PARTITION : QOR_DF_NON_UNIFORM, ny, y.data(),
-                             0, 1);
-    qor_df_kernel_dEditPPSpline1D(task, 4, 5, QOR_DF_BC_FREE, nullptr, 0, nullptr, c.data(), 0);
-    construct();
-    if (kind == Sites::uniform) site = {x.front(), x.back()};
-  }
-  ~Workload() { qor_df_kernel_DeleteTask(&task); }
-  Workload(const Workload&) = delete;
-  Workload& operator=(const Workload&) = delete;
+)";
 
-  void construct() { qor_df_kernel_dDFNaturalCubicSpline1D(task, 0, 0, nullptr); }
-  void interpolate(int64_t nsite, int64_t hint) {
-    qor_df_kernel_dDFInterpolate1D(task, 0, 0, nsite, site.data(), hint, 0, nullptr, nullptr,
-                                   r.data(), 0, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                   nullptr, nullptr, nullptr, nullptr, nullptr);
-  }
+constexpr const char* kGrowthHead = R"(
+Growth with the number of cells: nanoseconds per site, 1e5 random sites. A uniform partition costs
+one division a site, bisection a step for each doubling; beyond 1e5 cells both pay for memory that
+no cache holds.
 
- private:
-  double ends_[2];
-};
+)";
 
-int64_t hint_of(Sites kind) {
-  return kind == Sites::sorted ? QOR_DF_SORTED : kind == Sites::uniform ? QOR_DF_UNIFORM_SITES : 0;
-}
+constexpr const char* kGrowth = "growth, ";
 
-void count_items(benchmark::State& state, int64_t items) {
-  state.SetItemsProcessed(state.iterations() * items);
-}
-
-void construct_qor(benchmark::State& state, int64_t points, int64_t functions,
-                   Partition partition) {
-  Workload w(points - 1, functions, partition, Sites::sorted, 1);
-  for (auto _ : state) {
-    w.construct();
-    benchmark::ClobberMemory();
-  }
-  count_items(state, points * functions);
-}
-
-void construct_gsl(benchmark::State& state, int64_t points, int64_t functions) {
-  Workload w(points - 1, functions, Partition::non_uniform, Sites::sorted, 1);
-  const auto n = static_cast<size_t>(points);
-  gsl_spline* spline = gsl_spline_alloc(gsl_interp_cspline, n);
-  for (auto _ : state) {
-    for (int64_t f = 0; f < functions; ++f) {
-      gsl_spline_init(spline, w.x.data(), w.y.data() + f * points, n);
-      benchmark::ClobberMemory();
-    }
-  }
-  gsl_spline_free(spline);
-  count_items(state, points * functions);
-}
-
-void construct_boost(benchmark::State& state, int64_t points) {
-  Workload w(points - 1, 1, Partition::uniform, Sites::sorted, 1);
-  for (auto _ : state) {
-    boost::math::interpolators::cardinal_cubic_b_spline<double> spline(
-        w.y.data(), static_cast<size_t>(points), 0.0, 1.0);
-    benchmark::DoNotOptimize(spline);
-  }
-  count_items(state, points);
-}
-
-void evaluate_qor(benchmark::State& state, int64_t cells, Partition partition, Sites kind,
-                  int64_t nsite) {
-  Workload w(cells, 1, partition, kind, nsite);
-  for (auto _ : state) {
-    w.interpolate(nsite, hint_of(kind));
-    benchmark::ClobberMemory();
-  }
-  count_items(state, nsite);
-}
-
-void evaluate_gsl(benchmark::State& state, int64_t cells, Partition partition, Sites kind,
-                  int64_t nsite) {
-  Workload w(cells, 1, partition, kind, nsite);
-  gsl_spline* spline = gsl_spline_alloc(gsl_interp_cspline, static_cast<size_t>(w.nx));
-  gsl_interp_accel* accelerator = gsl_interp_accel_alloc();
-  gsl_spline_init(spline, w.x.data(), w.y.data(), static_cast<size_t>(w.nx));
-  for (auto _ : state) {
-    for (size_t i = 0; i < w.site.size(); ++i) {
-      w.r[i] = gsl_spline_eval(spline, w.site[i], accelerator);
-    }
-    benchmark::ClobberMemory();
-  }
-  gsl_interp_accel_free(accelerator);
-  gsl_spline_free(spline);
-  count_items(state, nsite);
-}
-
-void evaluate_boost(benchmark::State& state, int64_t cells, Sites kind, int64_t nsite) {
-  Workload w(cells, 1, Partition::uniform, kind, nsite);
-  const boost::math::interpolators::cardinal_cubic_b_spline<double> spline(
-      w.y.data(), static_cast<size_t>(w.nx), 0.0, 1.0);
-  for (auto _ : state) {
-    for (size_t i = 0; i < w.site.size(); ++i) w.r[i] = spline(w.site[i]);
-    benchmark::ClobberMemory();
-  }
-  count_items(state, nsite);
-}
-
-void integrate_qor(benchmark::State& state, int64_t cells, int64_t nlim) {
-  Workload w(cells, 1, Partition::non_uniform, Sites::random, nlim + 1);
-  for (auto _ : state) {
-    qor_df_kernel_dDFIntegrate1D(w.task, 0, nlim, w.site.data(), 0, w.site.data() + 1, 0, nullptr,
-                                 nullptr, w.r.data(), 0, nullptr, nullptr, nullptr, nullptr,
-                                 nullptr, nullptr, nullptr, nullptr, nullptr);
-    benchmark::ClobberMemory();
-  }
-  count_items(state, nlim);
-}
-
-void integrate_gsl(benchmark::State& state, int64_t cells, int64_t nlim) {
-  Workload w(cells, 1, Partition::non_uniform, Sites::random, nlim + 1);
-  gsl_spline* spline = gsl_spline_alloc(gsl_interp_cspline, static_cast<size_t>(w.nx));
-  gsl_interp_accel* accelerator = gsl_interp_accel_alloc();
-  gsl_spline_init(spline, w.x.data(), w.y.data(), static_cast<size_t>(w.nx));
-  for (auto _ : state) {
-    for (size_t i = 0; i < static_cast<size_t>(nlim); ++i) {
-      const auto [l, u] = std::minmax(w.site[i], w.site[i + 1]);
-      w.r[i] = gsl_spline_eval_integ(spline, l, u, accelerator);
-    }
-    benchmark::ClobberMemory();
-  }
-  gsl_interp_accel_free(accelerator);
-  gsl_spline_free(spline);
-  count_items(state, nlim);
-}
-
-// Prints as usual and keeps the time per item of every run, by case and library.
-class RatioReporter : public benchmark::ConsoleReporter {
+class LeastTimes : public benchmark::BenchmarkReporter {
  public:
+  bool ReportContext(const Context&) override { return true; }
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
       if (run.error_occurred || run.run_type != Run::RT_Iteration) continue;
-      const std::string name = run.benchmark_name();
-      const size_t cut = name.rfind('/');
-      const double items = run.counters.at("items_per_second").value;
-      seconds_[name.substr(0, cut)][name.substr(cut + 1)] = 1 / items;
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  void print_ratios() const {
-    std::printf("\n%-42s %12s   times slower than ours\n", "case", "ns per item");
-    for (const auto& [name, times] : seconds_) {
-      const auto ours = times.find("qor");
-      if (ours == times.end()) continue;
-      std::printf("%-42s %12.3f  ", name.c_str(), ours->second * 1e9);
-      for (const auto& [who, time] : times) {
-        if (who != "qor") std::printf(" %s %.2f", who.c_str(), time / ours->second);
-      }
-      std::printf("\n");
+      std::istringstream name(run.benchmark_name());
+      std::string what, library;
+      std::getline(name, what, '/');
+      std::getline(name, library, '/');
+      const double time = 1e9 / run.counters.at("items_per_second").value;
+      const auto [place, fresh] = times[what].try_emplace(library, time);
+      if (!fresh) place->second = std::min(place->second, time);
     }
   }
-
- private:
-  std::map<std::string, std::map<std::string, double>> seconds_;
+  Times times;
 };
 
-template <class Function, class... Arguments>
-void add(const std::string& name, Function function, Arguments... arguments) {
-  benchmark::RegisterBenchmark(name.c_str(),
-                               [=](benchmark::State& state) { function(state, arguments...); });
-}
-
-void register_construction() {
-  for (const int64_t functions : {1, 16}) {
-    const std::string name = "construct natural 10000 x " + std::to_string(functions);
-    add(name + "/qor", construct_qor, int64_t{10000}, functions, Partition::non_uniform);
-    add(name + "/gsl", construct_gsl, int64_t{10000}, functions);
+// Lines of "case|library|nanoseconds".
+void add_lines(const std::vector<std::string>& lines, Times& times) {
+  for (const std::string& line : lines) {
+    std::istringstream text(line);
+    std::string what, library, time;
+    std::getline(text, what, '|');
+    std::getline(text, library, '|');
+    if (std::getline(text, time)) times[what][library] = std::stod(time);
   }
-  const std::string uniform = "construct natural uniform 10000";
-  add(uniform + "/qor", construct_qor, int64_t{10000}, int64_t{1}, Partition::uniform);
-  add(uniform + "/gsl", construct_gsl, int64_t{10000}, int64_t{1});
-  add(uniform + "/boost", construct_boost, int64_t{10000});
 }
 
-void register_evaluation(const std::string& name, int64_t cells, Partition partition, Sites kind,
-                         int64_t nsite) {
-  add(name + "/qor", evaluate_qor, cells, partition, kind, nsite);
-  if (kind == Sites::uniform) return;
-  add(name + "/gsl", evaluate_gsl, cells, partition, kind, nsite);
-  if (partition == Partition::uniform) add(name + "/boost", evaluate_boost, cells, kind, nsite);
-}
-
-void register_all() {
-  constexpr int64_t kMillion = 1000000;
-  register_construction();
-  register_evaluation("sorted 256 cells 4096", 256, Partition::non_uniform, Sites::sorted, 4096);
-  register_evaluation("uniform sites 256 cells 4096", 256, Partition::non_uniform, Sites::uniform,
-                      4096);
-  register_evaluation("sorted 10000 cells 1e6", 10000, Partition::non_uniform, Sites::sorted,
-                      kMillion);
-  register_evaluation("random 10000 cells 1e6", 10000, Partition::non_uniform, Sites::random,
-                      kMillion);
-  register_evaluation("uniform partition sorted 10000 cells 1e6", 10000, Partition::uniform,
-                      Sites::sorted, kMillion);
-  register_evaluation("uniform partition random 10000 cells 1e6", 10000, Partition::uniform,
-                      Sites::random, kMillion);
-  add("integrate 1000 cells 1000/qor", integrate_qor, int64_t{1000}, int64_t{1000});
-  add("integrate 1000 cells 1000/gsl", integrate_gsl, int64_t{1000}, int64_t{1000});
-  for (int64_t power = 2, cells = 100; power <= 7; ++power, cells *= 10) {
-    const std::string size = "1e" + std::to_string(power) + " cells 1e5";
-    register_evaluation("growth random " + size, cells, Partition::non_uniform, Sites::random,
-                        100000);
-    register_evaluation("growth uniform partition " + size, cells, Partition::uniform,
-                        Sites::random, 100000);
+void run_level(std::vector<std::string> words) {
+  words.insert(words.begin(), {"bench_fitting", "--benchmark_enable_random_interleaving=true",
+                               "--benchmark_repetitions=5", "--benchmark_min_time=0.02"});
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  int count = static_cast<int>(arguments.size());
+  qor::bench::register_cases();
+  benchmark::Initialize(&count, arguments.data());
+  LeastTimes least;
+  benchmark::RunSpecifiedBenchmarks(&least);
+  for (const auto& [what, libraries] : least.times) {
+    for (const auto& [library, time] : libraries) {
+      std::printf("%s|%s|%.4g\n", what.c_str(), library.c_str(), time);
+    }
   }
+}
+
+// SciPy's times; none when Python does not have it.
+std::vector<std::string> scipy_lines(const std::string& python) {
+  const std::string command = python + " " + QOR_SOURCE "/bench/fitting_scipy.py";
+  std::FILE* pipe = popen(command.c_str(), "r");
+  std::vector<std::string> lines;
+  if (pipe == nullptr) return lines;
+  char line[256];
+  while (std::fgets(line, sizeof line, pipe) != nullptr) lines.emplace_back(line);
+  pclose(pipe);
+  return lines;
+}
+
+std::string number(const char* form, double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, form, value);
+  return text;
+}
+
+std::string ratio(const std::map<std::string, double>& times, const char* library) {
+  const auto found = times.find(library);
+  return found == times.end() ? "-" : number("%.2f", found->second / times.at("qor"));
+}
+
+std::string comparison(const std::map<std::string, Times>& levels) {
+  std::string text = "| case | level | ns | GSL | Boost | SciPy |\n|---|---|---|---|---|---|\n";
+  for (const auto& [what, unused] : levels.begin()->second) {
+    if (what.starts_with(kGrowth)) continue;
+    for (const auto& [level, times] : levels) {
+      const auto found = times.find(what);
+      if (found == times.end() || !found->second.contains("qor")) continue;
+      text += "| " + what + " | " + level + " | " + number("%.3g", found->second.at("qor"));
+      for (const char* peer : {"gsl", "boost", "scipy"}) text += " | " + ratio(found->second, peer);
+      text += " |\n";
+    }
+  }
+  return text;
+}
+
+std::string growth(const std::map<std::string, Times>& levels) {
+  std::string text =
+      "| search | level | 1e2 cells | 1e3 | 1e4 | 1e5 | 1e6 | 1e7 "
+      "|\n|---|---|---|---|---|---|---|---|\n";
+  for (const std::string method : {"bisection", "uniform partition"}) {
+    for (const auto& [level, times] : levels) {
+      text += "| " + method + " | " + level;
+      for (int power = 2; power <= 7; ++power) {
+        const auto found = times.find(kGrowth + method + ", 1e" + std::to_string(power) + " cells");
+        text += " | " + (found == times.end() ? "-" : number("%.3g", found->second.at("qor")));
+      }
+      text += " |\n";
+    }
+  }
+  return text;
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  register_all();
-  benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.print_ratios();
+int main(int count, char** words) {
+  std::string page, folder = QOR_BUILD_LEVELS, python = "python3", level;
+  std::vector<std::string> passed_on;
+  for (int i = 1; i < count; ++i) {
+    const std::string word = words[i];
+    std::string* value = word == "--write"    ? &page
+                         : word == "--levels" ? &folder
+                         : word == "--python" ? &python
+                         : word == "--level"  ? &level
+                                              : nullptr;
+    if (value == nullptr) {
+      passed_on.push_back(word);
+    } else if (++i < count) {
+      *value = words[i];
+    }
+  }
+  if (!level.empty()) {
+    run_level(passed_on);
+    return 0;
+  }
+  std::map<std::string, Times> levels;
+  const std::vector<std::string> scipy = scipy_lines(python);
+  for (const std::string& each : qor::tools::runnable_levels(folder)) {
+    std::vector<std::string> arguments = passed_on;
+    arguments.insert(arguments.end(), {"--level", each});
+    add_lines(qor::tools::run_on_level(folder, each, arguments), levels[each]);
+    add_lines(scipy, levels[each]);
+  }
+  if (levels.empty()) return 0;
+  const std::string text = kHead + comparison(levels) + kGrowthHead + growth(levels);
+  std::fputs(text.c_str(), stdout);
+  if (!page.empty()) qor::tools::write_section(page, "Fitting", text);
+  return 0;
 }

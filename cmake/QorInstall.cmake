@@ -19,6 +19,10 @@ foreach(level IN LISTS QOR_LEVELS)
   endif()
 endforeach()
 install(DIRECTORY include/qor DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(TARGET qor_team)
+  install(TARGETS qor_team EXPORT qor_ark_base LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(FILES front/team/team.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qor)
+endif()
 install(EXPORT qor_ark_base NAMESPACE qor:: FILE qor_ark_base-targets.cmake
   DESTINATION ${cmake_folder})
 

@@ -166,9 +166,15 @@ int run_block(const Interpolation<Real>& call, int64_t number, Real* buffer, int
     const int status = call.search.run(count, site, last_cell, cell);
     if (status < 0) return status;
   }
-  const Block<Real> block{count, site, cell, piece, distance};
+  Block<Real> block{count, site, cell, piece, distance, nullptr};
+  Stretches<Real> stretches;
   if (call.task.ny > 0 && is_polynomial(call.interpolant)) {
-    locate(call.task, call.interpolant, block);
+    const bool values = call.wanted.value_alone() && !call.callbacks.any();
+    if (values && locate_stretches(call.task, call.interpolant, block, &stretches)) {
+      block.stretches = &stretches;
+    } else {
+      locate(call.task, call.interpolant, block);
+    }
   }
   return evaluate_functions(call, block, first, buffer);
 }

@@ -39,23 +39,43 @@ class WantedDerivatives {
   int64_t results_;
 };
 
-// A block of sites, or a part of one.
+// A block of sites by stretches of consecutive ones in one cell, where these are long: stretch k
+// ends before site end[k], on a polynomial that begins at `left`. No stretches: they are short.
+template <class Real>
+struct Stretches {
+  static constexpr int64_t shortest = 8;  // on average
+  static constexpr int64_t most = block_size / shortest;
+  static constexpr int64_t room = most + 16;
+  int64_t count = 0;
+  int32_t end[room];
+  int32_t piece[room];
+  Real left[room];
+};
+
+// A block of sites, or a part of one, for polynomials located by stretches or else site by site.
 template <class Real>
 struct Block {
   int64_t count;
   const Real* site;
   const int32_t* cell;
-  int32_t* piece;  // polynomials alone
+  int32_t* piece;
   Real* distance;
+  const Stretches<Real>* stretches;  // null: site by site
 
   Block part(int64_t from, int64_t length) const {
-    return {length, site + from, cell + from, piece + from, distance + from};
+    return {length, site + from, cell + from, piece + from, distance + from, nullptr};
   }
 };
 
-// Finds piece and distance of a block for an interpolant of polynomials.
+// Finds piece and distance of every site of a block for an interpolant of polynomials.
 template <class Real>
 void locate(const DFTask& task, Interpolant interpolant, const Block<Real>& block);
+
+// Finds the stretches of a block instead, for evaluation of values alone. Returns whether there are
+// long ones and the interpolant can use them.
+template <class Real>
+bool locate_stretches(const DFTask& task, Interpolant interpolant, const Block<Real>& block,
+                      Stretches<Real>* stretches);
 
 // Writes the wanted results of one function for a block, site by result. Statuses: those of lookup.
 template <class Real>

@@ -39,7 +39,9 @@ int choose_method(const DFTask& task, const SiteForm<Real>& sites, bool user,
   if (user) {
     *method = uniform ? SearchMethod::uniform_user_defined : SearchMethod::user_defined;
   } else if (uniform) {
-    *method = SearchMethod::uniform;
+    *method = sites.hint == QOR_DF_SORTED || ascend(sites.uniform_ends)
+                  ? SearchMethod::uniform_sorted
+                  : SearchMethod::uniform;
   } else if (task.xhint == QOR_DF_QUASI_UNIFORM) {
     *method = SearchMethod::quasi_uniform;
   } else if (sites.hint == QOR_DF_SORTED) {
@@ -114,6 +116,9 @@ int Search<Real>::run(int64_t nsite, const Real* site, int32_t* last_cell, int32
       return search_user_defined(nx, x, nsite, site, user, params, cell);
     case SearchMethod::uniform:
       search_uniform(nx, x, nsite, site, step, cell);
+      break;
+    case SearchMethod::uniform_sorted:
+      search_uniform_sorted(nx, x, nsite, site, step, cell);
       break;
     case SearchMethod::quasi_uniform:
       search_quasi_uniform(nx, x, nsite, site, step, cell);

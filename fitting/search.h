@@ -10,6 +10,7 @@ enum class SearchMethod {
   uniform_user_defined,
   user_defined,
   uniform,
+  uniform_sorted,
   quasi_uniform,
   sorted,
   hybrid,

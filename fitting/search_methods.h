@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "fitting/task.h"
+#include "kernels/lanes.h"
 
 namespace qor::fitting {
 
@@ -21,6 +22,9 @@ inline int32_t cell_count(int64_t nx) {
 
 template <class Real>
 using UserSearch = int (*)(const int64_t*, const Real*, int64_t*, int64_t*, void*, void*);
+
+// Sites that are looked at together.
+inline constexpr int64_t site_group = 16;
 
 // Site s of n breakpoints whose ends and (mean) step are known: an estimate, which is the answer on
 // a uniform partition. Branch-free. A NaN gives n.
@@ -49,6 +53,37 @@ void search_uniform(int64_t nx, const Real* x, int64_t nsite, const Real* site, 
   const int32_t n = cell_count(nx);
   const Real first = x[0], last = x[1];
   for (int64_t i = 0; i < nsite; ++i) cell[i] = cell_by_step(n, first, last, step, site[i]);
+}
+
+// The same for sites that are said to ascend: between two sites of one cell all are of that cell,
+// since rounding keeps the order. A group that does not keep the promise is searched site by site.
+template <class Real>
+void search_uniform_sorted(int64_t nx, const Real* x, int64_t nsite, const Real* site, Real step,
+                           int32_t* cell) {
+  using V = typename lanes::Lanes<Real>::V;
+  constexpr int64_t kLanes = lanes::Lanes<Real>::count;
+  const int32_t n = cell_count(nx);
+  const Real first = x[0], last = x[1];
+  int64_t i = 0;
+  Real low = nsite > 0 ? site[0] : 0;
+  int32_t c = cell_by_step(n, first, last, step, low);
+  for (; i + site_group <= nsite; i += site_group) {
+    const Real high = site[i + site_group - 1];
+    const int32_t of_high = cell_by_step(n, first, last, step, high);
+    auto inside = V{} == V{};
+    for (int64_t j = 0; j < site_group; j += kLanes) {
+      const V s = lanes::load(site + i + j);
+      inside &= (s >= lanes::all(low)) & (s <= lanes::all(high));
+    }
+    if (c == of_high && lanes::bits(inside) == lanes::first_lanes(kLanes)) {
+      std::fill_n(cell + i, site_group, c);
+    } else {
+      search_uniform(nx, x, site_group, site + i, step, cell + i);
+    }
+    low = high;
+    c = of_high;
+  }
+  search_uniform(nx, x, nsite - i, site + i, step, cell + i);
 }
 
 // A NaN keeps its estimate, n.
@@ -81,33 +116,40 @@ inline int32_t gallop(int32_t n, const Real* x, Real s, int32_t from) {
   return high;
 }
 
-// Breakpoints that sites are compared with at once.
+// Breakpoints that a group of sites is compared with.
 inline constexpr int32_t few_cells = 4;
 
-// Cells of the sites from *i on while groups of them advance by few cells: each site's advance is
-// then the number of comparisons that hold, free of branches. The sites ascend and none lies left
-// of the partition; c is the cell of the one before.
+// The cells of a group: c and the number of breakpoints from x[c] on, among few, that are not above
+// the site. Free of branches.
+template <class Real>
+inline void merge_group(const Real* above, const Real* site, int32_t c, int32_t* cell) {
+  using Lanes = lanes::Lanes<Real>;
+  using Cells [[gnu::vector_size(Lanes::count * sizeof(int32_t))]] = int32_t;
+  for (int64_t j = 0; j < site_group; j += Lanes::count) {
+    const typename Lanes::V s = lanes::load(site + j);
+    // A comparison that holds is -1 in its lane.
+    const typename Lanes::M steps = (s >= lanes::all(above[0])) + (s >= lanes::all(above[1])) +
+                                    (s >= lanes::all(above[2])) + (s >= lanes::all(above[3]));
+    const Cells cells = c - __builtin_convertvector(steps, Cells);
+    __builtin_memcpy(cell + j, &cells, sizeof cells);
+  }
+}
+
+// Cells of the sites from *i on while groups of them advance by few cells. The sites ascend and
+// none lies left of the partition; c is the cell of the one before.
 template <class Real>
 inline int32_t merge_groups(int32_t n, const Real* x, int64_t nsite, const Real* site, int64_t* i,
                             int32_t c, int32_t* cell) {
-  typedef Real Four __attribute__((vector_size(4 * sizeof(Real))));
-  typedef int32_t FourCells __attribute__((vector_size(4 * sizeof(int32_t))));
-  constexpr int64_t kGroup = 16;
-  for (; *i + kGroup <= nsite && c + few_cells < n; *i += kGroup) {
-    const Real* s = site + *i;
+  for (; *i + site_group <= nsite && c + few_cells < n; *i += site_group) {
     const Real* above = x + c;
-    const Real end = s[kGroup - 1];
-    if (!(end < above[few_cells])) break;
-    for (int64_t j = 0; j < kGroup; j += 4) {
-      Four four;
-      __builtin_memcpy(&four, s + j, sizeof four);
-      // A comparison that holds is -1 in its lane.
-      const auto steps =
-          (four >= above[0]) + (four >= above[1]) + (four >= above[2]) + (four >= above[3]);
-      const FourCells cells = c - __builtin_convertvector(steps, FourCells);
-      __builtin_memcpy(cell + *i + j, &cells, sizeof cells);
+    const Real end = site[*i + site_group - 1];
+    if (end < above[0]) {
+      std::fill_n(cell + *i, site_group, c);
+      continue;
     }
-    for (int32_t k = 0, from = c; k < few_cells; ++k) c += static_cast<int32_t>(end >= x[from + k]);
+    if (!(end < above[few_cells])) break;
+    merge_group(above, site + *i, c, cell + *i);
+    for (int32_t k = 0; k < few_cells; ++k) c += static_cast<int32_t>(end >= above[k]);
   }
   return c;
 }
@@ -115,17 +157,15 @@ inline int32_t merge_groups(int32_t n, const Real* x, int64_t nsite, const Real*
 // NaN does not ascend.
 template <class Real>
 bool ascends_from(Real first, int64_t nsite, const Real* site) {
-  typedef Real Four __attribute__((vector_size(4 * sizeof(Real))));
+  using V = typename lanes::Lanes<Real>::V;
+  constexpr int64_t kLanes = lanes::Lanes<Real>::count;
   if (nsite < 1 || !(site[0] >= first)) return false;
-  auto ascends = Four{} == Four{};
+  auto ascends = V{} == V{};
   int64_t i = 1;
-  for (; i + 4 <= nsite; i += 4) {
-    Four before, here;
-    __builtin_memcpy(&before, site + i - 1, sizeof before);
-    __builtin_memcpy(&here, site + i, sizeof here);
-    ascends &= before <= here;
+  for (; i + kLanes <= nsite; i += kLanes) {
+    ascends &= lanes::load(site + i - 1) <= lanes::load(site + i);
   }
-  bool all = (ascends[0] & ascends[1] & ascends[2] & ascends[3]) != 0;
+  bool all = lanes::bits(ascends) == lanes::first_lanes(kLanes);
   for (; i < nsite; ++i) all = all && site[i - 1] <= site[i];
   return all;
 }

@@ -35,8 +35,13 @@ class Arguments {
 
 // What a command writes, kept back until all has gone well.
 struct Output {
+  struct File {
+    std::string_view option;  // that names it
+    std::string path, text;
+  };
   std::string out;
   std::string err;
+  std::vector<File> files;  // written first: if one cannot be, nothing follows
 };
 
 struct Command {

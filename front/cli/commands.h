@@ -8,5 +8,6 @@ namespace qor::cli {
 extern const Command tour_command;
 extern const Command map_command;
 extern const Command random_command;
+extern const Command fit_command;
 
 }  // namespace qor::cli

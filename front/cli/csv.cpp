@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <cmath>
 #include <fstream>
 #include <iterator>
@@ -93,18 +92,10 @@ bool is_missing(std::string_view text) {
   return lower.empty() || lower == "na" || lower == "nan";
 }
 
-// Reads a number; false when the text is none.
-bool parse_number(std::string_view text, double& value) {
-  text = trimmed(text);
-  if (is_missing(text)) {
-    value = std::numeric_limits<double>::quiet_NaN();
-    return true;
-  }
-  if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
-  const char* begin = text.data();
-  const char* end = begin + text.size();
-  const auto [stop, error] = std::from_chars(begin, end, value);
-  return error == std::errc{} && stop == end && !std::isnan(value);
+// The number of a field, NaN when it is missing; none when the text is no number.
+std::optional<double> parse_field(std::string_view text) {
+  if (is_missing(trimmed(text))) return std::numeric_limits<double>::quiet_NaN();
+  return parse_number(text);
 }
 
 }  // namespace
@@ -163,12 +154,14 @@ std::vector<double> numbers(const Csv& csv, size_t column) {
   std::vector<double> values(csv.rows.size());
   for (size_t i = 0; i < values.size(); ++i) {
     const Csv::Row& row = csv.rows[i];
-    if (!parse_number(row.fields[column], values[i])) {
+    const auto value = parse_field(row.fields[column]);
+    if (!value) {
       throw InputError(csv.file + ", line " + std::to_string(row.line) + ", column " +
                        quoted(csv.header[column]) + ": " + quoted(row.fields[column]) +
                        " is not a number that a double holds; numbers, NA and empty fields are"
                        " accepted");
     }
+    values[i] = *value;
   }
   return values;
 }

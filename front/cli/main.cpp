@@ -1,6 +1,7 @@
 // qor: the kernels at work on files, from the command line.
 
 #include <cstdio>
+#include <deque>
 #include <exception>
 #include <string>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "front/cli/command.h"
 #include "front/cli/commands.h"
 #include "front/cli/input_error.h"
+#include "front/cli/output_file.h"
 #include "front/cli/text.h"
 
 namespace qor::cli {
@@ -20,6 +22,7 @@ const Command* const kCommands[] = {
     &tour_command,
     &map_command,
     &random_command,
+    &fit_command,
 };
 
 std::string overview() {
@@ -61,6 +64,15 @@ bool write(std::FILE* to, const std::string& text) {
   return std::fwrite(text.data(), 1, text.size(), to) == text.size() && std::fflush(to) == 0;
 }
 
+// All are written before one takes its name.
+void write(const std::vector<Output::File>& files) {
+  std::deque<OutputFile> written;
+  for (const Output::File& file : files) {
+    written.emplace_back(file.option, file.path).write(file.text);
+  }
+  for (OutputFile& file : written) file.commit();
+}
+
 }  // namespace
 }  // namespace qor::cli
 
@@ -70,6 +82,7 @@ int main(int count, char** values) {
   try {
     const std::vector<std::string> words(values + (count > 0 ? 1 : 0), values + count);
     run(words, output);
+    write(output.files);
   } catch (const InputError& error) {
     std::fprintf(stderr, "qor: %s\n", error.what());
     return kBadInput;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
+#include <system_error>
 
 namespace qor::cli {
 
@@ -54,6 +55,16 @@ std::string shortest(double value) {
   if (std::isnan(value)) return "NaN";
   char digits[32];
   return {digits, std::to_chars(digits, digits + sizeof digits, value).ptr};
+}
+
+std::optional<double> parse_number(std::string_view text) {
+  text = trimmed(text);
+  if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+  double value;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  if (error != std::errc{} || stop != end || std::isnan(value)) return std::nullopt;
+  return value;
 }
 
 std::string format(const char* form, ...) {

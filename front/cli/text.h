@@ -1,6 +1,7 @@
 // Small helpers for text in messages and tables.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,6 +17,9 @@ std::vector<std::string> split(std::string_view text, char separator);
 
 // A number with the fewest digits that read back as the same double; NaN without a sign.
 std::string shortest(double value);
+
+// The number that the text is, blanks around it and a plus sign allowed; NaN is none.
+std::optional<double> parse_number(std::string_view text);
 
 // printf into a string, for numbers.
 [[gnu::format(printf, 1, 2)]] std::string format(const char* form, ...);

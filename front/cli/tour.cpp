@@ -12,6 +12,7 @@
 #include "front/cli/functions.h"
 #include "front/cli/kernel_figures.h"
 #include "front/cli/text.h"
+#include "front/cli/tour_fitting.h"
 #include "front/cli/tour_streams.h"
 #include "front/cpp/qor.hpp"
 
@@ -168,8 +169,10 @@ std::string kernels() {
 void run(const Arguments& arguments, Output& output) {
   const std::string folder =
       arguments.has("--data") ? arguments.option("--data", "") : data_folder();
+  const std::string plots = arguments.option("--plots", "");
   output.out = "qor_ark_base " QOR_VERSION "\n  library  " + library_file() + "\n  data     " +
-               folder + "\n\n" + markets(folder) + errors(folder) + tour_of_streams() + kernels();
+               folder + "\n\n" + markets(folder) + errors(folder) +
+               tour_fitting(folder, plots, output) + tour_of_streams() + kernels();
 }
 
 }  // namespace
@@ -180,7 +183,8 @@ const Command tour_command = {
     .operands = {},
     .options = {{"--data", "FOLDER",
                  "where the example data is, when it is not where it was"
-                 " installed"}},
+                 " installed"},
+                {"--plots", "FOLDER", "where to write plots; the current folder when not given"}},
     .run = run,
 };
 

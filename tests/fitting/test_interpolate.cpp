@@ -1,60 +1,12 @@
-// Interpolation: polynomials, layouts, derivatives, cells, callbacks.
+// Interpolation of polynomials: layouts, derivatives, cells, what is known about sites.
 
 #include <cmath>
 #include <limits>
-#include <random>
 
-#include "tests/fitting/api.h"
-#include "tests/fitting/reference.h"
+#include "tests/fitting/pieces.h"
 
 namespace qor::test {
 namespace {
-
-// A task of functions with coefficients that are not those of any construction: interpolation reads
-// coefficients alone.
-template <class Real>
-struct Pieces {
-  int64_t nx, functions, order;
-  std::vector<Real> x, ends, y, c;
-
-  Pieces(int64_t n, int64_t ny, int64_t s_order) : nx(n), functions(ny), order(s_order) {
-    std::mt19937 random(11);
-    std::uniform_int_distribution<int> digit(-8, 8);
-    for (int64_t i = 0; i < nx; ++i) x.push_back(Real(0.5) * static_cast<Real>(i) - 2);
-    ends = {x.front(), x.back()};
-    y.resize(static_cast<size_t>(nx * ny));
-    for (int64_t k = 0; k < ny * order * (nx - 1); ++k) {
-      c.push_back(static_cast<Real>(digit(random)) / 4);
-    }
-  }
-  // A derivative of a function at s, by the rule of which piece serves it.
-  Wide at(int64_t function, int derivative, Real s) const {
-    int64_t piece = 0;
-    while (piece < nx - 2 && s >= x[static_cast<size_t>(piece + 1)]) ++piece;
-    const Real* first = c.data() + (function * (nx - 1) + piece) * order;
-    return polynomial_at({first, first + order}, derivative,
-                         static_cast<Wide>(s) - x[static_cast<size_t>(piece)]);
-  }
-};
-
-template <class Real>
-std::vector<Real> ascending_sites(const Pieces<Real>& p, int64_t count) {
-  std::vector<Real> site;
-  const Real first = p.x.front() - 1, last = p.x.back() + 1;
-  for (int64_t i = 0; i < count; ++i) {
-    site.push_back(first + (last - first) * static_cast<Real>(i) / static_cast<Real>(count));
-  }
-  return site;
-}
-
-size_t place(int64_t layout, int64_t i, int64_t f, int64_t d, int64_t nsite, int64_t ny,
-             int64_t nd) {
-  const int64_t at = layout == 32    ? (f * nd + d) * nsite + i
-                     : layout == 256 ? (i * ny + f) * nd + d
-                     : layout == 512 ? (i * nd + d) * ny + f
-                                     : (f * nsite + i) * nd + d;
-  return static_cast<size_t>(at);
-}
 
 template <class Real>
 class Interpolation : public BothPrecisions<Real> {};
@@ -135,6 +87,40 @@ TYPED_TEST(Interpolation, SameBitsForAllSiteForms) {
   for (size_t i = 0; i < 299; ++i) EXPECT_EQ(values[i], p.c[4 * i]);
 }
 
+// Many sites in one cell are evaluated together: the bits are those of sites one by one, which is
+// how values come that are asked for with a derivative.
+TYPED_TEST(Interpolation, SitesTogetherGiveTheBitsOfSitesOneByOne) {
+  using Real = TypeParam;
+  const Real nan = std::numeric_limits<Real>::quiet_NaN();
+  for (const int64_t order : {2, 3, 4}) {
+    const Pieces<Real> p(14, 2, order);
+    for (const bool uniform : {false, true}) {
+      Task<Real> task(p.nx, uniform ? p.ends.data() : p.x.data(), uniform ? 4 : 1, 2, p.y.data());
+      ASSERT_EQ(task.spline(order, 0, const_cast<Real*>(p.c.data())), 0);
+      for (const int64_t count : {1, 7, 8, 15, 16, 17, 100, 255, 256, 257, 300, 2000}) {
+        auto site = ascending_sites(p, count);
+        for (const bool broken : {false, true}) {
+          // A promise of order that is not kept, where the method does not rest on it.
+          if (broken) site[site.size() / 2] = site.size() % 2 == 0 ? nan : Real(0.25);
+          const typename Task<Real>::Sites known{.hint = !broken || uniform ? int64_t{QOR_DF_SORTED}
+                                                                            : 0};
+          std::vector<Real> together(2 * site.size() + 1, 99), one_by_one(4 * site.size());
+          ASSERT_EQ(task.interpolate(site, together.data(), known), 0);
+          ASSERT_EQ(task.interpolate(site, one_by_one.data(), {.derivatives = {1, 1}}), 0);
+          for (size_t k = 0; k < 2 * site.size(); ++k) {
+            ASSERT_EQ(std::isnan(together[k]), std::isnan(one_by_one[2 * k]));
+            if (!std::isnan(together[k])) {
+              ASSERT_EQ(together[k], one_by_one[2 * k])
+                  << "order " << order << " of " << count << " site " << k;
+            }
+          }
+          EXPECT_EQ(together.back(), 99);
+        }
+      }
+    }
+  }
+}
+
 TYPED_TEST(Interpolation, QuadraticOnKnots) {
   using Real = TypeParam;
   const std::vector<Real> x = {0, 1, 2, 4}, knots = {0, Real(0.5), Real(1.25), 3, 4};
@@ -211,142 +197,6 @@ TYPED_TEST(Interpolation, Statuses) {
   EXPECT_EQ(empty.interpolate({0}, r), QOR_DF_OK);
   qor_df_kernel_iEditVal(empty, QOR_DF_NY, 1);
   EXPECT_EQ(empty.interpolate({0}, r), QOR_DF_NULL_SCOEFF);
-}
-
-// What a callback saw, and what it is to return.
-struct Seen {
-  int64_t calls = 0, sites = 0;
-  int status = 0;
-};
-
-// Marks results by the class of the site: the cell, or minus the cell for the second derivative.
-template <class Real>
-int mark_cells(const int64_t* n, const Real* site, const int32_t* cell, Real* result, void* params,
-               void* zero) {
-  Seen& seen = *static_cast<Seen*>(params);
-  EXPECT_EQ(zero, nullptr);
-  ++seen.calls;
-  seen.sites += *n;
-  for (int64_t i = 0; i < *n; ++i) {
-    EXPECT_EQ(cell[i] == 0, site[i] < 0) << site[i];
-    result[2 * i] = static_cast<Real>(cell[i]) + 1000;
-    result[2 * i + 1] = -result[2 * i];
-  }
-  return seen.status;
-}
-
-TYPED_TEST(Interpolation, Callbacks) {
-  using Real = TypeParam;
-  const Real x[3] = {0, 1, 2}, y[6] = {};
-  Real c[16];
-  for (int k = 0; k < 16; ++k) c[k] = static_cast<Real>(k);
-  const std::vector<Real> site = {-2, -1, Real(0.5), 3, -1, Real(1.5), 2, 2.5};
-  const int32_t cell[8] = {0, 0, 1, 3, 0, 2, 2, 3};
-  Task<Real> task(3, x, 0, 2, y);
-  for (const int64_t layout : {16, 32}) {
-    for (int mask = 0; mask < 8; ++mask) {
-      for (const int64_t order : {4, 0}) {
-        ASSERT_EQ(task.spline(order, 0, c), 0);
-        Seen seen;
-        const auto callback = mark_cells<Real>;
-        const typename Task<Real>::Sites s{.derivatives = {1, 1},
-                                           .layout = layout,
-                                           .left = (mask & 1) != 0 ? callback : nullptr,
-                                           .right = (mask & 2) != 0 ? callback : nullptr,
-                                           .inside = (mask & 4) != 0 ? callback : nullptr,
-                                           .params = &seen};
-        std::vector<Real> r(32), plain(32);
-        const int status = task.interpolate(site, r.data(), s);
-        if (order == 0 && mask != 7) {
-          EXPECT_EQ(status, QOR_DF_BAD_TYPE);
-          continue;
-        }
-        ASSERT_EQ(status, 0);
-        if (order != 0) {
-          ASSERT_EQ(task.interpolate(site, plain.data(), {.derivatives = {1, 1}, .layout = layout}),
-                    0);
-        }
-        for (int64_t i = 0; i < 8; ++i) {
-          const int bit = cell[i] == 0 ? 1 : cell[i] == 3 ? 2 : 4;
-          for (int64_t f = 0; f < 2; ++f) {
-            const Real mark = static_cast<Real>(cell[i]) + 1000;
-            const size_t value = place(layout, i, f, 0, 8, 2, 2);
-            const size_t slope = place(layout, i, f, 1, 8, 2, 2);
-            EXPECT_EQ(r[value], (mask & bit) != 0 ? mark : plain[value]) << mask << " " << i;
-            EXPECT_EQ(r[slope], (mask & bit) != 0 ? -mark : plain[slope]);
-          }
-        }
-        const int64_t sites = (mask & 1) * 3 + (mask & 2) / 2 * 2 + (mask & 4) / 4 * 3;
-        EXPECT_EQ(seen.sites, 2 * sites);
-        seen.status = -77;
-        EXPECT_EQ(task.interpolate(site, r.data(), s), mask == 0 ? 0 : -77);
-      }
-    }
-  }
-}
-
-template <class Real>
-int fail_search(const int64_t*, const Real*, int64_t*, int64_t*, void*, void*) {
-  return -55;
-}
-
-TYPED_TEST(Interpolation, UsersSearch) {
-  using Real = TypeParam;
-  const Pieces<Real> p(4, 1, 4);
-  Task<Real> task(p.nx, p.x.data(), 1, 1, p.y.data());
-  ASSERT_EQ(task.spline(4, 5, const_cast<Real*>(p.c.data())), 0);
-  Real r[1] = {99};
-  EXPECT_EQ(task.interpolate({0}, r, {.search = fail_search<Real>}), -55);
-  EXPECT_EQ(r[0], 99);
-}
-
-TYPED_TEST(Interpolation, Lookup) {
-  using Real = TypeParam;
-  const Real x[4] = {0, 1, 2, 4}, ends[2] = {0, 3}, y[8] = {5, 6, 7, 8, 1, 2, 3, 4};
-  Real r[8];
-  for (const bool uniform : {false, true}) {
-    Task<Real> task(4, uniform ? ends : x, uniform ? 4 : 0, 2, y, 0);
-    ASSERT_EQ(task.spline(0, 6, nullptr), 0);
-    const Real last = uniform ? ends[1] : x[3];
-    const typename Task<Real>::Sites value{.derivatives = {1}};
-    ASSERT_EQ(task.interpolate({0, 2, last, 1}, r, value), 0);
-    const Real expected[8] = {5, 7, 8, 6, 1, 3, 4, 2};
-    for (int k = 0; k < 8; ++k) EXPECT_EQ(r[k], expected[k]);
-    for (const Real off : {Real(0.5), Real(-1), Real(9), std::numeric_limits<Real>::quiet_NaN()}) {
-      EXPECT_EQ(task.interpolate({1, off}, r, value), QOR_DF_NOT_A_BREAKPOINT);
-      EXPECT_EQ(task.interpolate({1, off}, r, {.derivatives = {1, 1}}), QOR_DF_NOT_A_BREAKPOINT);
-    }
-    EXPECT_EQ(task.interpolate({1}, r, {.derivatives = {1, 1}}), QOR_DF_LOOKUP_DERIVATIVES);
-    EXPECT_EQ(task.interpolate({1}, r), QOR_DF_LOOKUP_DERIVATIVES);
-    EXPECT_EQ(task.interpolate({1}, r, {.derivatives = {0}}), QOR_DF_LOOKUP_WITHOUT_VALUE);
-    if (uniform) {
-      const Real near = Real(1) - Real(0x1p-41);  // for float the breakpoint itself
-      EXPECT_EQ(task.interpolate({near}, r, value), 0);
-      EXPECT_EQ(r[0], 6);
-    }
-  }
-}
-
-TYPED_TEST(Interpolation, Steps) {
-  using Real = TypeParam;
-  const Real x[4] = {0, 1, 2, 3}, ends[2] = {0, 3}, y[4] = {5, 6, 7, 8};
-  const std::vector<Real> site = {-1, 0, 0.5, 1, 1.5, 2, 2.75, 3, 4};
-  const Real from_right[9] = {5, 5, 5, 6, 6, 7, 7, 8, 8};
-  const Real from_left[9] = {6, 5, 6, 6, 7, 7, 8, 8, 8};
-  Real r[18];
-  for (const bool uniform : {false, true}) {
-    for (const int64_t yhint : {0, 32}) {
-      Task<Real> task(4, uniform ? ends : x, uniform ? 4 : 0, 1, y, yhint);
-      for (const int64_t type : {7, 8}) {
-        ASSERT_EQ(task.spline(0, type, nullptr), 0);
-        ASSERT_EQ(task.interpolate(site, r, {.derivatives = {1, 1}}), 0);
-        for (int i = 0; i < 9; ++i) {
-          EXPECT_EQ(r[2 * i], type == 7 ? from_right[i] : from_left[i]) << type << " " << i;
-          EXPECT_EQ(r[2 * i + 1], 0);
-        }
-      }
-    }
-  }
 }
 
 // A NaN site gives NaN, and cells of the caller's that are no cells stay within the arrays.

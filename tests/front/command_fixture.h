@@ -1,4 +1,4 @@
-// The command qor in a folder of its own.
+// The command qor as a person runs it: what goes to which stream, and with which status.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,8 +8,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <span>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace qor::test {
 
@@ -40,6 +42,24 @@ class Command : public testing::Test {
     const std::string line = QOR_COMMAND " " + arguments + " >" + out + " 2>" + err + " </dev/null";
     const int status = std::system(line.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, content(out), content(err)};
+  }
+
+  // A call that is refused, and what its message names.
+  struct Refused {
+    std::string arguments;
+    std::vector<std::string> named;
+  };
+  void expect_refused(std::span<const Refused> calls) const {
+    for (const Refused& call : calls) {
+      SCOPED_TRACE("qor " + call.arguments);
+      const Result result = run(call.arguments);
+      EXPECT_EQ(result.status, 2);
+      EXPECT_EQ(result.out, "");
+      EXPECT_EQ(result.err.find("qor: "), 0u);
+      for (const std::string& name : call.named) {
+        EXPECT_NE(result.err.find(name), std::string::npos) << name << " in " << result.err;
+      }
+    }
   }
 
   static std::string content(const std::string& path) {

@@ -48,6 +48,11 @@ check_cmake_project() {
   "$work/consumer/rows"
   expect "2.718, refused: y: 1 elements; 2 are accepted, as many as a has" \
     "$("$work/consumer/header")" "the C++ header"
+  if [[ -e $lib/libqor_team.so.1 ]]; then
+    expect "8.002, the same bits" "$("$work/consumer/team")" "the team of threads"
+    expect "qor_team_openmp" "$(nm -D --defined-only "$lib/libqor_team.so.1" | awk '{print $3}')" \
+      "names exported by the team"
+  fi
 }
 
 # The example of the README, built by the line that stands there, prints what stands there.
@@ -113,7 +118,7 @@ check_exports() {
 
 check_command() {
   local command=$prefix/bin/qor
-  (cd / && "$command" tour) | grep "data .*$prefix/share/qor_ark_base/data" >/dev/null ||
+  (cd "$work" && "$command" tour) | grep "data .*$prefix/share/qor_ark_base/data" >/dev/null ||
     fail "the installed command does not find its installed data"
   expect "Exp(x)" "$(printf 'x\n1\n' | "$command" map exp /dev/stdin | head -n 1)" "qor map"
 }
