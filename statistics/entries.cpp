@@ -23,26 +23,32 @@ int basic(SsTask* task, uint64_t estimates, uint64_t method, const ThreadHook* h
       [&] { return compute_basic<Real>(*task, request, hook); });
 }
 
+template <class Real>
 int min_max(SsTask* task, uint64_t estimates, uint64_t method) {
   return checked(
-      task, [&] { return check_min_max(*task, estimates, method); }, not_built);
+      task, [&] { return check_min_max(*task, estimates, method); },
+      [&] { return compute_min_max<Real>(*task, estimates); });
 }
 
 template <class Real>
-int quantiles(SsTask* task, uint64_t estimates, uint64_t method) {
+int quantiles(SsTask* task, uint64_t estimates, uint64_t method, const ThreadHook* hook) {
   return checked(
-      task, [&] { return check_quantiles<Real>(*task, estimates, method); }, not_built);
+      task, [&] { return check_quantiles<Real>(*task, estimates, method); },
+      [&] { return compute_quantiles<Real>(*task, estimates, hook); });
 }
 
 template <class Real>
-int stream_quantiles(SsTask* task, uint64_t method) {
+int stream_quantiles(SsTask* task, uint64_t method, const ThreadHook* hook) {
   return checked(
-      task, [&] { return check_stream_quantiles<Real>(*task, method); }, not_built);
+      task, [&] { return check_stream_quantiles<Real>(*task, method); },
+      [&] { return compute_stream_quantiles<Real>(*task, method, hook); });
 }
 
-int sort(SsTask* task, uint64_t method) {
+template <class Real>
+int sort(SsTask* task, uint64_t method, const ThreadHook* hook) {
   return checked(
-      task, [&] { return check_sort(*task, method); }, not_built);
+      task, [&] { return check_sort(*task, method); },
+      [&] { return compute_sort<Real>(*task, hook); });
 }
 
 }  // namespace
@@ -57,26 +63,28 @@ int32_t _ostsSSBasic(SsTask* task, uint64_t estimates, uint64_t method, const Th
   return basic<float>(task, estimates, method, hook);
 }
 int32_t _ostdSSMinmax(SsTask* task, uint64_t estimates, uint64_t method, const ThreadHook*) {
-  return min_max(task, estimates, method);
+  return min_max<double>(task, estimates, method);
 }
 int32_t _ostsSSMinmax(SsTask* task, uint64_t estimates, uint64_t method, const ThreadHook*) {
-  return min_max(task, estimates, method);
+  return min_max<float>(task, estimates, method);
 }
-int32_t _ostdSSQuantiles(SsTask* task, uint64_t estimates, uint64_t method, const ThreadHook*) {
-  return quantiles<double>(task, estimates, method);
+int32_t _ostdSSQuantiles(SsTask* task, uint64_t estimates, uint64_t method,
+                         const ThreadHook* hook) {
+  return quantiles<double>(task, estimates, method, hook);
 }
-int32_t _ostsSSQuantiles(SsTask* task, uint64_t estimates, uint64_t method, const ThreadHook*) {
-  return quantiles<float>(task, estimates, method);
+int32_t _ostsSSQuantiles(SsTask* task, uint64_t estimates, uint64_t method,
+                         const ThreadHook* hook) {
+  return quantiles<float>(task, estimates, method, hook);
 }
-int32_t _ostdSSStreamQuantiles(SsTask* task, uint64_t, uint64_t method, const ThreadHook*) {
-  return stream_quantiles<double>(task, method);
+int32_t _ostdSSStreamQuantiles(SsTask* task, uint64_t, uint64_t method, const ThreadHook* hook) {
+  return stream_quantiles<double>(task, method, hook);
 }
-int32_t _ostsSSStreamQuantiles(SsTask* task, uint64_t, uint64_t method, const ThreadHook*) {
-  return stream_quantiles<float>(task, method);
+int32_t _ostsSSStreamQuantiles(SsTask* task, uint64_t, uint64_t method, const ThreadHook* hook) {
+  return stream_quantiles<float>(task, method, hook);
 }
-int32_t _ostdSSSort(SsTask* task, uint64_t, uint64_t method, const ThreadHook*) {
-  return sort(task, method);
+int32_t _ostdSSSort(SsTask* task, uint64_t, uint64_t method, const ThreadHook* hook) {
+  return sort<double>(task, method, hook);
 }
-int32_t _ostsSSSort(SsTask* task, uint64_t, uint64_t method, const ThreadHook*) {
-  return sort(task, method);
+int32_t _ostsSSSort(SsTask* task, uint64_t, uint64_t method, const ThreadHook* hook) {
+  return sort<float>(task, method, hook);
 }

@@ -6,8 +6,10 @@
 
 namespace {
 
+// As many as asked for, and all there are for 0.
 int team_size(int64_t threads) {
-  return static_cast<int>(std::clamp<int64_t>(threads, 1, omp_get_max_threads()));
+  const int64_t most = omp_get_max_threads();
+  return static_cast<int>(threads == 0 ? most : std::clamp<int64_t>(threads, 1, most));
 }
 
 // Items are handed out one by one, as they may differ in length.

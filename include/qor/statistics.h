@@ -447,7 +447,10 @@ QOR_API int32_t _ostsSSQuantiles(SsTask* task, uint64_t estimates, uint64_t meth
                                  const ThreadHook* hook);
 
 /* Quantiles of a stream that is fed block by block, off by at most epsilon*N places among the N
-   observations so far. The summary lives in the task. n may be 0, to read results only.
+   observations so far, or by less than one. The summary lives in the task, and how the stream is
+   cut does not matter. n may be 0, to read results only; nothing is written before the first
+   observation. The first call tells which variables there are; `indices` of later calls may name
+   some of them, which then take the block and answer, in their order.
    Statuses in order: NULL_TASK, BAD_N, NULL_X, NULL_STORAGE, BAD_STORAGE, NULL_STREAM_QUANTILES,
    NULL_STREAM_QUANTILE_ORDERS, BAD_STREAM_QUANTILE_COUNT (count), NULL_STREAM_PARAMETER_COUNT,
    BAD_STREAM_PARAMETER_COUNT, BAD_STREAM_QUANTILE_COUNT (an order), NULL_STREAM_PARAMETERS,
@@ -510,8 +513,8 @@ QOR_API int32_t __ostdQSortStep(int64_t count, double* array, int64_t stride);
 QOR_API int32_t __ostsQSort(int64_t count, float* array);
 QOR_API int32_t __ostsQSortStep(int64_t count, float* array, int64_t stride);
 
-/* Reorders the array until the element of sorted position k, from 0, stands at k, and returns it.
- */
+/* Reorders the array until the element of sorted position k, from 0, stands at k, and returns it; a
+   NaN when there is no such position. */
 QOR_API double __ostdQSortSelect(int64_t count, double* array, int64_t k);
 QOR_API float __ostsQSortSelect(int64_t count, float* array, int64_t k);
 

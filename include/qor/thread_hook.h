@@ -24,7 +24,8 @@ typedef void (*qor_team_routine)(int64_t thread_index, int64_t word, int64_t thr
                                  void* context);
 
 typedef struct ThreadHook {
-  /* 0: calls routine for each item from 0 to items - 1, on up to `threads` threads. */
+  /* 0: calls routine for each item from 0 to items - 1, on up to `threads` threads; 0 leaves their
+     number to the hook. */
   void (*run_items)(int64_t items, int64_t threads, void* context, qor_item_routine routine);
   /* 1: as slot 0. */
   void (*run_more_items)(int64_t items, int64_t threads, void* context, qor_item_routine routine);

@@ -1,5 +1,5 @@
 // Teams of threads for tests: a hook of each runs items on the calling thread in order, in reverse
-// order, or on plain threads.
+// order, or on plain threads, three of them where their number is left to the hook.
 #pragma once
 
 #include <cstdint>
@@ -26,6 +26,7 @@ inline void run_in_reverse(int64_t items, int64_t threads, void* context,
 
 inline void run_on_threads(int64_t items, int64_t threads, void* context,
                            qor_item_routine routine) {
+  if (threads == 0) threads = 3;
   std::vector<std::thread> team;
   for (int64_t t = 0; t < threads; ++t) {
     team.emplace_back([=] {
