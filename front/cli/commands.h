@@ -9,5 +9,6 @@ extern const Command tour_command;
 extern const Command map_command;
 extern const Command random_command;
 extern const Command fit_command;
+extern const Command stats_command;
 
 }  // namespace qor::cli

@@ -8,84 +8,12 @@
 #include <limits>
 #include <system_error>
 
+#include "front/cli/csv_scanner.h"
 #include "front/cli/input_error.h"
 #include "front/cli/text.h"
 
 namespace qor::cli {
 namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-// Cuts the text into rows of fields.
-class Scanner {
- public:
-  Scanner(std::string_view text, const std::string& file) : text_(text), file_(file) {
-    if (text_.starts_with(kByteOrderMark)) text_.remove_prefix(kByteOrderMark.size());
-  }
-
-  // Reads the next row; false at the end.
-  bool next(Csv::Row& row) {
-    while (at_ < text_.size() && line_end() > 0) end_line();
-    if (at_ == text_.size()) return false;
-    row = {line_, {}};
-    for (;;) {
-      row.fields.push_back(peek() == '"' ? quoted_field() : plain_field());
-      if (peek() != ',') break;
-      ++at_;
-    }
-    end_line();
-    return true;
-  }
-
- private:
-  char peek() const { return at_ < text_.size() ? text_[at_] : '\n'; }
-
-  // Length of the line end at this position, 0 when there is none.
-  size_t line_end() const {
-    if (text_.substr(at_, 1) == "\n") return 1;
-    return text_.substr(at_, 2) == "\r\n" ? 2 : 0;
-  }
-
-  void end_line() {
-    at_ += line_end();
-    ++line_;
-  }
-
-  std::string plain_field() {
-    const size_t start = at_;
-    while (at_ < text_.size() && text_[at_] != ',' && line_end() == 0) ++at_;
-    return std::string(text_.substr(start, at_ - start));
-  }
-
-  std::string quoted_field() {
-    const size_t opened = line_;
-    std::string field;
-    for (++at_; at_ < text_.size(); ++at_) {
-      if (text_[at_] == '\n') ++line_;
-      if (text_[at_] == '"') {
-        if (text_.substr(at_, 2) != "\"\"") break;
-        ++at_;
-      }
-      field += text_[at_];
-    }
-    if (at_ == text_.size()) fail(opened, "a quoted field that never ends");
-    ++at_;
-    if (at_ < text_.size() && text_[at_] != ',' && line_end() == 0) {
-      fail(line_,
-           "text behind the closing quote of a field; a comma or the line's end is accepted");
-    }
-    return field;
-  }
-
-  [[noreturn]] void fail(size_t line, const std::string& what) const {
-    throw InputError(file_ + ", line " + std::to_string(line) + ": " + what);
-  }
-
-  std::string_view text_;
-  const std::string& file_;
-  size_t at_ = 0;
-  size_t line_ = 1;
-};
 
 bool is_missing(std::string_view text) {
   const std::string lower = lower_case(text);
@@ -101,44 +29,53 @@ std::optional<double> parse_field(std::string_view text) {
 }  // namespace
 
 Csv parse_csv(std::string_view text, const std::string& file) {
-  Scanner scanner(text, file);
+  CsvScanner scanner(text, file);
   Csv csv;
   csv.file = file;
   Csv::Row row;
-  if (!scanner.next(row)) {
-    throw InputError(file + ": the file is empty; a header line and rows of data are accepted");
-  }
-  csv.header = std::move(row.fields);
-  for (std::string& name : csv.header) name = std::string(trimmed(name));
+  if (!scanner.next(row)) row.fields.clear();
+  csv.header = header_of(std::move(row), file);
   while (scanner.next(row)) {
-    if (row.fields.size() != csv.header.size()) {
-      throw InputError(file + ", line " + std::to_string(row.line) + ": " +
-                       std::to_string(row.fields.size()) + " fields; " +
-                       std::to_string(csv.header.size()) + " are accepted, as in the header");
-    }
+    check_width(csv, row);
     csv.rows.push_back(std::move(row));
   }
   return csv;
 }
 
+void refuse_unreadable(const std::string& file) {
+  const int reason = errno;
+  throw InputError(file + ": " + std::generic_category().message(reason) +
+                   "; a CSV file that can be read is accepted");
+}
+
 Csv read_csv(const std::string& file) {
-  const auto refuse = [&] {
-    const int reason = errno;
-    throw InputError(file + ": " + std::generic_category().message(reason) +
-                     "; a CSV file that can be read is accepted");
-  };
   std::ifstream in(file, std::ios::binary);
-  if (!in) refuse();
+  if (!in) refuse_unreadable(file);
   std::string text;
   try {
     text.assign(std::istreambuf_iterator<char>(in), {});
   } catch (const std::ios_base::failure&) {
-    refuse();
+    refuse_unreadable(file);
   }
   return parse_csv(text, file);
 }
 
-size_t column_index(const Csv& csv, std::string_view name) {
+std::vector<std::string> header_of(CsvHead::Row row, const std::string& file) {
+  if (row.fields.empty()) {
+    throw InputError(file + ": the file is empty; a header line and rows of data are accepted");
+  }
+  for (std::string& name : row.fields) name = std::string(trimmed(name));
+  return std::move(row.fields);
+}
+
+void check_width(const CsvHead& csv, const CsvHead::Row& row) {
+  if (row.fields.size() == csv.header.size()) return;
+  throw InputError(csv.file + ", line " + std::to_string(row.line) + ": " +
+                   std::to_string(row.fields.size()) + " fields; " +
+                   std::to_string(csv.header.size()) + " are accepted, as in the header");
+}
+
+size_t column_index(const CsvHead& csv, std::string_view name) {
   const auto found = std::find(csv.header.begin(), csv.header.end(), name);
   if (found == csv.header.end()) {
     throw InputError(csv.file + ": no column " + quoted(name) + "; the columns are " +
@@ -150,19 +87,26 @@ size_t column_index(const Csv& csv, std::string_view name) {
   return static_cast<size_t>(found - csv.header.begin());
 }
 
+void refuse_cell(const CsvHead& csv, const CsvHead::Row& row, size_t column,
+                 std::string_view what) {
+  throw InputError(csv.file + ", line " + std::to_string(row.line) + ", column " +
+                   quoted(csv.header[column]) + ": " + quoted(row.fields[column]) +
+                   std::string(what));
+}
+
+double number(const CsvHead& csv, const CsvHead::Row& row, size_t column) {
+  const auto value = parse_field(row.fields[column]);
+  if (!value) {
+    refuse_cell(csv, row, column,
+                " is not a number that a double holds; numbers, NA and empty fields are accepted");
+  }
+  return *value;
+}
+
 std::vector<double> numbers(const Csv& csv, size_t column) {
   std::vector<double> values(csv.rows.size());
-  for (size_t i = 0; i < values.size(); ++i) {
-    const Csv::Row& row = csv.rows[i];
-    const auto value = parse_field(row.fields[column]);
-    if (!value) {
-      throw InputError(csv.file + ", line " + std::to_string(row.line) + ", column " +
-                       quoted(csv.header[column]) + ": " + quoted(row.fields[column]) +
-                       " is not a number that a double holds; numbers, NA and empty fields are"
-                       " accepted");
-    }
-    values[i] = *value;
-  }
+  std::ranges::transform(csv.rows, values.begin(),
+                         [&](const Csv::Row& row) { return number(csv, row, column); });
   return values;
 }
 

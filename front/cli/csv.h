@@ -14,13 +14,18 @@
 
 namespace qor::cli {
 
-struct Csv {
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+struct CsvHead {
   struct Row {
-    size_t line;  // where the row starts in the file, from 1
+    size_t line = 0;  // where the row starts in the file, from 1
     std::vector<std::string> fields;
   };
   std::string file;  // for messages
   std::vector<std::string> header;
+};
+
+struct Csv : CsvHead {
   std::vector<Row> rows;  // each with as many fields as the header
 };
 
@@ -28,10 +33,21 @@ Csv read_csv(const std::string& file);
 Csv parse_csv(std::string_view text, const std::string& file);
 
 // The position of a column by its name.
-size_t column_index(const Csv& csv, std::string_view name);
+size_t column_index(const CsvHead& csv, std::string_view name);
 
-// The values of a column, one per row; missing ones are quiet NaN.
+// The value of a cell; a missing one is a quiet NaN.
+double number(const CsvHead& csv, const CsvHead::Row& row, size_t column);
+
+// The values of a column, one per row.
 std::vector<double> numbers(const Csv& csv, size_t column);
+
+// What readers of rows check. The header is that of the first row, which has no fields when the
+// file is empty.
+std::vector<std::string> header_of(CsvHead::Row row, const std::string& file);
+void check_width(const CsvHead& csv, const CsvHead::Row& row);
+[[noreturn]] void refuse_unreadable(const std::string& file);  // for the reason in errno
+[[noreturn]] void refuse_cell(const CsvHead& csv, const CsvHead::Row& row, size_t column,
+                              std::string_view what);
 
 // A field as it is written: in quotes when it needs them; a number so that it reads back, NaN as
 // NA.

@@ -1,11 +1,11 @@
 // qor fit: splines through columns of a CSV file; their values, derivatives, integrals and plot.
 
 #include <algorithm>
-#include <cmath>
 
 #include "front/cli/commands.h"
 #include "front/cli/fit_plot.h"
 #include "front/cli/fit_request.h"
+#include "front/cli/json.h"
 #include "front/cli/text.h"
 
 namespace qor::cli {
@@ -91,28 +91,6 @@ std::string csv_of(const Fit& fit) {
 }
 
 // ---- JSON -----------------------------------------------------------------------------------
-
-std::string json_text(std::string_view text) {
-  std::string result = "\"";
-  for (const char c : text) {
-    const auto code = static_cast<unsigned char>(c);
-    if (c == '"' || c == '\\') result += '\\';
-    result += code < 0x20 ? format("\\u%04x", code) : std::string(1, c);
-  }
-  return result + '"';
-}
-
-// What is not finite has no number in JSON.
-std::string json_number(double value) { return std::isfinite(value) ? shortest(value) : "null"; }
-
-std::string json_numbers(std::span<const double> values) {
-  std::string text = "[";
-  for (const double& value : values) {
-    if (&value != values.data()) text += ", ";
-    text += json_number(value);
-  }
-  return text + "]";
-}
 
 std::string json_of_column(const Fit& fit, size_t i) {
   const FitRequest& request = fit.request;

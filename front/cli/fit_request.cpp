@@ -69,15 +69,6 @@ std::vector<int64_t> derivative_orders(const std::string& text) {
 
 // ---- Columns --------------------------------------------------------------------------------
 
-std::string list_of_lines(const std::vector<size_t>& lines) {
-  constexpr size_t kMost = 8;
-  std::string text = lines.size() == 1 ? "line " : "lines ";
-  for (size_t i = 0; i < std::min(lines.size(), kMost); ++i) {
-    text += (i > 0 ? ", " : "") + std::to_string(lines[i]);
-  }
-  return lines.size() > kMost ? text + ", ..." : text;
-}
-
 void require_finite(const Csv& csv, size_t row, const std::string& column, double value) {
   if (std::isfinite(value)) return;
   throw InputError(csv.file + format(", line %zu, column ", csv.rows[row].line) + quoted(column) +
@@ -123,12 +114,6 @@ Points points_of(const Csv& csv, const ColumnNames& names, std::string& notes) {
   return points;
 }
 
-std::vector<std::string> column_names(const std::string& text) {
-  std::vector<std::string> names;
-  for (const std::string& name : split(text, ',')) names.emplace_back(trimmed(name));
-  return names;
-}
-
 std::vector<Points> read_columns(const Arguments& arguments, const Csv& csv, bool hermite,
                                  std::string& notes) {
   const std::string slopes = arguments.option("--slopes", "");
@@ -138,8 +123,8 @@ std::vector<Points> read_columns(const Arguments& arguments, const Csv& csv, boo
                              : "--slopes: " + quoted(slopes) +
                                    "; only --spline hermite takes first derivatives");
   }
-  const std::vector<std::string> names = column_names(arguments.option("--y", ""));
-  const std::vector<std::string> of_slopes = column_names(slopes);
+  const std::vector<std::string> names = trimmed_parts(arguments.option("--y", ""));
+  const std::vector<std::string> of_slopes = trimmed_parts(slopes);
   if (hermite && of_slopes.size() != names.size()) {
     refuse("--slopes", slopes, format("%zu columns are accepted, as of --y", names.size()));
   }

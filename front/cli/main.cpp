@@ -19,10 +19,7 @@ constexpr int kBadInput = 2;
 constexpr int kFailed = 1;
 
 const Command* const kCommands[] = {
-    &tour_command,
-    &map_command,
-    &random_command,
-    &fit_command,
+    &tour_command, &map_command, &random_command, &fit_command, &stats_command,
 };
 
 std::string overview() {

@@ -51,6 +51,20 @@ std::vector<std::string> split(std::string_view text, char separator) {
   return parts;
 }
 
+std::vector<std::string> trimmed_parts(std::string_view text) {
+  std::vector<std::string> parts = split(text, ',');
+  for (std::string& part : parts) part = std::string(trimmed(part));
+  return parts;
+}
+
+std::string list_of_lines(const std::vector<size_t>& lines) {
+  std::string text = lines.size() == 1 ? "line " : "lines ";
+  for (size_t i = 0; i < std::min(lines.size(), kMostLines); ++i) {
+    text += (i > 0 ? ", " : "") + std::to_string(lines[i]);
+  }
+  return lines.size() > kMostLines ? text + ", ..." : text;
+}
+
 std::string shortest(double value) {
   if (std::isnan(value)) return "NaN";
   char digits[32];

@@ -14,6 +14,11 @@ std::string_view trimmed(std::string_view text);
 std::string quoted(std::string_view text);  // in double quotes, control characters as \xNN
 std::string joined(std::span<const std::string> items);
 std::vector<std::string> split(std::string_view text, char separator);
+std::vector<std::string> trimmed_parts(std::string_view text);  // between commas
+
+// "line 3", "lines 3, 5"; behind so many of them, "...".
+inline constexpr size_t kMostLines = 8;
+std::string list_of_lines(const std::vector<size_t>& lines);
 
 // A number with the fewest digits that read back as the same double; NaN without a sign.
 std::string shortest(double value);

@@ -97,7 +97,7 @@ TEST_F(Command, BadInputIsNamedAndNothingIsWritten) {
   const std::string text = file("text.csv", "a,b\n1,2\n3,four\n");
   const Refused calls[] = {
       {"", {"a command is missing", "map", "tour"}},
-      {"mop", {"\"mop\"", "tour, map, random, fit"}},
+      {"mop", {"\"mop\"", "tour, map, random, fit, stats"}},
       {"map exp /no/such.csv", {"/no/such.csv", "No such file"}},
       {"map exp " + folder_.string(), {folder_.string(), "directory"}},
       {"map exp " + kAir + " --columns Ozone,Rain", {"\"Rain\"", "Ozone, Solar.R, Wind"}},
