@@ -13,6 +13,7 @@
 #include "front/cli/kernel_figures.h"
 #include "front/cli/text.h"
 #include "front/cli/tour_fitting.h"
+#include "front/cli/tour_statistics.h"
 #include "front/cli/tour_streams.h"
 #include "front/cpp/qor.hpp"
 
@@ -172,7 +173,8 @@ void run(const Arguments& arguments, Output& output) {
   const std::string plots = arguments.option("--plots", "");
   output.out = "qor_ark_base " QOR_VERSION "\n  library  " + library_file() + "\n  data     " +
                folder + "\n\n" + markets(folder) + errors(folder) +
-               tour_fitting(folder, plots, output) + tour_of_streams() + kernels();
+               tour_fitting(folder, plots, output) + tour_of_statistics(folder) +
+               tour_of_streams() + kernels();
 }
 
 }  // namespace

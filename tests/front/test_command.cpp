@@ -67,10 +67,26 @@ TEST_F(Command, TourShowsEverySection) {
   const Result result = run("tour --plots " + folder_.string());
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(result.err, "");
-  for (const char* text :
-       {"1860 daily closes", "DAX", "336.07", "153 days", "Ln(Ozone)", "nothing",
-        "70 domain, 11 singularity", "MRG32K3A", "when loaded", "overflow", "underflow",
-        "worst ulp", "dExp ", "dLog1p ", "468 months", "316.77", "boils at 356.7 degrees"}) {
+  for (const char* text : {"1860 daily closes",
+                           "DAX",
+                           "336.07",
+                           "153 days",
+                           "Ln(Ozone)",
+                           "nothing",
+                           "70 domain, 11 singularity",
+                           "MRG32K3A",
+                           "when loaded",
+                           "overflow",
+                           "underflow",
+                           "worst ulp",
+                           "dExp ",
+                           "dLog1p ",
+                           "468 months",
+                           "316.77",
+                           "boils at 356.7 degrees",
+                           "iris Petal.Length",
+                           "numacc4",
+                           "10000000.2"}) {
     EXPECT_NE(result.out.find(text), std::string::npos) << text << " in\n" << result.out;
   }
   for (const char* plot : {"qor_tour_co2.svg", "qor_tour_mercury.svg"}) {
