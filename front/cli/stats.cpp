@@ -104,8 +104,9 @@ std::string more_help() {
       "\nof their squares: n - 1 without weights. Kurtosis is the excess over the normal's;"
       "\nvariation is deviation by mean. What the data do not determine is NA (null in JSON)."
       "\none-pass keeps its digits for data far from zero; fast adds powers, and suits data around"
-      "\nit. Quantiles are values of the file, off by at most %g of the number of observations in"
-      "\ntheir order, or by less than one place. In CSV an empty line comes before the covariances."
+      "\nit. A quantile of order q is the value at place q (n - 1), rounded, of the n sorted ones,"
+      "\noff by at most %g n places, or by less than one. In CSV an empty line comes before the"
+      "\ncovariances."
       "\n",
       Summary::kQuantileError);
 }

@@ -33,7 +33,8 @@ void check(int32_t status) {
 Summary::Summary(size_t variables, Wanted wanted)
     : variables_(static_cast<int64_t>(variables)),
       wanted_(std::move(wanted)),
-      order_count_(static_cast<int64_t>(wanted_.quantile_orders.size())) {
+      orders_(wanted_.quantile_orders),
+      order_count_(static_cast<int64_t>(orders_.size())) {
   SummaryFigures& f = figures_;
   for (std::vector<double>* array :
        {&f.mean, &f.skewness, &f.kurtosis, &f.variation, &raw_[0], &raw_[1], &raw_[2], &central_[0],
@@ -42,7 +43,7 @@ Summary::Summary(size_t variables, Wanted wanted)
   }
   f.minimum.assign(variables, kInfinity);
   f.maximum.assign(variables, -kInfinity);
-  f.quantiles.resize(variables * wanted_.quantile_orders.size());
+  f.quantiles.resize(variables * orders_.size());
   if (wanted_.covariance) f.covariance.resize(variables * variables);
   SsTask* task = nullptr;
   check(__ostdSSNewTask(&task, &variables_, nullptr, &kByObservation, nullptr, nullptr, nullptr,
@@ -72,7 +73,7 @@ void Summary::register_arrays() {
     check(__ostiSSEditTask(task, QOR_SS_COV_STORAGE, &kFull));
   }
   if (order_count_ > 0) {
-    check(__ostdSSEditStreamQuantiles(task, &order_count_, wanted_.quantile_orders.data(),
+    check(__ostdSSEditStreamQuantiles(task, &order_count_, orders_.data(),
                                       figures_.quantiles.data(), &kOne, &quantile_error_));
   }
 }
@@ -100,7 +101,17 @@ void Summary::take_quantiles(uint64_t method) {
                                lent_threads(wanted_.threads)));
 }
 
+// The library answers order q by the value of rank q n, rounded down, counted from 1.
+void Summary::set_places() {
+  const auto n = static_cast<double>(figures_.observations);
+  std::ranges::transform(wanted_.quantile_orders, orders_.begin(), [n](double order) {
+    constexpr double kClearOfRounding = 0.25;
+    return std::min(1.0, (std::round(order * (n - 1)) + 1 + kClearOfRounding) / n);
+  });
+}
+
 SummaryFigures Summary::figures() {
+  if (figures_.observations > 0) set_places();
   count_ = 0;
   take_quantiles(QOR_SS_METHOD_STREAM_ANSWER);
   figures_.weight = weights_[0];

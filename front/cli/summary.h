@@ -21,7 +21,8 @@ struct SummaryFigures {
 
 class Summary {
  public:
-  // How far off a quantile may be, as a share of the number of observations.
+  // A quantile of order q is the value at place q(n - 1), rounded, among the sorted ones, counted
+  // from 0; off by at most this share of n places, or by less than one.
   static constexpr double kQuantileError = 1e-4;
 
   struct Wanted {
@@ -45,9 +46,11 @@ class Summary {
 
   void register_arrays();
   void take_quantiles(uint64_t method);
+  void set_places();
 
   int64_t variables_, count_ = 0;  // of observations in the block
   Wanted wanted_;
+  std::vector<double> orders_;  // as the library counts
   int64_t order_count_;
   SummaryFigures figures_;
   std::vector<double> raw_[3], central_[3];  // 2 to 4
