@@ -75,8 +75,9 @@ std::optional<double> parse_number(std::string_view text) {
   text = trimmed(text);
   if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
   double value;
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  const char* const start = text.data();
+  const char* const end = start + text.size();
+  const auto [stop, error] = std::from_chars(start, end, value);
   if (error != std::errc{} || stop != end || std::isnan(value)) return std::nullopt;
   return value;
 }

@@ -15,6 +15,7 @@ SummaryFigures describe(const std::string& file, const std::vector<std::string>&
                         const Summary::Wanted& wanted) {
   CsvReader csv(file);
   std::vector<size_t> columns;
+  columns.reserve(names.size());
   for (const std::string& name : names) columns.push_back(column_index(csv.head(), name));
   Summary summary(columns.size(), wanted);
   ObservationReader reader(csv, columns, std::nullopt);
