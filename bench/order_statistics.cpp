@@ -16,10 +16,13 @@
 #include <vector>
 
 #include "qor/statistics.h"
+#include "tests/support/statistics_entries.h"
 #include "tools/levels.h"
 #include "tools/section.h"
 
 namespace {
+
+using qor::test::Api;
 
 constexpr double kOrders[] = {0.05, 0.25, 0.5, 0.75, 0.95};
 constexpr int64_t kOrderCount = std::size(kOrders);
@@ -38,31 +41,6 @@ double least_time(Function function, int repetitions) {
   }
   return least;
 }
-
-template <class Real>
-struct Api;
-template <>
-struct Api<double> {
-  static constexpr auto new_task = __ostdSSNewTask;
-  static constexpr auto edit = __ostdSSEditTask;
-  static constexpr auto edit_quantiles = __ostdSSEditQuantiles;
-  static constexpr auto edit_stream = __ostdSSEditStreamQuantiles;
-  static constexpr auto quantiles = _ostdSSQuantiles;
-  static constexpr auto stream_quantiles = _ostdSSStreamQuantiles;
-  static constexpr auto sort = _ostdSSSort;
-  static constexpr auto min_max = _ostdSSMinmax;
-};
-template <>
-struct Api<float> {
-  static constexpr auto new_task = __ostsSSNewTask;
-  static constexpr auto edit = __ostsSSEditTask;
-  static constexpr auto edit_quantiles = __ostsSSEditQuantiles;
-  static constexpr auto edit_stream = __ostsSSEditStreamQuantiles;
-  static constexpr auto quantiles = _ostsSSQuantiles;
-  static constexpr auto stream_quantiles = _ostsSSStreamQuantiles;
-  static constexpr auto sort = _ostsSSSort;
-  static constexpr auto min_max = _ostsSSMinmax;
-};
 
 template <class Real>
 const char* precision() {
