@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "bench/fitting/cases.h"
-#include "tools/levels.h"
+#include "bench/run_levels.h"
 #include "tools/section.h"
 
 namespace {
@@ -70,16 +70,12 @@ void add_lines(const std::vector<std::string>& lines, Times& times) {
   }
 }
 
-void run_level(std::vector<std::string> words) {
-  words.insert(words.begin(), {"bench_fitting", "--benchmark_enable_random_interleaving=true",
-                               "--benchmark_repetitions=5", "--benchmark_min_time=0.02"});
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  int count = static_cast<int>(arguments.size());
+void run_level(const std::vector<std::string>& passed_on) {
+  std::vector<std::string> words{"--benchmark_repetitions=5", "--benchmark_min_time=0.02"};
+  words.insert(words.end(), passed_on.begin(), passed_on.end());
   qor::bench::register_cases();
-  benchmark::Initialize(&count, arguments.data());
   LeastTimes least;
-  benchmark::RunSpecifiedBenchmarks(&least);
+  qor::bench::run_registered(words, least);
   for (const auto& [what, libraries] : least.times) {
     for (const auto& [library, time] : libraries) {
       std::printf("%s|%s|%.4g\n", what.c_str(), library.c_str(), time);
@@ -145,36 +141,21 @@ std::string growth(const std::map<std::string, Times>& levels) {
 }  // namespace
 
 int main(int count, char** words) {
-  std::string page, folder = QOR_BUILD_LEVELS, python = "python3", level;
-  std::vector<std::string> passed_on;
-  for (int i = 1; i < count; ++i) {
-    const std::string word = words[i];
-    std::string* value = word == "--write"    ? &page
-                         : word == "--levels" ? &folder
-                         : word == "--python" ? &python
-                         : word == "--level"  ? &level
-                                              : nullptr;
-    if (value == nullptr) {
-      passed_on.push_back(word);
-    } else if (++i < count) {
-      *value = words[i];
-    }
-  }
-  if (!level.empty()) {
-    run_level(passed_on);
+  std::string python = "python3";
+  const qor::bench::Options options = qor::bench::parse(count, words, {{"--python", &python}});
+  if (!options.level.empty()) {
+    run_level(options.passed_on);
     return 0;
   }
   std::map<std::string, Times> levels;
   const std::vector<std::string> scipy = scipy_lines(python);
-  for (const std::string& each : qor::tools::runnable_levels(folder)) {
-    std::vector<std::string> arguments = passed_on;
-    arguments.insert(arguments.end(), {"--level", each});
-    add_lines(qor::tools::run_on_level(folder, each, arguments), levels[each]);
-    add_lines(scipy, levels[each]);
-  }
+  qor::bench::run_on_levels(options, [&](const std::string& level, const auto& lines) {
+    add_lines(lines, levels[level]);
+    add_lines(scipy, levels[level]);
+  });
   if (levels.empty()) return 0;
   const std::string text = kHead + comparison(levels) + kGrowthHead + growth(levels);
   std::fputs(text.c_str(), stdout);
-  if (!page.empty()) qor::tools::write_section(page, "Fitting", text);
+  if (!options.page.empty()) qor::tools::write_section(options.page, "Fitting", text);
   return 0;
 }

@@ -15,9 +15,9 @@
 #include <string>
 #include <vector>
 
+#include "bench/run_levels.h"
 #include "qor/statistics.h"
 #include "tests/support/statistics_entries.h"
-#include "tools/levels.h"
 #include "tools/section.h"
 
 namespace {
@@ -218,24 +218,16 @@ constexpr const char* kHead =
 }  // namespace
 
 int main(int count, char** words) {
-  std::string levels = QOR_BUILD_LEVELS, page;
-  for (int i = 1; i + 1 < count; i += 2) {
-    const std::string option = words[i];
-    if (option == "--level") {
-      run_level(words[i + 1]);
-      return 0;
-    }
-    if (option == "--levels") levels = words[i + 1];
-    if (option == "--write") page = words[i + 1];
+  const qor::bench::Options options = qor::bench::parse(count, words);
+  if (!options.level.empty()) {
+    run_level(options.level);
+    return 0;
   }
   std::string text = kHead;
-  std::fputs(kHead, stdout);
-  for (const std::string& level : qor::tools::runnable_levels(levels)) {
-    for (const std::string& line : qor::tools::run_on_level(levels, level, {"--level", level})) {
-      std::puts(line.c_str());
-      text += line + "\n";
-    }
-  }
-  if (!page.empty()) qor::tools::write_section(page, "Order statistics", text);
+  qor::bench::run_on_levels(options, [&](const std::string&, const auto& lines) {
+    for (const std::string& line : lines) text += line + "\n";
+  });
+  std::fputs(text.c_str(), stdout);
+  if (!options.page.empty()) qor::tools::write_section(options.page, "Order statistics", text);
   return 0;
 }

@@ -4,15 +4,14 @@
 //
 // Runs itself on each level's library and prints a line per function and increment.
 
-#include <cstring>
-
 #include "bench/least_times.h"
+#include "bench/run_levels.h"
 #include "qor/vector_math.h"
-#include "tools/levels.h"
 #include "tools/section.h"
 
 namespace {
 
+using qor::bench::add;
 using qor::bench::LeastTimes;
 using qor::bench::number;
 
@@ -28,8 +27,6 @@ least of several repetitions, taken in turns.
 constexpr int64_t kCount = 1024;
 constexpr int64_t kIncrements[] = {2, 3, 7, -1};
 constexpr int32_t k64Bits = 0;  // the flag of 64-bit counts and increments
-constexpr int kRepetitions = 60;
-constexpr double kSeconds = 0.0003;
 
 template <class T>
 using Pack = void (*)(int64_t n, const T* a, int64_t inca, T* y, int32_t flag);
@@ -43,19 +40,6 @@ template <class T>
 template <class T>
 [[gnu::noinline]] void plain_unpack(int64_t n, const T* a, T* __restrict__ y, int64_t incy) {
   for (int64_t i = 0; i < n; ++i) y[i * incy] = a[i];
-}
-
-template <class Run>
-void add(const std::string& name, Run run) {
-  benchmark::RegisterBenchmark(name.c_str(),
-                               [run](benchmark::State& state) {
-                                 for (auto _ : state) {
-                                   run();
-                                   benchmark::ClobberMemory();
-                                 }
-                               })
-      ->MinTime(kSeconds)
-      ->Repetitions(kRepetitions);
 }
 
 std::string name_of(const std::string& function, int64_t increment, const char* who) {
@@ -86,18 +70,17 @@ void add_type(const std::string& letter, Pack<T> pack, Unpack<T> unpack) {
   }
 }
 
-void run_level(int count, char** words, const std::string& level) {
-  benchmark::Initialize(&count, words);
+void run_level(const qor::bench::Options& options) {
   add_type("s", qor_ark_kernel_sPackI_ttab[1], qor_ark_kernel_sUnpackI_ttab[1]);
   add_type("d", qor_ark_kernel_dPackI_ttab[1], qor_ark_kernel_dUnpackI_ttab[1]);
   add_type("c", qor_ark_kernel_cPackI_ttab[1], qor_ark_kernel_cUnpackI_ttab[1]);
   add_type("z", qor_ark_kernel_zPackI_ttab[1], qor_ark_kernel_zUnpackI_ttab[1]);
   LeastTimes times;
-  benchmark::RunSpecifiedBenchmarks(&times);
+  qor::bench::run_registered(options.passed_on, times);
   for (const char* letter : {"s", "d", "c", "z"}) {
     for (const char* base : {"PackI", "UnpackI"}) {
       const std::string function = std::string(letter) + base;
-      std::printf("| %s | %s |", function.c_str(), level.c_str());
+      std::printf("| %s | %s |", function.c_str(), options.level.c_str());
       for (const int64_t inc : kIncrements) {
         const double ratio =
             times.of(name_of(function, inc, "plain")) / times.of(name_of(function, inc, "ours"));
@@ -111,30 +94,16 @@ void run_level(int count, char** words, const std::string& level) {
 }  // namespace
 
 int main(int count, char** words) {
-  std::string page, levels = QOR_BUILD_LEVELS;
-  std::vector<char*> passed_on{words[0]};
-  for (int i = 1; i < count; ++i) {
-    if (i + 1 < count && std::strcmp(words[i], "--write") == 0) {
-      page = words[++i];
-    } else if (i + 1 < count && std::strcmp(words[i], "--levels") == 0) {
-      levels = words[++i];
-    } else if (i + 1 < count && std::strcmp(words[i], "--level") == 0) {
-      run_level(static_cast<int>(passed_on.size()), passed_on.data(), words[i + 1]);
-      return 0;
-    } else {
-      passed_on.push_back(words[i]);
-    }
+  const qor::bench::Options options = qor::bench::parse(count, words);
+  if (!options.level.empty()) {
+    run_level(options);
+    return 0;
   }
   std::string text = kHead;
-  for (const std::string& level : qor::tools::runnable_levels(levels)) {
-    std::vector<std::string> arguments(passed_on.begin() + 1, passed_on.end());
-    arguments.insert(arguments.end(),
-                     {"--benchmark_enable_random_interleaving=true", "--level", level});
-    for (const std::string& line : qor::tools::run_on_level(levels, level, arguments)) {
-      std::printf("%s\n", line.c_str());
-      text.append(line).append("\n");
-    }
-  }
-  if (!page.empty()) qor::tools::write_section(page, "Pack and unpack", text);
+  qor::bench::run_on_levels(options, [&](const std::string&, const auto& lines) {
+    for (const std::string& line : lines) text.append(line).append("\n");
+  });
+  std::fputs(text.c_str(), stdout);
+  if (!options.page.empty()) qor::tools::write_section(options.page, "Pack and unpack", text);
   return 0;
 }

@@ -12,7 +12,7 @@
 #include <random>
 
 #include "bench/least_times.h"
-#include "tools/levels.h"
+#include "bench/run_levels.h"
 #include "tools/section.h"
 
 #if __has_include(<gsl/gsl_rng.h>)
@@ -26,6 +26,7 @@
 
 namespace {
 
+using qor::bench::add;
 using qor::bench::LeastTimes;
 using qor::bench::number;
 
@@ -51,8 +52,6 @@ Nanoseconds that a stream costs to make and delete, and to move on by 2^62 outpu
 
 constexpr int32_t kCount = 1'000'000;
 constexpr int32_t kScalarCall = 8;
-constexpr int kRepetitions = 40;
-constexpr double kSeconds = 0.0005;  // of a repetition: short, so that some are undisturbed
 
 struct Named {
   const char* name;
@@ -71,21 +70,6 @@ StreamState* new_stream(int32_t brng) {
   StreamState* stream = nullptr;
   if (__ostNewStreamEx(&stream, brng, 1, &seed) != 0) std::abort();
   return stream;
-}
-
-// Repetitions take turns, so each begins with a run that is not counted.
-template <class Run>
-void add(const std::string& name, Run run) {
-  benchmark::RegisterBenchmark(name.c_str(),
-                               [run](benchmark::State& state) {
-                                 run();
-                                 for (auto _ : state) {
-                                   run();
-                                   benchmark::ClobberMemory();
-                                 }
-                               })
-      ->MinTime(kSeconds)
-      ->Repetitions(kRepetitions);
 }
 
 // The array that all fill; a word has up to 16 bytes.
@@ -207,59 +191,29 @@ void print_lines(const std::string& level, const LeastTimes& times) {
   }
 }
 
-struct Options {
-  std::string page, levels = QOR_BUILD_LEVELS, level;
-  std::vector<std::string> passed_on;
-};
-
-Options parse(int count, char** words) {
-  Options options;
-  for (int i = 1; i < count; ++i) {
-    const std::string word = words[i];
-    std::string* const value = word == "--write"    ? &options.page
-                               : word == "--levels" ? &options.levels
-                               : word == "--level"  ? &options.level
-                                                    : nullptr;
-    if (value != nullptr && i + 1 < count) {
-      *value = words[++i];
-    } else {
-      options.passed_on.push_back(word);
-    }
-  }
-  return options;
-}
-
-void run_level(const Options& options) {
-  std::vector<std::string> words{"bench_streams", "--benchmark_enable_random_interleaving=true"};
-  words.insert(words.end(), options.passed_on.begin(), options.passed_on.end());
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  int count = static_cast<int>(arguments.size());
-  benchmark::Initialize(&count, arguments.data());
+void run_level(const qor::bench::Options& options) {
   add_all();
   LeastTimes times;
-  benchmark::RunSpecifiedBenchmarks(&times);
+  qor::bench::run_registered(options.passed_on, times);
   print_lines(options.level, times);
 }
 
 }  // namespace
 
 int main(int count, char** words) {
-  const Options options = parse(count, words);
+  const qor::bench::Options options = qor::bench::parse(count, words);
   if (!options.level.empty()) {
     run_level(options);
     return 0;
   }
   const std::string mark = "services ";
   std::string outputs = kHead, services = kServices;
-  for (const std::string& level : qor::tools::runnable_levels(options.levels)) {
-    std::vector<std::string> arguments = options.passed_on;
-    arguments.insert(arguments.end(), {"--level", level});
-    for (const std::string& line : qor::tools::run_on_level(options.levels, level, arguments)) {
+  qor::bench::run_on_levels(options, [&](const std::string&, const auto& lines) {
+    for (const std::string& line : lines) {
       const bool service = line.starts_with(mark);
       (service ? services : outputs) += (service ? line.substr(mark.size()) : line) + "\n";
     }
-  }
+  });
   std::printf("%s%s", outputs.c_str(), services.c_str());
   if (!options.page.empty()) {
     qor::tools::write_section(options.page, "Random streams", outputs + services);

@@ -1,8 +1,7 @@
 // Every kernel of the row list against every peer found, in the same run.
 //
-//   bench_vector_math [--write docs/performance.md] [--only sExp,dLn] [--levels
-//   build/release/levels]
-//                     [--benchmark_...]
+//   bench_vector_math [--write docs/performance.md] [--levels build/release/levels]
+//                     [--only sExp,dLn] [--benchmark_...]
 //
 // Runs itself on each level's library and prints a line per function and kernel: times of peers
 // divided by ours, the least of several repetitions each, in turns.
@@ -15,16 +14,18 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <set>
 #include <sstream>
 
 #include "bench/least_times.h"
+#include "bench/run_levels.h"
 #include "bench/vector_math/peers.h"
 #include "tests/support/evaluate.h"
-#include "tools/levels.h"
 #include "tools/page.h"
 
 namespace {
 
+using qor::bench::add;
 using qor::bench::LeastTimes;
 using qor::bench::number;
 using qor::test::Call;
@@ -50,8 +51,6 @@ const PageLine kTitles = {"function", "kernel",   "level", "libm",       "libmve
 
 constexpr size_t kCount = 1024;
 constexpr size_t kLong = size_t{1} << 20;
-constexpr int kRepetitions = 40;
-constexpr double kSeconds = 0.0005;  // of a repetition: short, so that some are undisturbed
 
 // Vectors that a benchmark works on; they live as long as the program.
 template <class T>
@@ -68,23 +67,6 @@ struct Vectors {
     }
   }
 };
-
-// Repetitions of different benchmarks take turns, so each prepares what it works on, and begins
-// with a run that is not counted.
-template <class Prepare, class Run>
-void add(const std::string& name, Prepare prepare, Run run) {
-  benchmark::RegisterBenchmark(name.c_str(),
-                               [prepare, run](benchmark::State& state) {
-                                 const auto call = prepare();
-                                 run(call);
-                                 for (auto _ : state) {
-                                   run(call);
-                                   benchmark::ClobberMemory();
-                                 }
-                               })
-      ->MinTime(kSeconds)
-      ->Repetitions(kRepetitions);
-}
 
 // Names of benchmarks: the function, the slot, and who runs.
 template <class T>
@@ -164,79 +146,44 @@ void print_lines(const Row<T>& row, const std::string& level, const LeastTimes& 
   }
 }
 
-struct Options {
-  std::vector<std::string> only, passed_on;
-  std::string page, levels = QOR_BUILD_LEVELS, level;
-};
-
-Options parse(int count, char** words) {
-  Options options;
-  for (int i = 1; i < count; ++i) {
-    const std::string word = words[i];
-    const bool has_value = i + 1 < count;
-    if (has_value && word == "--write") {
-      options.page = words[++i];
-    } else if (has_value && word == "--levels") {
-      options.levels = words[++i];
-    } else if (has_value && word == "--level") {
-      options.level = words[++i];
-    } else {
-      options.passed_on.push_back(word);
-      if (has_value && word == "--only") {
-        std::istringstream names(options.passed_on.emplace_back(words[++i]));
-        for (std::string name; std::getline(names, name, ',');) options.only.push_back(name);
-      }
-    }
-  }
-  return options;
-}
-
-void run_level(const Options& options) {
-  std::vector<std::string> words{"bench_vector_math",
-                                 "--benchmark_enable_random_interleaving=true"};
-  for (const std::string& word : options.passed_on) {
-    if (word.starts_with("--benchmark")) words.push_back(word);
-  }
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  int count = static_cast<int>(arguments.size());
-  benchmark::Initialize(&count, arguments.data());
+void run_level(const qor::bench::Options& options, const std::string& only) {
   _arkSetMode(QOR_MODE_ERRORS_IGNORE);
+  std::set<std::string> names;
+  std::istringstream list(only);
+  for (std::string name; std::getline(list, name, ',');) names.insert(name);
   const auto for_all = [&](auto action) {
     for (const auto& any : qor::test::rows()) {
       std::visit(
           [&](const auto& row) {
-            if (options.only.empty() || std::ranges::count(options.only, row.name()) != 0) {
-              action(row);
-            }
+            if (only.empty() || names.contains(row.name())) action(row);
           },
           any);
     }
   };
   for_all([&](const auto& row) { add_row(row, options.level); });
   LeastTimes times;
-  benchmark::RunSpecifiedBenchmarks(&times);
+  qor::bench::run_registered(options.passed_on, times);
   for_all([&](const auto& row) { print_lines(row, options.level, times); });
 }
 
 }  // namespace
 
 int main(int count, char** words) {
-  const Options options = parse(count, words);
+  std::string only;
+  qor::bench::Options options = qor::bench::parse(count, words, {{"--only", &only}});
   if (!options.level.empty()) {
-    run_level(options);
+    run_level(options, only);
     return 0;
   }
+  if (!only.empty()) options.passed_on.insert(options.passed_on.end(), {"--only", only});
   std::vector<PageLine> lines;
   std::printf("%s\n", qor::tools::to_text(kTitles).c_str());
-  for (const std::string& level : qor::tools::runnable_levels(options.levels)) {
-    std::vector<std::string> arguments = options.passed_on;
-    arguments.insert(arguments.end(), {"--level", level});
-    for (const std::string& text : qor::tools::run_on_level(options.levels, level, arguments)) {
+  qor::bench::run_on_levels(options, [&](const std::string&, const auto& texts) {
+    for (const std::string& text : texts) {
       std::printf("%s\n", text.c_str());
       lines.push_back(qor::tools::from_text(text));
     }
-  }
+  });
   if (options.page.empty()) return 0;
   qor::tools::write_page(options.page, "Vector math", kHead, kTitles, lines,
                          [](const PageLine&, const PageLine&) { return true; });

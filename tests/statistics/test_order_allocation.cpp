@@ -95,11 +95,3 @@ TYPED_TEST(OrderAllocation, OfStreams) {
 
 }  // namespace
 }  // namespace qor::test
-
-// A sanitizer's allocator answers for sizes beyond memory as the system's does.
-extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() {
-  return "allocator_may_return_null=1";
-}
-extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options() {
-  return "allocator_may_return_null=1";
-}

@@ -70,4 +70,12 @@ __attribute__((visibility("default"))) void qor_serv_print(int level, int messag
   messages.push_back({level, message, count});
 }
 
+// A sanitizer's allocator answers for sizes beyond memory as the system's does.
+__attribute__((visibility("default"))) const char* __asan_default_options() {
+  return "allocator_may_return_null=1";
+}
+__attribute__((visibility("default"))) const char* __tsan_default_options() {
+  return "allocator_may_return_null=1";
+}
+
 }  // extern "C"
