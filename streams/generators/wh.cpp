@@ -141,11 +141,22 @@ void step(State& state, const Constants& c) {
     state.x[j] = static_cast<uint32_t>(multiply<double>(state.x[j], c.a[j], c.m[j], c.r[j]));
 }
 
+// The state of a stream. A loaded image may hold any words; the arithmetic counts on residues.
+State& residues_of(StreamState* stream) {
+  auto& state = state_of<State>(stream);
+  const auto& m = wh_rows[static_cast<size_t>(member_of(stream))].m;
+  for (int j = 0; j < 4; ++j) {
+    if (state.x[j] >= m[j]) state.x[j] %= m[j];
+    if (state.a[j] >= m[j]) state.a[j] %= m[j];
+  }
+  return state;
+}
+
 // Shorter calls, and those in another rounding mode, run step by step.
 bool runs_in_blocks(int32_t n) { return n >= 2 * kSteps && has_usual_environment(); }
 
 void fill_words(StreamState* stream, int32_t n, void* r) {
-  auto& state = state_of<State>(stream);
+  State& state = residues_of(stream);
   const Constants c(state, member_of(stream));
   using Words = std::array<uint32_t, 4>;
   int32_t i = 0;
@@ -162,7 +173,7 @@ void fill_words(StreamState* stream, int32_t n, void* r) {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  auto& state = state_of<State>(stream);
+  State& state = residues_of(stream);
   const Constants c(state, member_of(stream));
   const double scale = b - a;
   int32_t i = 0;
