@@ -2,6 +2,7 @@
 // exponentials.
 
 #include <array>
+#include <bit>
 
 #include "tools/polynomial.h"
 #include "tools/table_writer.h"
@@ -42,6 +43,22 @@ void print_sixteenths(const char* type, const char* high, const char* low) {
   std::printf("\n// 2^(j/16): the nearest %s, and the %s nearest to the rest.\n", type, type);
   qor::tools::print_array(high, numbers[0]);
   qor::tools::print_array(low, numbers[1]);
+}
+
+// 2^(j/16) less j sixteenths of a binary order in its image, which then takes k << 19 for k = 16 n
+// + j to become 2^(k/16); and the rest divided by the power.
+void print_sixteenths_for_images() {
+  std::vector<float> bases, rests;
+  for (int j = 0; j < 16; ++j) {
+    const Real value = power_of_two(j, 16);
+    const float high = nearest<float>(value);
+    bases.push_back(std::bit_cast<float>(std::bit_cast<int32_t>(high) - (j << 19)));
+    rests.push_back(nearest<float>((value - Real(static_cast<double>(high))) / value));
+  }
+  std::printf(
+      "\n// Of 2^(j/16): the image of the nearest float less j << 19; the rest, relative.\n");
+  qor::tools::print_array("exp2_float_16_bases", bases);
+  qor::tools::print_array("exp2_float_16_rests", rests);
 }
 
 // The first 32 bits of 2^(j / 128), and the rest.
@@ -119,6 +136,7 @@ int main() {
   print_table("2^(j/128): the nearest float, and the float nearest to the rest.", "Row<float>",
               "exp2_float_128", 128, [](int j) { return parts<float>(j, 128); });
   print_sixteenths<float>("float", "exp2_float_16_high", "exp2_float_16_low");
+  print_sixteenths_for_images();
   print_sixteenths<double>("double", "exp2_double_16_high", "exp2_double_16_low");
   print_table("2^(j/64): the nearest double, and the double nearest to the rest.", "Row<double>",
               "exp2_double_64", 64, [](int j) { return parts<double>(j, 64); });
