@@ -8,19 +8,20 @@ namespace {
 template <class Real>
 class OrderChecks : public Checks<Real> {
  protected:
-  using C = Checks<Real>;
-  using Faults = std::vector<typename C::Fault>;
+  using Base = Checks<Real>;
+  using List = std::vector<typename Base::Fault>;
 
   // Where a storage word must be there and hold one of two bits.
-  static Faults storage_faults(const void* SsTask::*word) {
-    return {C::none(word, -4044), C::bad(word, 4, -4003)};
+  static List storage_faults(const void* SsTask::*word) {
+    return {Base::none(word, -4044), Base::bad(word, 4, -4003)};
   }
-  static Faults data_faults() {
-    return {C::none(&SsTask::n, -4002), C::bad(&SsTask::n, 0, -4002), C::none(&SsTask::x, -4032)};
+  static List data_faults() {
+    return {Base::none(&SsTask::n, -4002), Base::bad(&SsTask::n, 0, -4002),
+            Base::none(&SsTask::x, -4032)};
   }
-  static Faults in_order(std::initializer_list<Faults> parts) {
-    Faults all;
-    for (const Faults& part : parts) all.insert(all.end(), part.begin(), part.end());
+  static List in_order(std::initializer_list<List> parts) {
+    List all;
+    for (const List& part : parts) all.insert(all.end(), part.begin(), part.end());
     return all;
   }
 };
@@ -43,22 +44,20 @@ TYPED_TEST(OrderChecks, MinMax) {
 TYPED_TEST(OrderChecks, Quantiles) {
   using Real = TypeParam;
   using C = OrderChecks<Real>;
-  using Fault = typename C::Fault;
-  using Faults = typename C::Faults;
   const auto run = [](uint64_t estimates, uint64_t method) {
     return [=](SsTask* t) { return Api<Real>::quantiles(t, estimates, method, nullptr); };
   };
-  const auto order = [](Real value) -> Fault {
+  const auto order = [](Real value) -> typename C::Fault {
     return {[value](auto& w, SsTask&) { w.orders[1] = value; }, -4022};
   };
-  const Faults of_quantiles = {C::none(&SsTask::quantiles, -4023),
-                               C::none(&SsTask::quantile_orders, -4021),
-                               C::none(&SsTask::quantile_count, -4022),
-                               C::bad(&SsTask::quantile_count, -1, -4022),
-                               order(Real(1.5)),
-                               order(Real(-0.1)),
-                               order(std::numeric_limits<Real>::quiet_NaN())};
-  const Faults of_order_statistics =
+  const typename C::List of_quantiles = {C::none(&SsTask::quantiles, -4023),
+                                         C::none(&SsTask::quantile_orders, -4021),
+                                         C::none(&SsTask::quantile_count, -4022),
+                                         C::bad(&SsTask::quantile_count, -1, -4022),
+                                         order(Real(1.5)),
+                                         order(Real(-0.1)),
+                                         order(std::numeric_limits<Real>::quiet_NaN())};
+  const typename C::List of_order_statistics =
       C::in_order({{C::none(&SsTask::order_statistics, -4024)},
                    C::storage_faults(&SsTask::order_statistics_storage)});
   const auto storage = C::storage_faults(&SsTask::x_storage);
@@ -71,28 +70,26 @@ TYPED_TEST(OrderChecks, Quantiles) {
 TYPED_TEST(OrderChecks, StreamQuantiles) {
   using Real = TypeParam;
   using C = OrderChecks<Real>;
-  using Fault = typename C::Fault;
-  using Faults = typename C::Faults;
   const auto run = [](uint64_t method) {
     return [=](SsTask* t) { return Api<Real>::stream_quantiles(t, kAll, method, nullptr); };
   };
-  const auto epsilon = [](double value) -> Fault {
+  const auto epsilon = [](double value) -> typename C::Fault {
     return {[value](auto& w, SsTask&) { w.epsilon[0] = static_cast<Real>(value); }, -4067};
   };
-  const Fault bad_order = {[](auto& w, SsTask&) { w.orders[0] = Real(2); }, -4069};
-  const Faults of_length = {C::none(&SsTask::n, -4002), C::bad(&SsTask::n, -1, -4002)};
-  const Faults of_data =
+  const typename C::Fault bad_order = {[](auto& w, SsTask&) { w.orders[0] = Real(2); }, -4069};
+  const typename C::List of_length = {C::none(&SsTask::n, -4002), C::bad(&SsTask::n, -1, -4002)};
+  const typename C::List of_data =
       C::in_order({{C::none(&SsTask::x, -4032)}, C::storage_faults(&SsTask::x_storage)});
-  const Faults of_answers = {C::none(&SsTask::stream_quantiles, -4070),
-                             C::none(&SsTask::stream_quantile_orders, -4068),
-                             C::none(&SsTask::stream_quantile_count, -4069),
-                             C::bad(&SsTask::stream_quantile_count, -1, -4069),
-                             C::none(&SsTask::stream_parameter_count, -4064),
-                             C::bad(&SsTask::stream_parameter_count, 2, -4066),
-                             bad_order,
-                             C::none(&SsTask::stream_parameters, -4065)};
-  const Faults of_epsilon = {epsilon(0), epsilon(-0.5), epsilon(1.5),
-                             epsilon(std::numeric_limits<double>::quiet_NaN())};
+  const typename C::List of_answers = {C::none(&SsTask::stream_quantiles, -4070),
+                                       C::none(&SsTask::stream_quantile_orders, -4068),
+                                       C::none(&SsTask::stream_quantile_count, -4069),
+                                       C::bad(&SsTask::stream_quantile_count, -1, -4069),
+                                       C::none(&SsTask::stream_parameter_count, -4064),
+                                       C::bad(&SsTask::stream_parameter_count, 2, -4066),
+                                       bad_order,
+                                       C::none(&SsTask::stream_parameters, -4065)};
+  const typename C::List of_epsilon = {epsilon(0), epsilon(-0.5), epsilon(1.5),
+                                       epsilon(std::numeric_limits<double>::quiet_NaN())};
   for (const uint64_t method : {0x40, 0x80}) {
     C::expect_order(C::in_order({of_length, of_data, of_answers, of_epsilon}), run(method),
                     QOR_SS_OK);
@@ -110,7 +107,6 @@ TYPED_TEST(OrderChecks, StreamQuantiles) {
 TYPED_TEST(OrderChecks, Sort) {
   using Real = TypeParam;
   using C = OrderChecks<Real>;
-  using Faults = typename C::Faults;
   const auto run = [](uint64_t method) {
     return [=](SsTask* t) { return Api<Real>::sort(t, kAll, method, nullptr); };
   };
@@ -120,7 +116,7 @@ TYPED_TEST(OrderChecks, Sort) {
       t.sorted_output_storage = w.task.number(out);
     };
   };
-  const Faults faults = {
+  const typename C::List faults = {
       C::none(&SsTask::sorted_output, -4084), C::none(&SsTask::sorted_output_storage, -4044),
       C::none(&SsTask::x_storage, -4044), C::bad(&SsTask::sorted_output_storage, 4, -4003),
       C::bad(&SsTask::x_storage, 4, -4003)};
