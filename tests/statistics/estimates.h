@@ -9,6 +9,9 @@
 
 namespace qor::test {
 
+inline constexpr uint64_t kFast = QOR_SS_METHOD_FAST, kOnePass = QOR_SS_METHOD_ONE_PASS,
+                          kGiven = QOR_SS_METHOD_GIVEN_MEANS, kSums = QOR_SS_METHOD_FROM_SUMS;
+
 // Observations in rows, whatever layout they are handed over in.
 template <class Real>
 struct Sample {

@@ -8,8 +8,6 @@
 namespace qor::test {
 namespace {
 
-constexpr uint64_t kFast = QOR_SS_METHOD_FAST, kOnePass = QOR_SS_METHOD_ONE_PASS,
-                   kGiven = QOR_SS_METHOD_GIVEN_MEANS, kSums = QOR_SS_METHOD_FROM_SUMS;
 constexpr int64_t kLayouts[] = {QOR_SS_BY_VARIABLE, QOR_SS_BY_OBSERVATION};
 constexpr int64_t kStorages[] = {QOR_SS_MATRIX_FULL, QOR_SS_MATRIX_LOWER, QOR_SS_MATRIX_UPPER};
 constexpr double kUlps = 40;

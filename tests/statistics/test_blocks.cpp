@@ -11,9 +11,6 @@
 namespace qor::test {
 namespace {
 
-constexpr uint64_t kFast = QOR_SS_METHOD_FAST, kOnePass = QOR_SS_METHOD_ONE_PASS,
-                   kGiven = QOR_SS_METHOD_GIVEN_MEANS;
-
 template <class Real>
 class Blocks : public ::testing::Test {};
 TYPED_TEST_SUITE(Blocks, Precisions);
