@@ -116,9 +116,12 @@ struct Values {
   std::vector<std::vector<Value>> vectors, matrices;
 };
 
-// `means`: null for the sample's own, else the given ones.
+// `means`: null for the sample's own, else the given ones. Exact for small data; the plain formulas
+// in long double for large.
 template <class Real>
 Values exact_values(const Sample<Real>& sample, const Real* means = nullptr);
+template <class Real>
+Values plain_values(const Sample<Real>& sample, const Real* means = nullptr);
 
 // Where estimates go: all filled with `untouched` at first.
 template <class Real>

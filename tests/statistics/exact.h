@@ -1,4 +1,5 @@
-// Numbers of 400 bits: references that are as good as exact on small data.
+// Numbers of 400 bits: references that are as good as exact on small data. On large data long
+// double takes their place.
 #pragma once
 
 #include <mpfr.h>
@@ -21,8 +22,6 @@ class Exact {
   }
   ~Exact() { mpfr_clear(value_); }
 
-  double rounded() const { return mpfr_get_d(value_, MPFR_RNDN); }
-
   friend Exact operator+(const Exact& a, const Exact& b) { return apply(mpfr_add, a, b); }
   friend Exact operator-(const Exact& a, const Exact& b) { return apply(mpfr_sub, a, b); }
   friend Exact operator*(const Exact& a, const Exact& b) { return apply(mpfr_mul, a, b); }
@@ -34,6 +33,7 @@ class Exact {
     mpfr_sqrt(r.value_, a.value_, MPFR_RNDN);
     return r;
   }
+  friend double rounded(const Exact& a) { return mpfr_get_d(a.value_, MPFR_RNDN); }
   friend Exact abs(const Exact& a) {
     Exact r;
     mpfr_abs(r.value_, a.value_, MPFR_RNDN);
@@ -53,8 +53,11 @@ class Exact {
   mpfr_t value_;
 };
 
-inline Exact power(const Exact& base, int exponent) {
-  Exact product = 1;
+inline double rounded(long double a) { return static_cast<double>(a); }
+
+template <class Number>
+Number power(const Number& base, int exponent) {
+  Number product = 1;
   for (int i = 0; i < exponent; ++i) product = product * base;
   return product;
 }

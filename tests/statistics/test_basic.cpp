@@ -115,6 +115,31 @@ TYPED_TEST(Basic, OneByOne) {
   }
 }
 
+// Many observations, where kernels run in blocks: all estimates in all layouts.
+TYPED_TEST(Basic, LargeData) {
+  using Real = TypeParam;
+  for (const bool weighted : {false, true}) {
+    const auto s = small_sample<Real>(30011, 6, weighted);
+    const Real* weights = weighted ? s.weights.data() : nullptr;
+    const std::vector<Real> means(static_cast<size_t>(s.p), Real(1.25));
+    const Values own = plain_values(s), about_given = plain_values(s, means.data());
+    for (const int64_t layout : kLayouts) {
+      const auto x = s.stored(layout);
+      for (const uint64_t method : {kOnePass, kFast, kGiven}) {
+        SCOPED_TRACE(::testing::Message()
+                     << "weighted " << weighted << " layout " << layout << " method " << method);
+        Task<Real> task(s.p, s.n, layout, x.data(), weights);
+        Results<Real> results(s.p);
+        results.attach(task, QOR_SS_MATRIX_UPPER);
+        results.of(QOR_SS_MEAN) = means;
+        ASSERT_EQ(Api<Real>::basic(task, all_estimates(), method, nullptr), QOR_SS_OK);
+        expect_near(results, method == kGiven ? about_given : own, all_estimates(), s.p,
+                    QOR_SS_MATRIX_UPPER, kUlps);
+      }
+    }
+  }
+}
+
 // Without accumulated weights the number of observations counts; moments whose sum is not there are
 // taken as they stand.
 TYPED_TEST(Basic, FromSumsOfAlone) {
