@@ -13,81 +13,49 @@ namespace qor::test {
 template <class Real>
 struct Api;
 
-template <>
-struct Api<double> {
-  using Search = qor_df_dsearch;
-  using Values = qor_df_dvalues;
-  using Integrals = qor_df_dintegrals;
-  static constexpr auto new_task = qor_df_kernel_dNewTask1D;
-  static constexpr auto edit_spline = qor_df_kernel_dEditPPSpline1D;
-  static constexpr auto edit_pointer = qor_df_kernel_dEditPtr;
-  static constexpr auto edit_entry = qor_df_kernel_dEditIdxPtr;
-  static constexpr auto query_pointer = qor_df_kernel_dQueryPtr;
-  static constexpr auto query_entry = qor_df_kernel_dQueryIdxPtr;
-  static constexpr auto linear = qor_df_kernel_dDFLinearSpline1D;
-  static constexpr auto quadratic = qor_df_kernel_dDFQuadraticSpline1D;
-  static constexpr auto natural = qor_df_kernel_dDFNaturalCubicSpline1D;
-  static constexpr auto by_second = qor_df_kernel_dDFDefaultCubicSpline1D;
-  static constexpr auto hermite = qor_df_kernel_dDFHermiteCubicSpline1D;
-  static constexpr auto bessel = qor_df_kernel_dDFBesselCubicSpline1D;
-  static constexpr auto akima = qor_df_kernel_dDFAkimaCubicSpline1D;
-  static constexpr auto hyman = qor_df_kernel_dDFHymanCubicSpline1D;
-  static constexpr auto search = qor_df_kernel_dDFSearch1D;
-  static constexpr auto uniform_search = qor_df_kernel_dDFUniformSearch1D;
-  static constexpr auto uniform_search32 = qor_df_kernel_dDFUniformSearch1D32;
-  static constexpr auto quasi_search = qor_df_kernel_dDFQuasiUniformSearch1D;
-  static constexpr auto quasi_search32 = qor_df_kernel_dDFQuasiUniformSearch1D32;
-  static constexpr auto sorted_search = qor_df_kernel_dDFSortedSearch1D;
-  static constexpr auto sorted_search32 = qor_df_kernel_dDFSortedSearch1D32;
-  static constexpr auto hybrid_search = qor_df_kernel_dDFHybridSearch1D;
-  static constexpr auto hybrid_search32 = qor_df_kernel_dDFHybridSearch1D32;
-  static constexpr auto peak_search = qor_df_kernel_dDFPeakSearch1D;
-  static constexpr auto peak_search32 = qor_df_kernel_dDFPeakSearch1D32;
-  static constexpr auto user_search = qor_df_kernel_dDFUserDefSearch1D;
-  static constexpr auto user_search32 = qor_df_kernel_dDFUserDefSearch1D32;
-  static constexpr auto uniform_user_search = qor_df_kernel_dDFUniUserDefSearch1D;
-  static constexpr auto uniform_user_search32 = qor_df_kernel_dDFUniUserDefSearch1D32;
-  static constexpr auto interpolate = qor_df_kernel_dDFInterpolate1D;
-  static constexpr auto integrate = qor_df_kernel_dDFIntegrate1D;
-};
+// Of the precision with this letter.
+#define QOR_FITTING_ENTRIES(Real, p)                                                         \
+  template <>                                                                                \
+  struct Api<Real> {                                                                         \
+    using Search = qor_df_##p##search;                                                       \
+    using Values = qor_df_##p##values;                                                       \
+    using Integrals = qor_df_##p##integrals;                                                 \
+    static constexpr auto new_task = qor_df_kernel_##p##NewTask1D;                           \
+    static constexpr auto edit_spline = qor_df_kernel_##p##EditPPSpline1D;                   \
+    static constexpr auto edit_pointer = qor_df_kernel_##p##EditPtr;                         \
+    static constexpr auto edit_entry = qor_df_kernel_##p##EditIdxPtr;                        \
+    static constexpr auto query_pointer = qor_df_kernel_##p##QueryPtr;                       \
+    static constexpr auto query_entry = qor_df_kernel_##p##QueryIdxPtr;                      \
+    static constexpr auto linear = qor_df_kernel_##p##DFLinearSpline1D;                      \
+    static constexpr auto quadratic = qor_df_kernel_##p##DFQuadraticSpline1D;                \
+    static constexpr auto natural = qor_df_kernel_##p##DFNaturalCubicSpline1D;               \
+    static constexpr auto by_second = qor_df_kernel_##p##DFDefaultCubicSpline1D;             \
+    static constexpr auto hermite = qor_df_kernel_##p##DFHermiteCubicSpline1D;               \
+    static constexpr auto bessel = qor_df_kernel_##p##DFBesselCubicSpline1D;                 \
+    static constexpr auto akima = qor_df_kernel_##p##DFAkimaCubicSpline1D;                   \
+    static constexpr auto hyman = qor_df_kernel_##p##DFHymanCubicSpline1D;                   \
+    static constexpr auto search = qor_df_kernel_##p##DFSearch1D;                            \
+    static constexpr auto uniform_search = qor_df_kernel_##p##DFUniformSearch1D;             \
+    static constexpr auto uniform_search32 = qor_df_kernel_##p##DFUniformSearch1D32;         \
+    static constexpr auto quasi_search = qor_df_kernel_##p##DFQuasiUniformSearch1D;          \
+    static constexpr auto quasi_search32 = qor_df_kernel_##p##DFQuasiUniformSearch1D32;      \
+    static constexpr auto sorted_search = qor_df_kernel_##p##DFSortedSearch1D;               \
+    static constexpr auto sorted_search32 = qor_df_kernel_##p##DFSortedSearch1D32;           \
+    static constexpr auto hybrid_search = qor_df_kernel_##p##DFHybridSearch1D;               \
+    static constexpr auto hybrid_search32 = qor_df_kernel_##p##DFHybridSearch1D32;           \
+    static constexpr auto peak_search = qor_df_kernel_##p##DFPeakSearch1D;                   \
+    static constexpr auto peak_search32 = qor_df_kernel_##p##DFPeakSearch1D32;               \
+    static constexpr auto user_search = qor_df_kernel_##p##DFUserDefSearch1D;                \
+    static constexpr auto user_search32 = qor_df_kernel_##p##DFUserDefSearch1D32;            \
+    static constexpr auto uniform_user_search = qor_df_kernel_##p##DFUniUserDefSearch1D;     \
+    static constexpr auto uniform_user_search32 = qor_df_kernel_##p##DFUniUserDefSearch1D32; \
+    static constexpr auto interpolate = qor_df_kernel_##p##DFInterpolate1D;                  \
+    static constexpr auto integrate = qor_df_kernel_##p##DFIntegrate1D;                      \
+  };
 
-template <>
-struct Api<float> {
-  using Search = qor_df_ssearch;
-  using Values = qor_df_svalues;
-  using Integrals = qor_df_sintegrals;
-  static constexpr auto new_task = qor_df_kernel_sNewTask1D;
-  static constexpr auto edit_spline = qor_df_kernel_sEditPPSpline1D;
-  static constexpr auto edit_pointer = qor_df_kernel_sEditPtr;
-  static constexpr auto edit_entry = qor_df_kernel_sEditIdxPtr;
-  static constexpr auto query_pointer = qor_df_kernel_sQueryPtr;
-  static constexpr auto query_entry = qor_df_kernel_sQueryIdxPtr;
-  static constexpr auto linear = qor_df_kernel_sDFLinearSpline1D;
-  static constexpr auto quadratic = qor_df_kernel_sDFQuadraticSpline1D;
-  static constexpr auto natural = qor_df_kernel_sDFNaturalCubicSpline1D;
-  static constexpr auto by_second = qor_df_kernel_sDFDefaultCubicSpline1D;
-  static constexpr auto hermite = qor_df_kernel_sDFHermiteCubicSpline1D;
-  static constexpr auto bessel = qor_df_kernel_sDFBesselCubicSpline1D;
-  static constexpr auto akima = qor_df_kernel_sDFAkimaCubicSpline1D;
-  static constexpr auto hyman = qor_df_kernel_sDFHymanCubicSpline1D;
-  static constexpr auto search = qor_df_kernel_sDFSearch1D;
-  static constexpr auto uniform_search = qor_df_kernel_sDFUniformSearch1D;
-  static constexpr auto uniform_search32 = qor_df_kernel_sDFUniformSearch1D32;
-  static constexpr auto quasi_search = qor_df_kernel_sDFQuasiUniformSearch1D;
-  static constexpr auto quasi_search32 = qor_df_kernel_sDFQuasiUniformSearch1D32;
-  static constexpr auto sorted_search = qor_df_kernel_sDFSortedSearch1D;
-  static constexpr auto sorted_search32 = qor_df_kernel_sDFSortedSearch1D32;
-  static constexpr auto hybrid_search = qor_df_kernel_sDFHybridSearch1D;
-  static constexpr auto hybrid_search32 = qor_df_kernel_sDFHybridSearch1D32;
-  static constexpr auto peak_search = qor_df_kernel_sDFPeakSearch1D;
-  static constexpr auto peak_search32 = qor_df_kernel_sDFPeakSearch1D32;
-  static constexpr auto user_search = qor_df_kernel_sDFUserDefSearch1D;
-  static constexpr auto user_search32 = qor_df_kernel_sDFUserDefSearch1D32;
-  static constexpr auto uniform_user_search = qor_df_kernel_sDFUniUserDefSearch1D;
-  static constexpr auto uniform_user_search32 = qor_df_kernel_sDFUniUserDefSearch1D32;
-  static constexpr auto interpolate = qor_df_kernel_sDFInterpolate1D;
-  static constexpr auto integrate = qor_df_kernel_sDFIntegrate1D;
-};
+QOR_FITTING_ENTRIES(double, d)
+QOR_FITTING_ENTRIES(float, s)
+#undef QOR_FITTING_ENTRIES
 
 using Kernel = int (*)(DFTask*, int64_t, int64_t, const ThreadHook*);
 

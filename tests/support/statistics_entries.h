@@ -8,48 +8,32 @@ namespace qor::test {
 template <class Real>
 struct Api;
 
-template <>
-struct Api<double> {
-  static constexpr auto new_task = __ostdSSNewTask;
-  static constexpr auto edit = __ostdSSEditTask;
-  static constexpr auto edit_quantiles = __ostdSSEditQuantiles;
-  static constexpr auto edit_stream = __ostdSSEditStreamQuantiles;
-  static constexpr auto basic = _ostdSSBasic;
-  static constexpr auto min_max = _ostdSSMinmax;
-  static constexpr auto quantiles = _ostdSSQuantiles;
-  static constexpr auto stream_quantiles = _ostdSSStreamQuantiles;
-  static constexpr auto sort = _ostdSSSort;
-  static constexpr auto absolute_deviations = _ostdSSMAD;
-  static constexpr auto missing_values = _ostdSSMissingValues;
-  static constexpr auto outliers = _ostdSSOutliersDetection;
-  static constexpr auto partial_covariance = _ostdSSPartialCovariance;
-  static constexpr auto pooled_covariance = _ostdSSPooledCovariance;
-  static constexpr auto robust_covariance = _ostdSSRobustCovariance;
-  static constexpr auto parametrization = _ostdSSCorParametrization;
-  static constexpr auto weighted_median = _ostdSSWMedian;
-  static constexpr auto distances = _ostdSSMahDistance;
-};
+// Of the precision with this letter.
+#define QOR_STATISTICS_ENTRIES(Real, p)                                      \
+  template <>                                                                \
+  struct Api<Real> {                                                         \
+    static constexpr auto new_task = __ost##p##SSNewTask;                    \
+    static constexpr auto edit = __ost##p##SSEditTask;                       \
+    static constexpr auto edit_quantiles = __ost##p##SSEditQuantiles;        \
+    static constexpr auto edit_stream = __ost##p##SSEditStreamQuantiles;     \
+    static constexpr auto basic = _ost##p##SSBasic;                          \
+    static constexpr auto min_max = _ost##p##SSMinmax;                       \
+    static constexpr auto quantiles = _ost##p##SSQuantiles;                  \
+    static constexpr auto stream_quantiles = _ost##p##SSStreamQuantiles;     \
+    static constexpr auto sort = _ost##p##SSSort;                            \
+    static constexpr auto absolute_deviations = _ost##p##SSMAD;              \
+    static constexpr auto missing_values = _ost##p##SSMissingValues;         \
+    static constexpr auto outliers = _ost##p##SSOutliersDetection;           \
+    static constexpr auto partial_covariance = _ost##p##SSPartialCovariance; \
+    static constexpr auto pooled_covariance = _ost##p##SSPooledCovariance;   \
+    static constexpr auto robust_covariance = _ost##p##SSRobustCovariance;   \
+    static constexpr auto parametrization = _ost##p##SSCorParametrization;   \
+    static constexpr auto weighted_median = _ost##p##SSWMedian;              \
+    static constexpr auto distances = _ost##p##SSMahDistance;                \
+  };
 
-template <>
-struct Api<float> {
-  static constexpr auto new_task = __ostsSSNewTask;
-  static constexpr auto edit = __ostsSSEditTask;
-  static constexpr auto edit_quantiles = __ostsSSEditQuantiles;
-  static constexpr auto edit_stream = __ostsSSEditStreamQuantiles;
-  static constexpr auto basic = _ostsSSBasic;
-  static constexpr auto min_max = _ostsSSMinmax;
-  static constexpr auto quantiles = _ostsSSQuantiles;
-  static constexpr auto stream_quantiles = _ostsSSStreamQuantiles;
-  static constexpr auto sort = _ostsSSSort;
-  static constexpr auto absolute_deviations = _ostsSSMAD;
-  static constexpr auto missing_values = _ostsSSMissingValues;
-  static constexpr auto outliers = _ostsSSOutliersDetection;
-  static constexpr auto partial_covariance = _ostsSSPartialCovariance;
-  static constexpr auto pooled_covariance = _ostsSSPooledCovariance;
-  static constexpr auto robust_covariance = _ostsSSRobustCovariance;
-  static constexpr auto parametrization = _ostsSSCorParametrization;
-  static constexpr auto weighted_median = _ostsSSWMedian;
-  static constexpr auto distances = _ostsSSMahDistance;
-};
+QOR_STATISTICS_ENTRIES(double, d)
+QOR_STATISTICS_ENTRIES(float, s)
+#undef QOR_STATISTICS_ENTRIES
 
 }  // namespace qor::test
