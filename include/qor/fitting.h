@@ -8,7 +8,7 @@
 
    Entries come in double (d) and single (s) precision; a task is used with the entries of its own
    precision. Counts and codes are 64-bit signed integers. Every entry returns a status: 0, or one
-   of the negative numbers below; a user's callback may add its own. A null task gives
+   of the negative numbers of fitting_codes.h; a user's callback may add its own. A null task gives
    QOR_DF_NULL_TASK.
 
    Threads. A task belongs to one thread while it is edited. Construction, search, interpolation and
@@ -29,110 +29,13 @@
 #include <stdint.h>
 
 #include "qor/api.h"
+#include "qor/fitting_codes.h"
+#include "qor/fitting_search.h"
 #include "qor/thread_hook.h"
 
 #ifdef __cplusplus
 extern "C" {
 #endif
-
-typedef struct DFTask DFTask;
-
-/* ---- Statuses ------------------------------------------------------------------------------- */
-
-enum {
-  QOR_DF_OK = 0,
-  QOR_DF_NULL_TASK = -1000,
-  QOR_DF_NO_MEMORY = -1001,
-  QOR_DF_BAD_METHOD = -1002,
-  QOR_DF_BAD_NX = -1004,
-  QOR_DF_NULL_X = -1005,
-  QOR_DF_BAD_X_HINT = -1006,
-  QOR_DF_BAD_NY = -1007, /* or ny = 0 where a table is to be built */
-  QOR_DF_NULL_Y = -1008,
-  QOR_DF_BAD_Y_HINT = -1009,
-  QOR_DF_BAD_ORDER = -1010,
-  QOR_DF_BAD_TYPE = -1011, /* also: no such pair of order and type, or callbacks missing */
-  QOR_DF_BAD_IC_TYPE = -1012,
-  QOR_DF_BAD_IC = -1013, /* null internal conditions, or knots out of place */
-  QOR_DF_BAD_BC_TYPE = -1014,
-  QOR_DF_NULL_BC = -1015,
-  QOR_DF_NULL_SCOEFF = -1016,
-  QOR_DF_BAD_SCOEFF_HINT = -1017,
-  QOR_DF_NOT_PERIODIC = -1018, /* first and last value differ under a periodic condition */
-  QOR_DF_BAD_CODE = -1019,
-  QOR_DF_BAD_INDEX = -1020,
-  QOR_DF_NOT_A_BREAKPOINT = -1022,     /* a lookup site is no breakpoint */
-  QOR_DF_LOOKUP_DERIVATIVES = -1024,   /* lookup with ndorder other than 1 */
-  QOR_DF_LOOKUP_WITHOUT_VALUE = -1025, /* lookup with the value not asked for */
-  QOR_DF_BAD_DATA_HINT = -1026,
-  QOR_DF_BAD_R_HINT = -1028,          /* interpolation */
-  QOR_DF_BAD_INTEGRAL_R_HINT = -1034, /* integration */
-  QOR_DF_BAD_CHECK = -1036,
-  QOR_DF_NULL_RESULT = -1037,
-  QOR_DF_SOLVER_FAILED = -1500, /* a tridiagonal factor or solve failed */
-  QOR_DF_CELLS_FINAL = 1000     /* from a search callback: its cells need no correction */
-};
-
-/* ---- Codes ---------------------------------------------------------------------------------- */
-
-/* Partition forms, xhint. The step of a uniform partition is (x[1] - x[0]) / (nx - 1). */
-enum {
-  QOR_DF_NON_UNIFORM = 1,      /* nx increasing values; 0 is the same without the promise */
-  QOR_DF_QUASI_UNIFORM = 2,    /* nx increasing values at nearly one distance */
-  QOR_DF_UNIFORM_PARTITION = 4 /* the two ends x[0] and x[1] */
-};
-
-/* Storage and layout: yhint, scoeffhint, rhint. */
-enum {
-  QOR_DF_NO_HINT = 0,            /* as QOR_DF_BY_FUNCTION */
-  QOR_DF_BY_FUNCTION = 16,       /* function after function */
-  QOR_DF_INTERLEAVED = 32,       /* y: element after element, y[j*ny + i] */
-  QOR_DF_FIRST_POINTER = 128,    /* only the first pointer; the rest through EditIdxPtr */
-  QOR_DF_BY_SITE = 256,          /* results only: site after site, within it by function */
-  QOR_DF_BY_SITE_AND_ORDER = 512 /* results only: site after site, within it by derivative */
-};
-
-/* Sites and limits: sitehint, llimhint, rlimhint. Other values carry no information. */
-enum {
-  QOR_DF_UNIFORM_SITES = 4, /* the two ends; site i is i * (site[1]-site[0])/(nsite-1) + site[0] */
-  QOR_DF_SORTED = 64        /* ascending */
-};
-
-/* Boundary conditions, bc_type: a derivative of given order at the left and at the right end. */
-enum {
-  QOR_DF_BC_NONE = 0, /* estimated from the data, Akima only */
-  QOR_DF_BC_NOT_A_KNOT = 1,
-  QOR_DF_BC_FREE = 2,         /* second derivatives 0 */
-  QOR_DF_BC_FIRST_FIRST = 12, /* bc: two values, left and right */
-  QOR_DF_BC_SECOND_FIRST = 24,
-  QOR_DF_BC_FIRST_SECOND = 36,
-  QOR_DF_BC_SECOND_SECOND = 48,
-  QOR_DF_BC_PERIODIC = 64,       /* bc: one value for Default and Hermite: their end derivative */
-  QOR_DF_BC_FIRST_MIDPOINT = 128 /* quadratic: bc[0] is the value at the middle of cell 0 */
-};
-
-/* Value codes of EditVal and QueryVal. */
-enum {
-  QOR_DF_NX = 14,
-  QOR_DF_X_HINT = 15,
-  QOR_DF_NY = 16,
-  QOR_DF_Y_HINT = 17,
-  QOR_DF_ORDER = 18,
-  QOR_DF_TYPE = 19,
-  QOR_DF_IC_TYPE = 20,
-  QOR_DF_BC_TYPE = 21,
-  QOR_DF_SCOEFF_HINT = 22,
-  QOR_DF_CHECK = 23
-};
-
-/* Pointer codes of EditPtr, QueryPtr and (y and scoeff) of EditIdxPtr and QueryIdxPtr. */
-enum { QOR_DF_X = 1, QOR_DF_Y = 2, QOR_DF_IC = 3, QOR_DF_BC = 4, QOR_DF_SCOEFF = 5 };
-
-/* Where interpolation has its cells from: the `type` argument. */
-enum {
-  QOR_DF_CELLS_OUT = 2, /* a bit: found cells go to `cell` */
-  QOR_DF_CELLS_IN = 4   /* alone: `cell` holds them, no search is made */
-};
 
 /* ---- Tasks ---------------------------------------------------------------------------------- */
 
@@ -264,121 +167,6 @@ QOR_API int qor_df_kernel_dDFHymanCubicSpline1D(DFTask* task, int64_t s_format, 
                                                 const ThreadHook* hook);
 QOR_API int qor_df_kernel_sDFHymanCubicSpline1D(DFTask* task, int64_t s_format, int64_t method,
                                                 const ThreadHook* hook);
-
-/* ---- Cell search ---------------------------------------------------------------------------- */
-
-/* The cell of a site s is 0 below x[0]; k where x[k-1] <= s < x[k]; nx - 1 at x[nx-1]; nx above.
-   The breakpoints must increase; with a promise of order so must the sites. A site that is NaN gets
-   some cell from 0 to nx. */
-
-/* The user's search. n: the number of sites of the block; cell: a guess for each, to be written;
-   flag: 0 on entry, to be set nonzero where a cell is not to be corrected; params as given to the
-   entry; zero is null. Returns 0 (guesses), QOR_DF_CELLS_FINAL, or a negative status, which ends
-   the call. */
-typedef int (*qor_df_dsearch)(const int64_t* n, const double* site, int64_t* cell, int64_t* flag,
-                              void* params, void* zero);
-typedef int (*qor_df_ssearch)(const int64_t* n, const float* site, int64_t* cell, int64_t* flag,
-                              void* params, void* zero);
-
-/* Writes the cell of each of nsite sites to cell, 32-bit integers. `method` is not read. The first
-   of these that holds decides how: search given (its guesses, corrected; on a uniform partition
-   replaced, unless flagged); xhint 4; xhint 2; sites sorted; datahint null or datahint[1] = 0
-   (bisection); datahint[1] = 1 and datahint[4] from 0 to nx (sites near a peak); otherwise
-   BAD_DATA_HINT. NO_MEMORY: more than 4096 uniform sites without memory to expand them. A negative
-   status of search is returned, a positive one after the last block. */
-QOR_API int qor_df_kernel_dDFSearch1D(const DFTask* task, int64_t method, int64_t nsite,
-                                      const double* site, int64_t sitehint, const double* datahint,
-                                      int32_t* cell, qor_df_dsearch search, void* params,
-                                      const ThreadHook* hook);
-QOR_API int qor_df_kernel_sDFSearch1D(const DFTask* task, int64_t method, int64_t nsite,
-                                      const float* site, int64_t sitehint, const float* datahint,
-                                      int32_t* cell, qor_df_ssearch search, void* params,
-                                      const ThreadHook* hook);
-
-/* The methods by themselves, without a task; site always holds nsite values. A name with 32 behind
-   it is the same routine. */
-
-/* Uniform partition: x holds its two ends, step its step. Constant time per site. */
-QOR_API int qor_df_kernel_dDFUniformSearch1D(int64_t nx, const double* x, int64_t nsite,
-                                             const double* site, double step, int32_t* cell);
-QOR_API int qor_df_kernel_sDFUniformSearch1D(int64_t nx, const float* x, int64_t nsite,
-                                             const float* site, float step, int32_t* cell);
-QOR_API int qor_df_kernel_dDFUniformSearch1D32(int64_t nx, const double* x, int64_t nsite,
-                                               const double* site, double step, int32_t* cell);
-QOR_API int qor_df_kernel_sDFUniformSearch1D32(int64_t nx, const float* x, int64_t nsite,
-                                               const float* site, float step, int32_t* cell);
-
-/* Quasi-uniform partition: x holds nx breakpoints, step their mean distance. */
-QOR_API int qor_df_kernel_dDFQuasiUniformSearch1D(int64_t nx, const double* x, int64_t nsite,
-                                                  const double* site, double step, int32_t* cell);
-QOR_API int qor_df_kernel_sDFQuasiUniformSearch1D(int64_t nx, const float* x, int64_t nsite,
-                                                  const float* site, float step, int32_t* cell);
-QOR_API int qor_df_kernel_dDFQuasiUniformSearch1D32(int64_t nx, const double* x, int64_t nsite,
-                                                    const double* site, double step, int32_t* cell);
-QOR_API int qor_df_kernel_sDFQuasiUniformSearch1D32(int64_t nx, const float* x, int64_t nsite,
-                                                    const float* site, float step, int32_t* cell);
-
-/* Ascending sites. *last is the cell where the last call stopped (0 at first), and is updated. A
-   site below the one before it is not searched for: it gets the cell of the one before. */
-QOR_API int qor_df_kernel_dDFSortedSearch1D(int64_t nx, const double* x, int64_t nsite,
-                                            const double* site, int32_t* last, int32_t* cell);
-QOR_API int qor_df_kernel_sDFSortedSearch1D(int64_t nx, const float* x, int64_t nsite,
-                                            const float* site, int32_t* last, int32_t* cell);
-QOR_API int qor_df_kernel_dDFSortedSearch1D32(int64_t nx, const double* x, int64_t nsite,
-                                              const double* site, int32_t* last, int32_t* cell);
-QOR_API int qor_df_kernel_sDFSortedSearch1D32(int64_t nx, const float* x, int64_t nsite,
-                                              const float* site, int32_t* last, int32_t* cell);
-
-/* Sites in any order. */
-QOR_API int qor_df_kernel_dDFHybridSearch1D(int64_t nx, const double* x, int64_t nsite,
-                                            const double* site, int32_t* cell);
-QOR_API int qor_df_kernel_sDFHybridSearch1D(int64_t nx, const float* x, int64_t nsite,
-                                            const float* site, int32_t* cell);
-QOR_API int qor_df_kernel_dDFHybridSearch1D32(int64_t nx, const double* x, int64_t nsite,
-                                              const double* site, int32_t* cell);
-QOR_API int qor_df_kernel_sDFHybridSearch1D32(int64_t nx, const float* x, int64_t nsite,
-                                              const float* site, int32_t* cell);
-
-/* Sites in any order that gather at a peak. */
-QOR_API int qor_df_kernel_dDFPeakSearch1D(int64_t nx, const double* x, int64_t nsite,
-                                          const double* site, int32_t* cell);
-QOR_API int qor_df_kernel_sDFPeakSearch1D(int64_t nx, const float* x, int64_t nsite,
-                                          const float* site, int32_t* cell);
-QOR_API int qor_df_kernel_dDFPeakSearch1D32(int64_t nx, const double* x, int64_t nsite,
-                                            const double* site, int32_t* cell);
-QOR_API int qor_df_kernel_sDFPeakSearch1D32(int64_t nx, const float* x, int64_t nsite,
-                                            const float* site, int32_t* cell);
-
-/* The user's search with correction of its guesses, in blocks of at most 2048 sites. Returns the
-   callback's status as DFSearch1D does. */
-QOR_API int qor_df_kernel_dDFUserDefSearch1D(int64_t nx, const double* x, int64_t nsite,
-                                             const double* site, qor_df_dsearch search,
-                                             void* params, int32_t* cell);
-QOR_API int qor_df_kernel_sDFUserDefSearch1D(int64_t nx, const float* x, int64_t nsite,
-                                             const float* site, qor_df_ssearch search, void* params,
-                                             int32_t* cell);
-QOR_API int qor_df_kernel_dDFUserDefSearch1D32(int64_t nx, const double* x, int64_t nsite,
-                                               const double* site, qor_df_dsearch search,
-                                               void* params, int32_t* cell);
-QOR_API int qor_df_kernel_sDFUserDefSearch1D32(int64_t nx, const float* x, int64_t nsite,
-                                               const float* site, qor_df_ssearch search,
-                                               void* params, int32_t* cell);
-
-/* The same on a uniform partition: x holds its two ends, step its step. */
-QOR_API int qor_df_kernel_dDFUniUserDefSearch1D(int64_t nx, const double* x, int64_t nsite,
-                                                const double* site, double step,
-                                                qor_df_dsearch search, void* params, int32_t* cell);
-QOR_API int qor_df_kernel_sDFUniUserDefSearch1D(int64_t nx, const float* x, int64_t nsite,
-                                                const float* site, float step,
-                                                qor_df_ssearch search, void* params, int32_t* cell);
-QOR_API int qor_df_kernel_dDFUniUserDefSearch1D32(int64_t nx, const double* x, int64_t nsite,
-                                                  const double* site, double step,
-                                                  qor_df_dsearch search, void* params,
-                                                  int32_t* cell);
-QOR_API int qor_df_kernel_sDFUniUserDefSearch1D32(int64_t nx, const float* x, int64_t nsite,
-                                                  const float* site, float step,
-                                                  qor_df_ssearch search, void* params,
-                                                  int32_t* cell);
 
 /* ---- Interpolation -------------------------------------------------------------------------- */
 

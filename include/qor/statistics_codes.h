@@ -1,0 +1,238 @@
+/* Summary statistics: statuses, storage words, parameter codes, estimates and methods. */
+#ifndef QOR_STATISTICS_CODES_H
+#define QOR_STATISTICS_CODES_H
+
+/* ---- Statuses ------------------------------------------------------------------------------- */
+
+enum {
+  QOR_SS_OK = 0,
+  QOR_SS_BAD_CODE = -3, /* an editor: no such code, or one of the other editor */
+  QOR_SS_NO_MEMORY = -4000,
+  QOR_SS_BAD_P = -4001,       /* null, or not above 0 */
+  QOR_SS_BAD_N = -4002,       /* null, or too small for the entry */
+  QOR_SS_BAD_STORAGE = -4003, /* a storage word that the entry does not know */
+  QOR_SS_BAD_INDICES = -4004,
+  QOR_SS_NULL_WEIGHTS = -4005,
+  QOR_SS_NULL_MEAN = -4006, /* also `sum`, from the editor */
+  QOR_SS_NULL_RAW_2 = -4007,
+  QOR_SS_NULL_RAW_3 = -4008,
+  QOR_SS_NULL_RAW_4 = -4009,
+  QOR_SS_NULL_CENTRAL_2 = -4010,
+  QOR_SS_NULL_CENTRAL_3 = -4011,
+  QOR_SS_NULL_CENTRAL_4 = -4012,
+  QOR_SS_NULL_KURTOSIS = -4013,
+  QOR_SS_NULL_SKEWNESS = -4014,
+  QOR_SS_NULL_MIN = -4015,
+  QOR_SS_NULL_MAX = -4016,
+  QOR_SS_NULL_VARIATION = -4017,
+  QOR_SS_NULL_COV = -4018,
+  QOR_SS_NULL_COR = -4019,
+  QOR_SS_BAD_ACCUMULATED_WEIGHTS = -4020,
+  QOR_SS_NULL_QUANTILE_ORDERS = -4021,
+  QOR_SS_BAD_QUANTILE_COUNT = -4022, /* also an order outside 0 to 1 */
+  QOR_SS_NULL_QUANTILES = -4023,
+  QOR_SS_NULL_ORDER_STATISTICS = -4024,
+  QOR_SS_NULL_ROBUST_COVARIANCE = -4027,
+  QOR_SS_NULL_ROBUST_MEAN = -4028,
+  QOR_SS_BAD_METHOD = -4029,
+  QOR_SS_NULL_GROUP_INDICES = -4030,
+  QOR_SS_NULL_TASK = -4031,
+  QOR_SS_NULL_X = -4032,
+  QOR_SS_NULL_POOLED_COVARIANCE = -4034,
+  QOR_SS_NULL_POOLED_MEAN = -4035,
+  QOR_SS_NULL_GROUP_COVARIANCES = -4036,
+  QOR_SS_NULL_GROUP_MEANS = -4037,
+  QOR_SS_BAD_GROUPS = -4038, /* a negative group number, a selection entry other than 0 or 1 */
+  QOR_SS_NULL_OUTLIER_PARAMETERS = -4039,
+  QOR_SS_NULL_OUTLIER_PARAMETER_COUNT = -4040,
+  QOR_SS_NULL_OUTLIER_WEIGHTS = -4041,
+  QOR_SS_NULL_ROBUST_PARAMETERS = -4042,
+  QOR_SS_NULL_ROBUST_PARAMETER_COUNT = -4043,
+  QOR_SS_NULL_STORAGE = -4044, /* also matrices whose storage does not go together */
+  QOR_SS_NULL_PARTIAL_INDEX = -4045,
+  QOR_SS_NULL_PARTIAL_COVARIANCE = -4046,
+  QOR_SS_NULL_PARTIAL_CORRELATION = -4047,
+  QOR_SS_NULL_MISSING_PARAMETERS = -4048,
+  QOR_SS_NULL_MISSING_PARAMETER_COUNT = -4049,
+  QOR_SS_BAD_MISSING_PARAMETER_COUNT = -4050,
+  QOR_SS_NULL_INITIAL_ESTIMATE_COUNT = -4052,
+  QOR_SS_NULL_INITIAL_ESTIMATES = -4053,
+  QOR_SS_NULL_SIMULATED_ESTIMATES = -4054,
+  QOR_SS_NULL_SIMULATED_ESTIMATE_COUNT = -4055,
+  QOR_SS_NULL_SIMULATED_CORRELATION_COUNT = -4056,
+  QOR_SS_NULL_SIMULATED_CORRELATIONS = -4057,
+  QOR_SS_NO_SIMULATED_OUTPUT = -4060, /* neither simulated estimates nor correlations */
+  QOR_SS_NULL_PATTERN_COUNT = -4061,
+  QOR_SS_NULL_PATTERNS = -4062,
+  QOR_SS_NULL_STREAM_PARAMETER_COUNT = -4064, /* from the compute entry */
+  QOR_SS_NULL_STREAM_PARAMETERS = -4065,
+  QOR_SS_BAD_STREAM_PARAMETER_COUNT = -4066, /* not 1; or null, from the editor */
+  QOR_SS_BAD_STREAM_EPSILON = -4067,         /* not above 0, or above 1 */
+  QOR_SS_NULL_STREAM_QUANTILE_ORDERS = -4068,
+  QOR_SS_BAD_STREAM_QUANTILE_COUNT = -4069, /* also an order outside 0 to 1 */
+  QOR_SS_NULL_STREAM_QUANTILES = -4070,
+  QOR_SS_NULL_PARAMETRIZED_CORRELATION = -4071,
+  QOR_SS_NULL_SUM = -4074,
+  QOR_SS_NULL_RAW_SUM_2 = -4075,
+  QOR_SS_NULL_RAW_SUM_3 = -4076,
+  QOR_SS_NULL_RAW_SUM_4 = -4077,
+  QOR_SS_NULL_CENTRAL_SUM_2 = -4078,
+  QOR_SS_NULL_CENTRAL_SUM_3 = -4079,
+  QOR_SS_NULL_CENTRAL_SUM_4 = -4080,
+  QOR_SS_NULL_CP = -4081,
+  QOR_SS_NULL_MEDIAN_ABSOLUTE_DEVIATION = -4082,
+  QOR_SS_NULL_MEAN_ABSOLUTE_DEVIATION = -4083,
+  QOR_SS_NULL_SORTED_OUTPUT = -4084,
+  QOR_SS_SORTED_IN_PLACE_WITH_INDICES = -4085,
+  QOR_SS_NOT_BUILT = -4999 /* the arguments are good; this version does not compute the estimate */
+};
+
+/* ---- Storage words -------------------------------------------------------------------------- */
+
+enum {
+  QOR_SS_BY_VARIABLE = 0x10000,    /* variable j of observation i at x[j*n + i] */
+  QOR_SS_BY_OBSERVATION = 0x20000, /* variable j of observation i at x[i*p + j] */
+  QOR_SS_MATRIX_FULL = 0,          /* p by p, both triangles */
+  QOR_SS_MATRIX_LOWER = 1,         /* lower triangle by rows: (i,j), j <= i, at i(i+1)/2 + j */
+  QOR_SS_MATRIX_UPPER = 2          /* upper triangle by rows, each beginning with its diagonal */
+};
+
+/* ---- Parameter codes ------------------------------------------------------------------------ */
+
+/* Real arrays: __ostdSSEditTask, __ostsSSEditTask. "p" after a name: one real per variable. */
+enum {
+  QOR_SS_X = 3,
+  QOR_SS_WEIGHTS = 6, /* n reals */
+  QOR_SS_MEAN = 7,    /* p */
+  QOR_SS_RAW_2 = 8,   /* p, as all up to VARIATION */
+  QOR_SS_RAW_3 = 9,
+  QOR_SS_RAW_4 = 10,
+  QOR_SS_CENTRAL_2 = 11,
+  QOR_SS_CENTRAL_3 = 12,
+  QOR_SS_CENTRAL_4 = 13,
+  QOR_SS_KURTOSIS = 14,
+  QOR_SS_SKEWNESS = 15,
+  QOR_SS_MIN = 16,
+  QOR_SS_MAX = 17,
+  QOR_SS_VARIATION = 18,
+  QOR_SS_COV = 19,                 /* matrix in the storage of its word */
+  QOR_SS_COR = 21,                 /* likewise; its diagonal holds the variances */
+  QOR_SS_ACCUMULATED_WEIGHTS = 23, /* 2 reals: sum of weights, sum of their squares */
+  QOR_SS_QUANTILE_ORDERS = 25,
+  QOR_SS_QUANTILES = 26,        /* one real per order, variable after variable */
+  QOR_SS_ORDER_STATISTICS = 27, /* as x, in the storage of its word */
+  QOR_SS_POOLED_MEAN = 30,
+  QOR_SS_POOLED_COVARIANCE = 31,
+  QOR_SS_GROUP_MEANS = 33,
+  QOR_SS_GROUP_COVARIANCES = 35,
+  QOR_SS_ROBUST_PARAMETERS = 38,
+  QOR_SS_ROBUST_MEAN = 39,
+  QOR_SS_ROBUST_COVARIANCE = 40,
+  QOR_SS_OUTLIER_PARAMETERS = 42,
+  QOR_SS_OUTLIER_WEIGHTS = 43,
+  QOR_SS_PARTIAL_COVARIANCE = 46,
+  QOR_SS_PARTIAL_CORRELATION = 48,
+  QOR_SS_MISSING_PARAMETERS = 51,
+  QOR_SS_INITIAL_ESTIMATES = 53,
+  QOR_SS_SIMULATED_ESTIMATES = 55,
+  QOR_SS_SIMULATED_CORRELATIONS = 57,
+  QOR_SS_PATTERNS = 59,
+  QOR_SS_PARAMETRIZED_CORRELATION = 60,
+  QOR_SS_STREAM_PARAMETERS = 63, /* 1 real: epsilon */
+  QOR_SS_STREAM_QUANTILE_ORDERS = 65,
+  QOR_SS_STREAM_QUANTILES = 66,
+  QOR_SS_SUM = 67, /* p, as all up to CENTRAL_SUM_4 */
+  QOR_SS_RAW_SUM_2 = 68,
+  QOR_SS_RAW_SUM_3 = 69,
+  QOR_SS_RAW_SUM_4 = 70,
+  QOR_SS_CENTRAL_SUM_2 = 71,
+  QOR_SS_CENTRAL_SUM_3 = 72,
+  QOR_SS_CENTRAL_SUM_4 = 73,
+  QOR_SS_CP = 74, /* matrix of sums of products of deviations */
+  QOR_SS_MEDIAN_ABSOLUTE_DEVIATION = 76,
+  QOR_SS_MEAN_ABSOLUTE_DEVIATION = 77,
+  QOR_SS_SORTED_OUTPUT = 78
+};
+
+/* Integers: __ostiSSEditTask. */
+enum {
+  QOR_SS_P = 1,
+  QOR_SS_N = 2,
+  QOR_SS_X_STORAGE = 4,
+  QOR_SS_INDICES = 5, /* one per variable; 0 leaves the variable out */
+  QOR_SS_COV_STORAGE = 20,
+  QOR_SS_COR_STORAGE = 22,
+  QOR_SS_QUANTILE_COUNT = 24,
+  QOR_SS_GROUP_INDICES = 28,
+  QOR_SS_POOLED_COVARIANCE_STORAGE = 29,
+  QOR_SS_GROUP_SELECTION = 32,
+  QOR_SS_GROUP_COVARIANCE_STORAGE = 34,
+  QOR_SS_ROBUST_COVARIANCE_STORAGE = 36,
+  QOR_SS_ROBUST_PARAMETER_COUNT = 37,
+  QOR_SS_OUTLIER_PARAMETER_COUNT = 41,
+  QOR_SS_ORDER_STATISTICS_STORAGE = 44,
+  QOR_SS_PARTIAL_INDEX = 45,
+  QOR_SS_PARTIAL_COVARIANCE_STORAGE = 47,
+  QOR_SS_PARTIAL_CORRELATION_STORAGE = 49,
+  QOR_SS_MISSING_PARAMETER_COUNT = 50,
+  QOR_SS_INITIAL_ESTIMATE_COUNT = 52,
+  QOR_SS_SIMULATED_ESTIMATE_COUNT = 54,
+  QOR_SS_SIMULATED_CORRELATION_COUNT = 56,
+  QOR_SS_PATTERN_COUNT = 58,
+  QOR_SS_PARAMETRIZED_CORRELATION_STORAGE = 61,
+  QOR_SS_STREAM_PARAMETER_COUNT = 62,
+  QOR_SS_STREAM_QUANTILE_COUNT = 64,
+  QOR_SS_CP_STORAGE = 75,
+  QOR_SS_SORTED_OUTPUT_STORAGE = 79
+};
+
+/* ---- Estimates and methods ------------------------------------------------------------------ */
+
+#define QOR_SS_ESTIMATE_MEAN 0x1ull
+#define QOR_SS_ESTIMATE_RAW_2 0x2ull
+#define QOR_SS_ESTIMATE_RAW_3 0x4ull
+#define QOR_SS_ESTIMATE_RAW_4 0x8ull
+#define QOR_SS_ESTIMATE_CENTRAL_2 0x10ull
+#define QOR_SS_ESTIMATE_CENTRAL_3 0x20ull
+#define QOR_SS_ESTIMATE_CENTRAL_4 0x40ull
+#define QOR_SS_ESTIMATE_KURTOSIS 0x80ull
+#define QOR_SS_ESTIMATE_SKEWNESS 0x100ull
+#define QOR_SS_ESTIMATE_VARIATION 0x200ull
+#define QOR_SS_ESTIMATE_MIN 0x400ull
+#define QOR_SS_ESTIMATE_MAX 0x800ull
+#define QOR_SS_ESTIMATE_COVARIANCE 0x1000ull
+#define QOR_SS_ESTIMATE_CORRELATION 0x2000ull
+#define QOR_SS_ESTIMATE_POOLED_COVARIANCE 0x4000ull
+#define QOR_SS_ESTIMATE_GROUP_COVARIANCES 0x8000ull
+#define QOR_SS_ESTIMATE_QUANTILES 0x10000ull
+#define QOR_SS_ESTIMATE_ORDER_STATISTICS 0x20000ull
+#define QOR_SS_ESTIMATE_PARTIAL_COVARIANCE 0x100000ull
+#define QOR_SS_ESTIMATE_PARTIAL_CORRELATION 0x200000ull
+#define QOR_SS_ESTIMATE_SUM 0x2000000ull
+#define QOR_SS_ESTIMATE_RAW_SUM_2 0x4000000ull
+#define QOR_SS_ESTIMATE_RAW_SUM_3 0x8000000ull
+#define QOR_SS_ESTIMATE_RAW_SUM_4 0x10000000ull
+#define QOR_SS_ESTIMATE_CENTRAL_SUM_2 0x20000000ull
+#define QOR_SS_ESTIMATE_CENTRAL_SUM_3 0x40000000ull
+#define QOR_SS_ESTIMATE_CENTRAL_SUM_4 0x80000000ull
+#define QOR_SS_ESTIMATE_CP 0x100000000ull
+#define QOR_SS_ESTIMATE_MEDIAN_ABSOLUTE_DEVIATION 0x200000000ull
+#define QOR_SS_ESTIMATE_MEAN_ABSOLUTE_DEVIATION 0x400000000ull
+#define QOR_SS_ESTIMATE_POOLED_MEAN 0x800000000ull
+#define QOR_SS_ESTIMATE_GROUP_MEANS 0x1000000000ull
+
+/* Only the low 32 bits of a method word are looked at. */
+#define QOR_SS_METHOD_FAST 0x1ull
+#define QOR_SS_METHOD_ONE_PASS 0x2ull
+#define QOR_SS_METHOD_SPECTRAL 0x4ull
+#define QOR_SS_METHOD_ROBUST 0x8ull
+#define QOR_SS_METHOD_SIMULATION 0x10ull
+#define QOR_SS_METHOD_OUTLIERS 0x20ull
+#define QOR_SS_METHOD_STREAM_ANSWER 0x40ull /* updates, then answers */
+#define QOR_SS_METHOD_STREAM_UPDATE 0x80ull /* updates only */
+#define QOR_SS_METHOD_GIVEN_MEANS 0x100ull  /* central sums about the means in `mean` */
+#define QOR_SS_METHOD_FROM_SUMS 0x200ull    /* estimates from the registered sums; 0x400 likewise */
+#define QOR_SS_METHOD_FROM_SUMS_2 0x400ull
+#define QOR_SS_METHOD_SORT 0x100000ull
+
+#endif
