@@ -56,6 +56,22 @@ TEST(Images, StreamsGoOn) {
   }
 }
 
+// Words that are no residues, as only an image can bring them, stand for their residues.
+TEST(Images, WordsOfWhMayBeAnyOfTheirClass) {
+  const Stream stream = new_stream(QOR_BRNG_WH);
+  Bytes image = image_of(stream);
+  const size_t state = image.size() - 8 * sizeof(uint32_t);
+  const uint32_t moduli[4] = {16770647, 16770643, 16770623, 16770617};
+  for (size_t j = 0; j < 8; ++j) {
+    uint32_t word;
+    std::memcpy(&word, image.data() + state + 4 * j, sizeof word);
+    put(image, state + 4 * j, word + 200 * moduli[j % 4], sizeof word);
+  }
+  const Loaded loaded = load_memory(image);
+  ASSERT_EQ(loaded.status, 0);
+  for (const int n : {7, 100}) EXPECT_EQ(words_of(loaded.stream, n), words_of(stream, n)) << n;
+}
+
 TEST(Images, FileAndMemoryAreOneFormat) {
   const Stream stream = with_chunks(QOR_BRNG_MRG32K3A);
   const File file;
