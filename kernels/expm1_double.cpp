@@ -11,6 +11,7 @@
 
 #include <cstring>
 #include <limits>
+#include <type_traits>
 
 #include "kernels/exp_limits.h"
 #include "kernels/exp_scalar.h"
@@ -98,6 +99,14 @@ struct DExpm1 : Unary<double> {
     const Number largest = opaque(std::numeric_limits<double>::max());
     y = static_cast<double>(largest * largest);  // in x87 it is the narrowing that overflows
     return QOR_ERROR_OVERFLOW;
+  }
+
+  // Between the limits no argument has an exact chain of operations: kStepsPerUnit and c[4] have too
+  // many bits for the sums that their products go into.
+  static bool raises_x87_inexact(const double& x) {
+    if constexpr (!std::is_same_v<Number, long double>) return false;
+    const int64_t magnitude = image_in_memory(x) & INT64_MAX;
+    return magnitude >= bits_of(tiny) && magnitude <= bits_of(-saturated);
   }
 
   // The value of an element, and its code.

@@ -40,6 +40,8 @@ struct FpEnvSave {
 inline constexpr uint32_t changed_x87 = 1;
 inline constexpr uint32_t changed_mxcsr = 2;
 
+inline constexpr uint16_t x87_inexact = 0x20;
+
 namespace detail {
 
 inline uint16_t control_word() {
@@ -48,12 +50,13 @@ inline uint16_t control_word() {
   return word;
 }
 inline void set_control_word(uint16_t word) { asm volatile("fldcw %0" : : "m"(word) : "memory"); }
-// Without pending flags there is nothing to clear, and to look is ten times cheaper.
-inline void clear_x87_flags() {
+// Without pending flags there is nothing to clear, and to look is ten times cheaper. Neither is
+// there with none but those that the kernel is to raise anyway.
+inline void clear_x87_flags(uint16_t to_be_raised) {
   constexpr uint16_t pending = 0x80FF;
   uint16_t status;
   asm volatile("fnstsw %0" : "=a"(status) : : "memory");
-  if ((status & pending) != 0) asm volatile("fnclex" : : : "memory");
+  if ((status & pending & ~to_be_raised) != 0) asm volatile("fnclex" : : : "memory");
 }
 
 inline uint32_t mxcsr() {
@@ -65,14 +68,14 @@ inline void set_mxcsr(uint32_t word) { asm volatile("ldmxcsr %0" : : "m"(word) :
 
 // Pending x87 flags survive when nothing has to change, and only then.
 template <X87 form>
-inline void enter_x87(FpEnvSave& save) {
+inline void enter_x87(FpEnvSave& save, uint16_t to_be_raised) {
   if constexpr (form == X87::none) return;
   constexpr bool masks_only = form == X87::masks;
   constexpr uint16_t compared = masks_only ? 0x3F : 0xF3F;
   constexpr uint16_t required = masks_only ? 0x3F : (form == X87::double_precision ? 0x23F : 0x33F);
   save.savedControlWord = control_word();
   if ((save.savedControlWord & compared) == required) return;
-  clear_x87_flags();
+  clear_x87_flags(to_be_raised);
   const uint16_t kept = masks_only ? save.savedControlWord : save.savedControlWord & 0xF0C0;
   set_control_word(static_cast<uint16_t>(kept | required));
   save.changed |= changed_x87;
@@ -104,12 +107,13 @@ inline void enter_mxcsr_mask(FpEnvSave& save) {
 
 }  // namespace detail
 
-// Sets up the environment. Returns the thread's mode word where the form reads it, else 0.
+// Sets up the environment for arithmetic that is certain to raise the x87 flags `to_be_raised`.
+// Returns the thread's mode word where the form reads it, else 0.
 template <Environment environment>
-inline uint32_t enter(FpEnvSave& save) {
+inline uint32_t enter(FpEnvSave& save, uint16_t to_be_raised = 0) {
   uint32_t mode = 0;
   save.changed = 0;
-  detail::enter_x87<environment.x87>(save);
+  detail::enter_x87<environment.x87>(save, to_be_raised);
   if constexpr (environment.mxcsr == Mxcsr::from_mode) {
     mode = frame::mode();
     detail::enter_mxcsr_from_mode(save, mode);

@@ -17,6 +17,8 @@
 // without a vector path has, in place of core, care and scalar,
 //
 //   int32_t evaluate(const Real& x, Real& y) const   sets y to the value of an element; its code
+//   bool raises_x87_inexact(const Real& x) const     where that is done in the x87 unit: whether it
+//                                                    is certain to be inexact there
 #pragma once
 
 #include "kernels/kernel_frame/function.h"

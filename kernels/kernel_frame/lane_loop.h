@@ -111,10 +111,20 @@ template <class F, class Vectors>
   }
 }
 
+// The x87 flags that a walk is certain to raise: its first element tells.
+template <class F, class Vectors>
+inline uint16_t x87_flags_to_be_raised(const F& f, const Vectors& vectors, int64_t n) {
+  if constexpr (requires { &F::raises_x87_inexact; }) {
+    if (n > 0 && f.raises_x87_inexact(vectors.argument(0, 0))) return x87_inexact;
+  }
+  return 0;
+}
+
 template <Environment environment, class F, class Vectors>
 inline void run(const F& f, const Vectors& vectors, int64_t n) {
   FpEnvSave save;
-  [[maybe_unused]] const uint32_t mode = enter<environment>(save);
+  [[maybe_unused]] const uint32_t mode =
+      enter<environment>(save, x87_flags_to_be_raised(f, vectors, n));
   if constexpr (requires { &F::evaluate; }) {
     run_elements<F, Vectors>(f, vectors, n);
   } else {
