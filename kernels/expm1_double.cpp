@@ -101,8 +101,8 @@ struct DExpm1 : Unary<double> {
     return QOR_ERROR_OVERFLOW;
   }
 
-  // Between the limits no argument has an exact chain of operations: kStepsPerUnit and c[4] have too
-  // many bits for the sums that their products go into.
+  // Between the limits no argument has an exact chain of operations: kStepsPerUnit and c[4] have
+  // too many bits for the sums that their products go into.
   static bool raises_x87_inexact(const double& x) {
     if constexpr (!std::is_same_v<Number, long double>) return false;
     const int64_t magnitude = image_in_memory(x) & INT64_MAX;

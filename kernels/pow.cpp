@@ -21,6 +21,7 @@ struct SPow : Binary<float> {
 
 template <bool accurate>
 struct DPow : Binary<double> {
+  static constexpr int registers = dpow::registers;
   static constexpr const char* name = "vdPow";
   Provisional<double> core(V x, V y) const { return dpow::power<accurate>(x, y); }
   Doubt care(V x, V y) const { return dpow::care(x, y); }

@@ -12,12 +12,15 @@
 
 namespace qor::kernels::dpow {
 
+// Registers a step: one alone waits for its long chain of operations.
+inline constexpr int registers = 2;
+
 inline constexpr double kShifter = 0x1.8p+45;  // its sum's low bits hold 128 times the product
 // (2^f - 1) / f, |f| < 2^-7.9
 inline constexpr double kExp2[] = {0x1.5d87fe78a6731p-10, 0x1.3b2ab6fba4e77p-7, 0x1.c6b08d704a0cp-5,
                                    0x1.ebfbdff82c58fp-3, 0x1.62e42fefa39efp-1};
 
-// y log in two parts that are not normalised: the second is below 2^-23 of the first.
+// y log in two parts that are not normalised, as those of the logarithm.
 inline Parts product(f64 y, Parts log) {
   if constexpr (lanes::has_fma) {
     const f64 high = y * log.high;
@@ -35,10 +38,11 @@ struct Power {
 };
 
 inline Power exp2(Parts p) {
-  const f64 t = p.high + kShifter;
+  const f64 t = (p.high + p.low) + kShifter;
   const i64 bits = lanes::image(t);
   const f64 f = (p.high - (t - kShifter)) + p.low;
-  const auto row = lanes::gather_rows(tables::exp2_double_128, bits & 127);
+  // In halves: the port that transposes rows has those of the logarithm to do.
+  const auto row = lanes::gather_halves(tables::exp2_double_128, bits & 127);
   return {row.first, multiply_add(f * lanes::horner(f, kExp2), row.first, row.second), bits};
 }
 

@@ -18,7 +18,7 @@ using lanes::f64;
 using lanes::i64;
 using lanes::multiply_add;
 
-// high + low; without fused multiply-add `high` has 26 bits.
+// high + low, low below 2^-16 of high; without fused multiply-add `high` has 26 bits.
 struct Parts {
   f64 high, low;
 };
@@ -70,8 +70,7 @@ inline Parts log2_fused(f64 x) {
   const f64 sum = t + product;
   const f64 rest = ((t - sum) + product) + (row.c + product_low);
   const f64 low = multiply_add(square * r, lanes::even_odd(r, kSeries), rest);
-  const f64 high = sum + low;
-  return {high, (sum - high) + low};
+  return {sum, low};
 }
 
 // ---- Without --------------------------------------------------------------------------------
@@ -108,9 +107,10 @@ inline Parts log2_split(f64 x) {
     quadratic_low = (square_low + (square + square_rest) * kLinear) * kShortLog2e;
   }
   const f64 high = short_part((t + R) + quadratic);
-  const f64 rest = (((t - high) + R_high) + R_low) + quadratic;
-  const f64 series = R * kLinear + R * R * R * cubic;
-  return {high, rest + (row.c + (quadratic_low + series))};
+  const f64 left = (t - high) + R_high, linear = left + R_low;  // of these only the last is rounded
+  f64 series = R * kLinear + R * R * R * cubic;
+  if constexpr (accurate) series += (left - linear) + R_low;
+  return {high, (linear + quadratic) + (row.c + (quadratic_low + series))};
 }
 
 template <bool accurate>

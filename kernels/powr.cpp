@@ -20,6 +20,7 @@ struct SPowr : Binary<float> {
 };
 
 struct DPowr : Binary<double> {
+  static constexpr int registers = dpow::registers;
   static constexpr const char* name = "vdPowr";
   Provisional<double> core(V x, V y) const { return dpow::power<true>(x, y); }
   Doubt care(V x, V y) const { return dpow::care(x, y); }

@@ -75,6 +75,7 @@ template <class T>
 struct General : Powx<T> {
   using typename Powx<T>::V;
   using typename Powx<T>::Doubt;
+  static constexpr int registers = sizeof(T) == sizeof(double) ? dpow::registers : 1;
   T b;
 
   explicit General(T exponent) : b(exponent) {}

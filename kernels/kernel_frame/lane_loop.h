@@ -18,8 +18,8 @@ inline uint32_t careful_lanes(const F& f, const Inputs<F>& x) {
 }
 
 // Runs groups of F::registers blocks, with one test of care for all, up to a group with a lane that
-// needs care; returns where it stopped. For functions of a few instructions, where the test weighs;
-// not for a Provisional core.
+// needs care; returns where it stopped. For functions of a few instructions, where the test weighs,
+// and for those whose chain of operations is too long for the processor to see the next block.
 template <class F, class Vectors>
 inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i, int64_t n) {
   constexpr int width = lanes::Lanes<typename F::Real>::count;
@@ -33,9 +33,16 @@ inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i, in
     for (int r = 1; r < F::registers; ++r) doubt = doubt | care(f, x[r]);
     if (lanes::bits(doubt) != 0) [[unlikely]]
       return i;
+    Computed<F> block[F::registers];
+    uint32_t careful = 0;
     for (int r = 0; r < F::registers; ++r) {
-      const Outputs<F> y = compute(f, x[r]).y;
-      for (int k = 0; k < F::outputs; ++k) vectors.store(k, i + r * width, y.at[k]);
+      block[r] = compute(f, x[r]);
+      careful |= block[r].careful;
+    }
+    if (careful != 0) [[unlikely]]
+      return i;
+    for (int r = 0; r < F::registers; ++r) {
+      for (int k = 0; k < F::outputs; ++k) vectors.store(k, i + r * width, block[r].y.at[k]);
     }
   }
   return i;

@@ -42,11 +42,16 @@ struct Row {
   T high, low;
 };
 
-// Rows table[index], the halves in a register each.
+// Rows table[index], the halves in a register each: gathered half by half, or (gather_rows) row by
+// row and transposed, where that is faster.
 template <class T>
-inline Two<typename Lanes<T>::V> gather_rows(const Row<T>* table, typename Lanes<T>::I index) {
+inline Two<typename Lanes<T>::V> gather_halves(const Row<T>* table, typename Lanes<T>::I index) {
   const T* flat = &table->high;
   return {gather(flat, index * 2), gather(flat + 1, index * 2)};
+}
+template <class T>
+inline Two<typename Lanes<T>::V> gather_rows(const Row<T>* table, typename Lanes<T>::I index) {
+  return gather_halves(table, index);
 }
 
 #if QOR_LANES_512
