@@ -91,6 +91,17 @@ inline lanes::f64 add_up(lanes::f64 high, lanes::f64 lead, lanes::f64 low, lanes
   return sum + multiply_add(x, p, low + (lead - (sum - high)));
 }
 
+// high + r - r^2/2 + r^3 p + low, the largest first. In cells as large as these the square is large
+// enough for its rounding, and that of the sum with it, to be kept.
+template <class T>
+inline V<T> add_up_apart(Pair<T> log, V<T> r, V<T> p) {
+  const V<T> half = all(T{-0.5});
+  const V<T> square = r * r, square_low = multiply_add(r, r, -square);
+  const V<T> first = log.first + r, second = multiply_add(square, half, first);
+  const V<T> lost = multiply_add(square, half, first - second) + (r - (first - log.first));
+  return second + (lost + multiply_add(square_low, half, multiply_add(square * r, p, log.second)));
+}
+
 // At 512 bits the count of operations bounds the speed, below it the length of their chain.
 template <class V, class T, std::size_t count>
 inline V polynomial(V x, const T (&coefficients)[count]) {
@@ -171,11 +182,12 @@ inline V<T> by_cells(V<T> x, R rest) {
     sum.second += rest_term<T>(rest, row.reciprocal * power, r);
   }
   if constexpr (Base::log_e == 1) {
-    const V<T> square = r * r;
-    if constexpr (!Base::half_apart) return add_up(sum.first, r, sum.second, square, p);
-    return add_up(sum.first, r, multiply_add(square * r, p, sum.second), square, all(T{-0.5}));
-  } else if constexpr (std::is_same_v<T, float>) {
-    return sum.first + multiply_add(r, all(Base::log_e), multiply_add(r, p, sum.second));
+    if constexpr (Base::half_apart) return add_up_apart<T>(sum, r, p);
+    return add_up(sum.first, r, sum.second, r * r, p);
+  } else if constexpr (std::is_same_v<T, float>) {  // the sum's error is kept
+    const V<T> high = multiply_add(r, all(Base::log_e), sum.first);
+    const V<T> lost = multiply_add(r, all(Base::log_e), sum.first - high);
+    return high + multiply_add(r, p, sum.second + lost);
   } else {
     const V<T> lead = r * Base::log_e;
     const V<T> lead_low = multiply_add(r, all(Base::log_e), -lead);

@@ -129,7 +129,7 @@ void measure(const Options& options, const Row<T>& row) {
   if (!options.only.empty() && std::ranges::count(options.only, row.name()) == 0) return;
   for (int slot : row.distinct_slots()) {
     if constexpr (sizeof(T) == sizeof(float)) {
-      if (options.exhaustive && row.shape.numbers_in() == 1 && row.shape.outputs == 1 &&
+      if (options.exhaustive && row.shape.numbers_in() == 1 &&
           row.reference->in_double != nullptr) {
         print_line(options, row, slot, qor::tools::measure_all(row, slot, options.threads), kEvery);
         continue;

@@ -82,11 +82,13 @@ class Sweep {
  public:
   explicit Sweep(const Row<float>& row) : row_(row) {}
 
-  void add(float x, float y) {
-    double error = quick_error(y, row_.reference->in_double(static_cast<double>(x)));
+  // The result of x in output k.
+  void add(float x, int k, float y) {
+    const auto in_double = k == 0 ? row_.reference->in_double : row_.reference->second_in_double;
+    double error = quick_error(y, in_double(static_cast<double>(x)));
     if (!(error <= found_.worst)) {
       value_.compute(*row_.reference, &x, 1);
-      error = value_.error(0, y);
+      error = value_.error(k, y);
       if (error > found_.worst) {
         found_.worst = error;
         found_.at[0] = static_cast<double>(x);
@@ -113,7 +115,9 @@ void sweep_pieces(const Row<float>& row, int slot, std::atomic<uint64_t>& next, 
       batch.in[0][i] = std::bit_cast<float>(static_cast<uint32_t>(first + i));
     }
     const auto results = test::run(row, slot, batch);
-    for (uint64_t i = 0; i < kPiece; ++i) sweep.add(batch.in[0][i], results[0][i]);
+    for (int k = 0; k < row.shape.outputs; ++k) {
+      for (uint64_t i = 0; i < kPiece; ++i) sweep.add(batch.in[0][i], k, results[k][i]);
+    }
     if (talk && first % (kFloats / 64) == 0) {
       std::fprintf(stderr, "\r%s %3d %%", row.name().c_str(),
                    static_cast<int>(100 * first / kFloats));

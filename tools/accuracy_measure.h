@@ -23,8 +23,8 @@ struct Measurement {
 template <class T>
 Measurement measure_sample(const test::Row<T>& row, int slot, uint64_t count);
 
-// At all 2^32 arguments of a function of one float, on this many threads. Progress goes to standard
-// error when that is a terminal.
+// At all 2^32 arguments of a function of one float with values in double for each of its outputs,
+// on this many threads. Progress goes to standard error when that is a terminal.
 Measurement measure_all(const test::Row<float>& row, int slot, int threads);
 
 }  // namespace qor::tools

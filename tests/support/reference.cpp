@@ -207,7 +207,8 @@ const Reference Trunc{one<mpfr_rint_trunc>, 0.0, 0.0, kSilent, "trunc", std::tru
 const Reference Rint{one<mpfr_rint_roundeven>, 0.0, 0.0, kSilent, "rint", std::rint};
 const Reference NearbyInt{one<mpfr_rint_roundeven>, 0.0, 0.0, kSilent, "nearbyint", std::nearbyint};
 const Reference Frac{fractional, 0.0, 0.0, kSilent, nullptr, fractional_of};
-const Reference Modf{integral_and_fractional, 0.0, 0.0, kSilent, nullptr};
+const Reference Modf{integral_and_fractional, 0.0, 0.0, kSilent, nullptr, std::trunc,
+                     Pairing::near_exponents, fractional_of};
 const Reference CopySign{copied_sign, 0.0, 0.0, kSilent, "copysign"};
 const Reference NextAfter{neighbour, 0.0, 0.0, codes({3, 4}), "nextafter"};
 const Reference Fdim{two<mpfr_dim>, 0.0, 0.0, kSilent, "fdim"};

@@ -40,6 +40,7 @@ struct Reference {
   const char* libm;  // the C library's name of the double function, null without one
   double (*in_double)(double) = nullptr;  // the function within a few ulp of double
   Pairing pairing = Pairing::near_exponents;
+  double (*second_in_double)(double) = nullptr;  // as in_double, for the second output
 };
 
 constexpr uint32_t codes(std::initializer_list<int> list) {
