@@ -184,10 +184,13 @@ inline V<T> by_cells(V<T> x, R rest) {
   if constexpr (Base::log_e == 1) {
     if constexpr (Base::half_apart) return add_up_apart<T>(sum, r, p);
     return add_up(sum.first, r, sum.second, r * r, p);
-  } else if constexpr (std::is_same_v<T, float>) {  // the sum's error is kept
+  } else if constexpr (std::is_same_v<T, float> && Base::two_low == 0) {
+    // Base 2: r log_e is the largest beside the logarithm; rounded once more it would cost 0.3 ulp.
     const V<T> high = multiply_add(r, all(Base::log_e), sum.first);
     const V<T> lost = multiply_add(r, all(Base::log_e), sum.first - high);
     return high + multiply_add(r, p, sum.second + lost);
+  } else if constexpr (std::is_same_v<T, float>) {
+    return sum.first + multiply_add(r, all(Base::log_e), multiply_add(r, p, sum.second));
   } else {
     const V<T> lead = r * Base::log_e;
     const V<T> lead_low = multiply_add(r, all(Base::log_e), -lead);
