@@ -22,6 +22,12 @@ Wide polynomial_at(const std::vector<Wide>& c, int derivative, Wide t) {
   return sum;
 }
 
+Wide primitive_at(const std::vector<Wide>& c, Wide t) {
+  Wide sum = 0;
+  for (size_t k = c.size(); k-- > 0;) sum = (sum + c[k] / static_cast<Wide>(k + 1)) * t;
+  return sum;
+}
+
 SplineSystem& SplineSystem::condition(Wide value) {
   rows_.emplace_back(unknowns() + 1, Wide{0}).back() = value;
   return *this;

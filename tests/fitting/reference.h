@@ -42,7 +42,8 @@ class SplineSystem {
   std::vector<std::vector<Wide>> rows_;  // with the value behind the factors
 };
 
-// A derivative of c[0] + c[1] t + ...
+// A derivative, and the integral from 0, of c[0] + c[1] t + ...
 Wide polynomial_at(const std::vector<Wide>& c, int derivative, Wide t);
+Wide primitive_at(const std::vector<Wide>& c, Wide t);
 
 }  // namespace qor::test

@@ -1,7 +1,6 @@
-// One case of a spline: its data in a task of some form, and what the kinds' definitions say.
+// One case of a spline: its kind, its data in a task, and what the kind's definition says.
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include "tests/fitting/api.h"
@@ -9,6 +8,7 @@
 
 namespace qor::test {
 
+// Those behind `by_second` have first derivatives of local rules.
 enum class SplineKind {
   linear,
   midpoint_quadratic,
@@ -27,17 +27,20 @@ struct SplineShape {
   int order;
   int64_t s_type;
   int64_t fewest;  // breakpoints
+  size_t reach;    // cells left and right of a breakpoint that see its value; 0: all
   std::vector<int64_t> boundaries;
+
+  bool is(SplineKind other) const { return kind == other; }
+  bool takes_inner() const { return is(SplineKind::by_second) || is(SplineKind::hermite); }
 };
 const std::vector<SplineShape>& spline_shapes();
-int64_t fewest_breakpoints(const SplineShape& shape, int64_t bc_type);
 
 // The data of one function and the conditions it is fitted under.
 struct SplineData {
   std::vector<Wide> x, y;
   std::vector<Wide> knots;
   std::vector<Wide> inner;  // the given derivatives at inner breakpoints
-  Wide bc[2];
+  std::vector<Wide> bc;
 };
 
 // The coefficients that the kind's definition gives.
@@ -46,25 +49,21 @@ std::vector<Wide> defined_spline(const SplineShape& shape, int64_t bc_type, cons
 template <class Real>
 Kernel kernel_of(SplineKind kind) {
   using A = Api<Real>;
-  switch (kind) {
-    case SplineKind::linear:
-      return A::linear;
-    case SplineKind::midpoint_quadratic:
-    case SplineKind::knot_quadratic:
-      return A::quadratic;
-    case SplineKind::natural:
-      return A::natural;
-    case SplineKind::by_second:
-      return A::by_second;
-    case SplineKind::hermite:
-      return A::hermite;
-    case SplineKind::bessel:
-      return A::bessel;
-    case SplineKind::akima:
-      return A::akima;
-    default:
-      return A::hyman;
-  }
+  constexpr Kernel kKernels[] = {A::linear,  A::quadratic, A::quadratic, A::natural, A::by_second,
+                                 A::hermite, A::bessel,    A::akima,     A::hyman};
+  return kKernels[static_cast<size_t>(kind)];
+}
+
+// Makes the task one of the shape; kinds that have no use for inner derivatives get them all the
+// same.
+template <class Real>
+int set_spline(const Task<Real>& task, const SplineShape& shape, int64_t bc_type, const Real* bc,
+               const std::vector<Real>& inner, const std::vector<Real>& knots, Real* c,
+               int64_t hint = 0) {
+  const auto& ic = shape.is(SplineKind::knot_quadratic) ? knots : inner;
+  const bool none = shape.is(SplineKind::midpoint_quadratic) || ic.empty();
+  return task.spline(shape.order, shape.s_type, c, bc_type, bc, none ? 0 : 1,
+                     none ? nullptr : ic.data(), hint);
 }
 
 }  // namespace qor::test
