@@ -9,20 +9,10 @@
 namespace qor::test {
 
 // Those behind `by_second` have first derivatives of local rules.
-enum class SplineKind {
-  linear,
-  midpoint_quadratic,
-  knot_quadratic,
-  natural,
-  by_second,
-  hermite,
-  bessel,
-  akima,
-  hyman
-};
+enum class Kind { linear, midpoint, knotted, natural, by_second, hermite, bessel, akima, hyman };
 
 struct SplineShape {
-  SplineKind kind;
+  Kind kind;
   const char* name;
   int order;
   int64_t s_type;
@@ -30,8 +20,8 @@ struct SplineShape {
   size_t reach;    // cells left and right of a breakpoint that see its value; 0: all
   std::vector<int64_t> boundaries;
 
-  bool is(SplineKind other) const { return kind == other; }
-  bool takes_inner() const { return is(SplineKind::by_second) || is(SplineKind::hermite); }
+  bool is(Kind other) const { return kind == other; }
+  bool takes_inner() const { return is(Kind::by_second) || is(Kind::hermite); }
 };
 const std::vector<SplineShape>& spline_shapes();
 
@@ -43,11 +33,12 @@ struct SplineData {
   std::vector<Wide> bc;
 };
 
-// The coefficients that the kind's definition gives.
-std::vector<Wide> defined_spline(const SplineShape& shape, int64_t bc_type, const SplineData& data);
+// By how much coefficients fail a condition of the kind's definition; see SplineConditions.
+Wide failure(const SplineShape& shape, int64_t bc_type, const SplineData& data,
+             const std::vector<Wide>& c);
 
 template <class Real>
-Kernel kernel_of(SplineKind kind) {
+Kernel kernel_of(Kind kind) {
   using A = Api<Real>;
   constexpr Kernel kKernels[] = {A::linear,  A::quadratic, A::quadratic, A::natural, A::by_second,
                                  A::hermite, A::bessel,    A::akima,     A::hyman};
@@ -60,8 +51,8 @@ template <class Real>
 int set_spline(const Task<Real>& task, const SplineShape& shape, int64_t bc_type, const Real* bc,
                const std::vector<Real>& inner, const std::vector<Real>& knots, Real* c,
                int64_t hint = 0) {
-  const auto& ic = shape.is(SplineKind::knot_quadratic) ? knots : inner;
-  const bool none = shape.is(SplineKind::midpoint_quadratic) || ic.empty();
+  const auto& ic = shape.is(Kind::knotted) ? knots : inner;
+  const bool none = shape.is(Kind::midpoint) || ic.empty();
   return task.spline(shape.order, shape.s_type, c, bc_type, bc, none ? 0 : 1,
                      none ? nullptr : ic.data(), hint);
 }

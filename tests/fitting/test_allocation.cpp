@@ -78,7 +78,7 @@ TYPED_TEST(Allocation, OfKernels) {
       EXPECT_EQ(c[0] == 77, status != 0);
       return status;
     };
-    EXPECT_EQ(failures_survived(construct), shape.is(SplineKind::linear) ? 0 : 1);
+    EXPECT_EQ(failures_survived(construct), shape.is(Kind::linear) ? 0 : 1);
   }
 }
 

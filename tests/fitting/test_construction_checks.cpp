@@ -89,22 +89,63 @@ class ConstructionChecks : public BothPrecisions<Real> {
 };
 TYPED_TEST_SUITE(ConstructionChecks, Precisions);
 
+// What is missing, in the order of the checks.
+TYPED_TEST(ConstructionChecks, OfAllKinds) {
+  const TypeParam knots[9] = {0, 0.5, 1.5, 2.5, 3.5, 4.5, 5.5, 6.5, 7};
+  for (const SplineShape& shape : spline_shapes()) {
+    SCOPED_TRACE(shape.name);
+    const Kernel k = kernel_of<TypeParam>(shape.kind);
+    const bool on_knots = shape.is(Kind::knotted);
+    auto s =
+        typename TestFixture::Setting{.bc = this->kGiven, .ic = on_knots ? knots : this->kGiven};
+    s.bc_type = shape.is(Kind::midpoint) ? 128 : 2;
+    s.ic_type = on_knots ? 1 : 0;
+    EXPECT_EQ(this->run(k, s), QOR_DF_OK);
+    s.missing = functions;
+    EXPECT_EQ(this->run(k, s), QOR_DF_OK);
+    s.missing = coefficients;
+    EXPECT_EQ(this->run(k, s), QOR_DF_NULL_SCOEFF);
+    s.missing = values;
+    EXPECT_EQ(this->run(k, s), QOR_DF_NULL_Y);
+    s.bc_type = 3;
+    EXPECT_EQ(this->run(k, s), shape.order == 2 ? QOR_DF_NULL_Y : QOR_DF_BAD_BC_TYPE);
+    s.ic_type = 2;
+    EXPECT_TRUE(shape.order != 3 || this->run(k, s) == QOR_DF_BAD_IC_TYPE);
+    s.yhint = 64;
+    EXPECT_EQ(this->run(k, s), QOR_DF_BAD_Y_HINT);
+    s.method = 1;
+    const bool none = shape.order < 4 || shape.is(Kind::natural);
+    EXPECT_EQ(this->run(k, s), none ? QOR_DF_BAD_METHOD : QOR_DF_BAD_Y_HINT);
+  }
+}
+
+TYPED_TEST(ConstructionChecks, OfQuadratics) {
+  const auto check = [&](typename TestFixture::Setting setting, int status) {
+    setting.missing = values;
+    EXPECT_EQ(this->run(Api<TypeParam>::quadratic, setting), status);
+  };
+  const auto* v = this->kGiven;
+  check({.bc_type = 2, .bc = v}, QOR_DF_BAD_BC_TYPE);
+  check({.bc_type = 128}, QOR_DF_NULL_BC);
+  check({.bc_type = 128, .ic_type = 1, .bc = v}, QOR_DF_BAD_BC_TYPE);
+  check({.bc_type = 12, .ic_type = 1}, QOR_DF_NULL_BC);
+  check({.nx = 2, .bc_type = 1, .ic_type = 1}, QOR_DF_BAD_NX);
+  EXPECT_EQ(this->run(Api<TypeParam>::quadratic, {.ic_type = 1, .ic = nullptr}), QOR_DF_BAD_IC);
+}
+
 TYPED_TEST(ConstructionChecks, OfCubics) {
   const auto* v = this->kGiven;
   for (const SplineShape& shape : spline_shapes()) {
     if (shape.order != 4) continue;
     SCOPED_TRACE(shape.name);
     const Kernel k = kernel_of<TypeParam>(shape.kind);
-    const bool natural = shape.is(SplineKind::natural);
-    const int no_ic = shape.takes_inner() ? QOR_DF_BAD_IC : QOR_DF_NULL_Y;
+    const bool akima = shape.is(Kind::akima), natural = shape.is(Kind::natural);
     EXPECT_EQ(this->run(k, {.nx = shape.fewest}), QOR_DF_OK);
     EXPECT_EQ(this->run(k, {.nx = natural ? 2 : shape.fewest - 1, .bc_type = 1, .yhint = 64}),
               QOR_DF_BAD_NX);
-    EXPECT_EQ(this->run(k, {.bc_type = 3, .yhint = 64}), QOR_DF_BAD_Y_HINT);
     EXPECT_EQ(this->run(k, {.bc_type = 3, .ic = nullptr}), QOR_DF_BAD_BC_TYPE);
     EXPECT_EQ(this->run(k, {.bc_type = 128, .bc = v}), QOR_DF_BAD_BC_TYPE);
-    EXPECT_EQ(this->run(k, {.bc_type = 0}),
-              shape.is(SplineKind::akima) ? QOR_DF_OK : QOR_DF_BAD_BC_TYPE);
+    EXPECT_EQ(this->run(k, {.bc_type = 0}), akima ? QOR_DF_OK : QOR_DF_BAD_BC_TYPE);
     for (const int64_t bc_type : {12, 24, 36, 48}) {
       EXPECT_EQ(this->run(k, {.bc_type = bc_type, .ic = nullptr}), QOR_DF_NULL_BC);
       EXPECT_EQ(this->run(k, {.bc_type = bc_type, .bc = v}), QOR_DF_OK);
@@ -113,46 +154,10 @@ TYPED_TEST(ConstructionChecks, OfCubics) {
       EXPECT_EQ(this->run(k, {.bc_type = 64, .s_type = s_type}), QOR_DF_NULL_BC);
     }
     EXPECT_EQ(this->run(k, {.bc_type = 64}), shape.takes_inner() ? QOR_DF_NULL_BC : QOR_DF_OK);
-    EXPECT_EQ(this->run(k, {.ic = nullptr, .missing = values}), no_ic);
-    EXPECT_EQ(this->run(k, {.missing = coefficients}), QOR_DF_NULL_SCOEFF);
-    EXPECT_EQ(this->run(k, {.missing = functions}), QOR_DF_OK);
+    EXPECT_EQ(this->run(k, {.ic = nullptr, .missing = values}),
+              shape.takes_inner() ? QOR_DF_BAD_IC : QOR_DF_NULL_Y);
     EXPECT_EQ(this->run(k, {.bc_type = 64, .bc = v, .closed = false}), QOR_DF_NOT_PERIODIC);
-    EXPECT_EQ(this->run(k, {.method = 1}), natural ? QOR_DF_BAD_METHOD : QOR_DF_OK);
   }
-}
-
-TYPED_TEST(ConstructionChecks, OfLinearAndQuadratic) {
-  const auto* v = this->kGiven;
-  struct Case {
-    typename TestFixture::Setting setting;
-    int status;
-  };
-  const auto check = [&](Kernel kernel, const std::vector<Case>& cases) {
-    for (size_t k = 0; k < cases.size(); ++k) {
-      EXPECT_EQ(this->run(kernel, cases[k].setting), cases[k].status) << k;
-    }
-  };
-  check(Api<TypeParam>::linear, {{{.nx = 2}, QOR_DF_OK},
-                                 {{.method = 1, .yhint = 64}, QOR_DF_BAD_METHOD},
-                                 {{.yhint = 64, .missing = values}, QOR_DF_BAD_Y_HINT},
-                                 {{.missing = values}, QOR_DF_NULL_Y},
-                                 {{.missing = coefficients}, QOR_DF_NULL_SCOEFF},
-                                 {{.missing = functions}, QOR_DF_OK}});
-  check(Api<TypeParam>::quadratic,
-        {{{.bc_type = 128, .bc = v}, QOR_DF_OK},
-         {{.method = 2, .yhint = 64}, QOR_DF_BAD_METHOD},
-         {{.ic_type = 2, .yhint = 64}, QOR_DF_BAD_Y_HINT},
-         {{.bc_type = 3, .ic_type = 2}, QOR_DF_BAD_IC_TYPE},
-         {{.bc_type = 2, .bc = v}, QOR_DF_BAD_BC_TYPE},
-         {{.bc_type = 128, .missing = values}, QOR_DF_NULL_BC},
-         {{.bc_type = 128, .bc = v, .missing = values}, QOR_DF_NULL_Y},
-         {{.bc_type = 128, .bc = v, .missing = coefficients}, QOR_DF_NULL_SCOEFF},
-         {{.bc_type = 128, .bc = v, .missing = functions}, QOR_DF_OK},
-         {{.bc_type = 128, .ic_type = 1, .bc = v}, QOR_DF_BAD_BC_TYPE},
-         {{.bc_type = 12, .ic_type = 1, .ic = nullptr}, QOR_DF_NULL_BC},
-         {{.nx = 2, .bc_type = 1, .ic_type = 1, .missing = values}, QOR_DF_BAD_NX},
-         {{.bc_type = 2, .ic_type = 1, .ic = nullptr, .missing = values}, QOR_DF_NULL_Y},
-         {{.bc_type = 2, .ic_type = 1, .ic = nullptr}, QOR_DF_BAD_IC}});
 }
 
 TYPED_TEST(ConstructionChecks, KnotsInterleaveBreakpoints) {

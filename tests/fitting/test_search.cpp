@@ -85,6 +85,16 @@ class CellSearch : public BothPrecisions<Real> {
     EXPECT_EQ(search<Real>(task, site, {.search = {guess_badly<Real>}}), expected) << x.size();
     std::sort(site.begin(), site.end());
     EXPECT_EQ(search<Real>(task, site, {.hint = QOR_DF_SORTED}), defined_cells(x, site));
+    const Real left = x.front() - 5, right = x.back() + 5;
+    for (const std::vector<Real>& ends : {std::vector{left, right}, {right, left}}) {
+      for (const int64_t nsite : {1, 2, 4097}) {
+        const Real step = nsite < 2 ? 0 : (ends[1] - ends[0]) / static_cast<Real>(nsite - 1);
+        site.clear();
+        for (int64_t i = 0; i < nsite; ++i) site.push_back(static_cast<Real>(i) * step + ends[0]);
+        EXPECT_EQ(search<Real>(task, ends, {.hint = QOR_DF_UNIFORM_SITES, .nsite = nsite}),
+                  defined_cells(x, site));
+      }
+    }
   }
 };
 TYPED_TEST_SUITE(CellSearch, Precisions);
@@ -101,23 +111,6 @@ TYPED_TEST(CellSearch, EveryMethodFindsTheDefinedCell) {
     for (int64_t i = 0; i < nx; ++i) x.push_back(static_cast<Real>(i) / 4);
     const Real ends[2] = {x.front(), x.back()};
     this->check_methods(Task<Real>(nx, ends, QOR_DF_UNIFORM_PARTITION), x);
-  }
-}
-
-TYPED_TEST(CellSearch, UniformSites) {
-  using Real = TypeParam;
-  const auto x = breakpoints<Real>(150);
-  for (const int64_t xhint : {0, 2}) {
-    const Task<Real> task(150, x.data(), xhint);
-    for (const auto& ends : {std::vector<Real>{-5, 160}, std::vector<Real>{160, -5}}) {
-      for (const int64_t nsite : {1, 2, 4096, 4097, 9000}) {
-        std::vector<Real> site;
-        const Real step = nsite < 2 ? 0 : (ends[1] - ends[0]) / static_cast<Real>(nsite - 1);
-        for (int64_t i = 0; i < nsite; ++i) site.push_back(static_cast<Real>(i) * step + ends[0]);
-        EXPECT_EQ(search<Real>(task, ends, {.hint = QOR_DF_UNIFORM_SITES, .nsite = nsite}),
-                  defined_cells(x, site));
-      }
-    }
   }
 }
 
