@@ -47,10 +47,7 @@ constexpr ThreadHook hook_of(ItemRunner run) {
 inline std::vector<ThreadHook> test_hooks() {
   std::vector<ThreadHook> hooks;
   for (const ItemRunner run : {run_in_order, run_in_reverse, run_on_threads}) {
-    hooks.push_back(hook_of<1>(run));
-    hooks.push_back(hook_of<2>(run));
-    hooks.push_back(hook_of<3>(run));
-    hooks.push_back(hook_of<7>(run));
+    hooks.insert(hooks.end(), {hook_of<1>(run), hook_of<2>(run), hook_of<3>(run), hook_of<7>(run)});
   }
   return hooks;
 }

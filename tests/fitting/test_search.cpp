@@ -10,12 +10,15 @@
 namespace qor::test {
 namespace {
 
-// The cell by its definition.
+// The cells by their definition.
 template <class Real>
-int32_t defined_cell(const std::vector<Real>& x, Real s) {
-  if (s == x.back()) return static_cast<int32_t>(x.size()) - 1;
-  return static_cast<int32_t>(
-      std::count_if(x.begin(), x.end(), [s](Real breakpoint) { return breakpoint <= s; }));
+std::vector<int32_t> defined_cells(const std::vector<Real>& x, const std::vector<Real>& site) {
+  std::vector<int32_t> cell;
+  for (const Real s : site) {
+    const auto below = std::upper_bound(x.begin(), x.end(), s) - x.begin();
+    cell.push_back(static_cast<int32_t>(s == x.back() ? below - 1 : below));
+  }
+  return cell;
 }
 
 template <class Real>
@@ -41,23 +44,19 @@ std::vector<Real> sites_around(const std::vector<Real>& x) {
 }
 
 template <class Real>
-class CellSearch : public BothPrecisions<Real> {
- protected:
-  using SearchCallback = typename Api<Real>::Search;
-  static std::vector<int32_t> search(DFTask* task, const std::vector<Real>& site, int64_t sitehint,
-                                     const Real* datahint = nullptr,
-                                     SearchCallback callback = nullptr, int expected = 0,
-                                     void* params = nullptr) {
-    std::vector<int32_t> cell(site.size() + 1, -7);
-    EXPECT_EQ(Api<Real>::search(task, 0, static_cast<int64_t>(site.size()), site.data(), sitehint,
-                                datahint, cell.data(), callback, params, nullptr),
-              expected);
-    EXPECT_EQ(cell.back(), -7);
-    cell.pop_back();
-    return cell;
-  }
-};
-TYPED_TEST_SUITE(CellSearch, Precisions);
+using Told = typename Task<Real>::Sites;
+
+// The cells; the search is to have the status.
+template <class Real>
+std::vector<int32_t> search(const Task<Real>& task, const std::vector<Real>& site,
+                            const Told<Real>& told = {}, int status = QOR_DF_OK) {
+  const size_t n = told.nsite < 0 ? site.size() : static_cast<size_t>(told.nsite);
+  std::vector<int32_t> cell(n + 1, -7);
+  EXPECT_EQ(task.search(site, cell.data(), told), status);
+  EXPECT_EQ(cell.back(), -7);
+  cell.pop_back();
+  return cell;
+}
 
 // Guesses that are wrong in every way.
 template <class Real>
@@ -70,124 +69,99 @@ int guess_badly(const int64_t* n, const Real*, int64_t* cell, int64_t* flag, voi
   return 0;
 }
 
-TYPED_TEST(CellSearch, EveryMethodFindsTheDefinedCell) {
-  using Real = TypeParam;
-  const Real none[5] = {0, 0, 0, 0, 0}, peak[5] = {0, 1, 0, 0, 1};
-  for (const size_t n : {2u, 3u, 17u, 41u, 42u, 100u, 101u, 102u, 200u, 1000u}) {
-    const auto x = breakpoints<Real>(n);
+template <class Real>
+class CellSearch : public BothPrecisions<Real> {
+ protected:
+  static constexpr Real kNone[5] = {}, kPeak[5] = {0, 1, 0, 0, 1};
+
+  // Every method that the task has for these sites finds the defined cells.
+  static void check_methods(const Task<Real>& task, const std::vector<Real>& x) {
     auto site = sites_around(x);
     std::shuffle(site.begin(), site.end(), std::mt19937(3));
-    auto sorted = site;
-    std::sort(sorted.begin(), sorted.end());
-    const auto nx = static_cast<int64_t>(n);
-    for (const int64_t xhint : {0, 1, 2}) {
-      Task<Real> task(nx, x.data(), xhint);
-      std::vector<int32_t> expected(site.size());
-      const auto defined = [&](Real s) { return defined_cell(x, s); };
-      std::transform(site.begin(), site.end(), expected.begin(), defined);
-      EXPECT_EQ(this->search(task, site, 0), expected) << n;
-      EXPECT_EQ(this->search(task, site, 0, none), expected) << n;
-      EXPECT_EQ(this->search(task, site, 0, peak), expected) << n;
-      EXPECT_EQ(this->search(task, site, 0, nullptr, guess_badly<Real>), expected) << n;
-      std::transform(sorted.begin(), sorted.end(), expected.begin(), defined);
-      EXPECT_EQ(this->search(task, sorted, QOR_DF_SORTED), expected) << n;
+    const auto expected = defined_cells(x, site);
+    for (const Real* hint : {static_cast<const Real*>(nullptr), kNone, kPeak}) {
+      EXPECT_EQ(search<Real>(task, site, {.data_hint = hint}), expected) << x.size();
+    }
+    EXPECT_EQ(search<Real>(task, site, {.search = {guess_badly<Real>}}), expected) << x.size();
+    std::sort(site.begin(), site.end());
+    EXPECT_EQ(search<Real>(task, site, {.hint = QOR_DF_SORTED}), defined_cells(x, site));
+    const Real left = x.front() - 5, right = x.back() + 5;
+    for (const std::vector<Real>& ends : {std::vector{left, right}, {right, left}}) {
+      for (const int64_t nsite : {1, 2, 4097}) {
+        const Real step = nsite < 2 ? 0 : (ends[1] - ends[0]) / static_cast<Real>(nsite - 1);
+        site.clear();
+        for (int64_t i = 0; i < nsite; ++i) site.push_back(static_cast<Real>(i) * step + ends[0]);
+        EXPECT_EQ(search<Real>(task, ends, {.hint = QOR_DF_UNIFORM_SITES, .nsite = nsite}),
+                  defined_cells(x, site));
+      }
     }
   }
-}
+};
+TYPED_TEST_SUITE(CellSearch, Precisions);
 
-TYPED_TEST(CellSearch, UniformPartition) {
+TYPED_TEST(CellSearch, EveryMethodFindsTheDefinedCell) {
   using Real = TypeParam;
+  for (const int64_t nx : {2, 3, 17, 41, 42, 100, 101, 102, 200, 1000}) {
+    const auto x = breakpoints<Real>(static_cast<size_t>(nx));
+    for (const int64_t xhint : {0, 1, 2}) this->check_methods(Task<Real>(nx, x.data(), xhint), x);
+  }
   // From 0 in steps of a power of two, where distances and quotients are exact.
   for (const int64_t nx : {2, 5, 129}) {
     std::vector<Real> x;
-    for (int64_t i = 0; i < nx; ++i) x.push_back(Real(0.25) * static_cast<Real>(i));
+    for (int64_t i = 0; i < nx; ++i) x.push_back(static_cast<Real>(i) / 4);
     const Real ends[2] = {x.front(), x.back()};
-    const auto site = sites_around(x);
-    std::vector<int32_t> expected;
-    for (const Real s : site) expected.push_back(defined_cell(x, s));
-    Task<Real> task(nx, ends, QOR_DF_UNIFORM_PARTITION);
-    EXPECT_EQ(this->search(task, site, 0), expected);
-    EXPECT_EQ(this->search(task, site, QOR_DF_SORTED), expected);
-    EXPECT_EQ(this->search(task, site, 0, nullptr, guess_badly<Real>), expected);
-  }
-}
-
-TYPED_TEST(CellSearch, UniformSites) {
-  using Real = TypeParam;
-  const auto x = breakpoints<Real>(150);
-  Task<Real> task(150, x.data(), 0), quasi(150, x.data(), 2);
-  for (const auto& ends : {std::vector<Real>{-5, 160}, std::vector<Real>{160, -5}}) {
-    for (const int64_t nsite : {1, 2, 4096, 4097, 9000}) {
-      std::vector<Real> site;
-      const Real step = nsite < 2 ? 0 : (ends[1] - ends[0]) / static_cast<Real>(nsite - 1);
-      for (int64_t i = 0; i < nsite; ++i) site.push_back(static_cast<Real>(i) * step + ends[0]);
-      for (DFTask* t : {static_cast<DFTask*>(task), static_cast<DFTask*>(quasi)}) {
-        std::vector<int32_t> cell(site.size());
-        ASSERT_EQ(Api<Real>::search(t, 0, nsite, ends.data(), QOR_DF_UNIFORM_SITES, nullptr,
-                                    cell.data(), nullptr, nullptr, nullptr),
-                  0);
-        for (size_t i = 0; i < site.size(); ++i) ASSERT_EQ(cell[i], defined_cell(x, site[i]));
-      }
-    }
+    this->check_methods(Task<Real>(nx, ends, QOR_DF_UNIFORM_PARTITION), x);
   }
 }
 
 TYPED_TEST(CellSearch, DataHints) {
   using Real = TypeParam;
   const auto x = breakpoints<Real>(50);
-  Task<Real> task(50, x.data(), 0);
+  const Task<Real> task(50, x.data(), 0);
   const Real nan = std::numeric_limits<Real>::quiet_NaN();
-  struct Case {
-    Real selector, peak;
-    int status;
+  const auto check = [&](Real selector, Real peak, int status) {
+    const Real hint[5] = {9, selector, 9, 9, peak};
+    search<Real>(task, {1, 2}, {.data_hint = hint}, status);
+    search<Real>(task, {1, 2}, {.hint = QOR_DF_SORTED, .data_hint = hint});  // not looked at
   };
-  for (const Case& c :
-       {Case{0, -1, 0}, Case{1, 0, 0}, Case{1, 50, 0}, Case{1, -1, -1026}, Case{1, 51, -1026},
-        Case{2, 3, -1026}, Case{nan, 3, -1026}, Case{1, nan, -1026}}) {
-    const Real hint[5] = {9, c.selector, 9, 9, c.peak};
-    this->search(task, {1, 2}, 0, hint, nullptr, c.status);
-    this->search(task, {1, 2}, QOR_DF_SORTED, hint);  // not looked at
-  }
+  check(0, -1, QOR_DF_OK);
+  for (const Real peak : {Real(0), Real(50)}) check(1, peak, QOR_DF_OK);
+  for (const Real peak : {Real(-1), Real(51), nan}) check(1, peak, QOR_DF_BAD_DATA_HINT);
+  for (const Real selector : {Real(2), nan}) check(selector, 3, QOR_DF_BAD_DATA_HINT);
 }
 
 // NaN sites get a number of a cell; their neighbours are not disturbed.
 TYPED_TEST(CellSearch, NanSites) {
   using Real = TypeParam;
-  const Real nan = std::numeric_limits<Real>::quiet_NaN(), peak[5] = {0, 1, 0, 0, 0};
-  for (const size_t n : {4u, 60u, 500u}) {
-    const auto x = breakpoints<Real>(n);
-    const auto nx = static_cast<int64_t>(n);
+  const Real nan = std::numeric_limits<Real>::quiet_NaN();
+  for (const int64_t nx : {4, 60, 500}) {
+    const auto x = breakpoints<Real>(static_cast<size_t>(nx));
     const std::vector<Real> site = {nan, Real(0.5), nan, Real(2.5), x.back() + 1, nan};
-    const auto check = [&](const std::vector<int32_t>& cell) {
+    const Real ends[2] = {0, static_cast<Real>(nx - 1)};
+    const Task<Real> task(nx, x.data(), 0), quasi(nx, x.data(), 2), uniform(nx, ends, 4);
+    for (const auto& cell :
+         {search(task, site), search<Real>(task, site, {.hint = QOR_DF_SORTED}),
+          search<Real>(task, site, {.data_hint = this->kPeak}),
+          search<Real>(task, site, {.search = {guess_badly<Real>}}), search(quasi, site),
+          search(uniform, site), search<Real>(uniform, site, {.hint = QOR_DF_SORTED})}) {
       for (const int32_t c : cell) EXPECT_TRUE(c >= 0 && c <= nx) << c;
       EXPECT_EQ(cell[1], 1);
       EXPECT_EQ(cell[3], 3);
       EXPECT_EQ(cell[4], nx);
-    };
-    Task<Real> task(nx, x.data(), 0), quasi(nx, x.data(), 2);
-    check(this->search(task, site, 0));
-    check(this->search(task, site, QOR_DF_SORTED));
-    check(this->search(task, site, 0, peak));
-    check(this->search(task, site, 0, nullptr, guess_badly<Real>));
-    check(this->search(quasi, site, 0));
-    const Real ends[2] = {0, static_cast<Real>(n - 1)};
-    Task<Real> uniform(nx, ends, 4);
-    check(this->search(uniform, site, 0));
+    }
+    if (nx != 500) continue;
+    // Bisection to a window takes a NaN to the window's left end.
+    EXPECT_EQ(search<Real>(task, {nan})[0], 437);
+    EXPECT_EQ(search<Real>(task, {nan}, {.data_hint = this->kPeak})[0], 467);
   }
-  // Bisection to a window takes a NaN to the window's left end.
-  const auto x = breakpoints<Real>(500);
-  Task<Real> task(500, x.data(), 0);
-  EXPECT_EQ(this->search(task, {nan}, 0)[0], 437);
-  EXPECT_EQ(this->search(task, {nan}, 0, peak)[0], 467);
 }
 
 // Sites that break the promise of order follow their predecessor.
 TYPED_TEST(CellSearch, SortedDoesNotLookBack) {
-  using Real = TypeParam;
-  const auto x = breakpoints<Real>(20);
-  Task<Real> task(20, x.data(), 0);
-  const std::vector<Real> site = {5.5, 3, -1, 4.5, x.back(), 4.5, 30, 7, 7};
-  EXPECT_EQ(this->search(task, site, QOR_DF_SORTED),
+  const auto x = breakpoints<TypeParam>(20);
+  const Task<TypeParam> task(20, x.data(), 0);
+  const std::vector<TypeParam> site = {5.5, 3, -1, 4.5, x.back(), 4.5, 30, 7, 7};
+  EXPECT_EQ(search<TypeParam>(task, site, {.hint = QOR_DF_SORTED}),
             (std::vector<int32_t>{6, 6, 0, 5, 19, 5, 20, 20, 20}));
 }
 
@@ -205,57 +179,44 @@ TYPED_TEST(CellSearch, CallbackStatusesAndFlags) {
   using Real = TypeParam;
   const auto x = breakpoints<Real>(20);
   const Real ends[2] = {0, 19};
-  const std::vector<Real> site = {5, 9, 11, 30};
-  const auto callback = search_with_flags<Real>;
   for (const int64_t xhint : {0, 4}) {
-    Task<Real> task(20, xhint == 4 ? ends : x.data(), xhint);
-    const auto run = [&](int given, int returned) {
-      return this->search(task, site, 0, nullptr, callback, returned, &given);
+    const Task<Real> task(20, xhint == 4 ? ends : x.data(), xhint);
+    const auto run = [&](int given, int returned, const std::vector<Real>& site) {
+      return search<Real>(task, site, {.search = {search_with_flags<Real>, &given}}, returned);
     };
-    EXPECT_EQ(run(0, 0), (std::vector<int32_t>{2, 2, 12, 20}));
-    EXPECT_EQ(run(5, 5), (std::vector<int32_t>{2, 2, 12, 20}));
-    EXPECT_EQ(run(1000, 0), (std::vector<int32_t>{2, 2, 2, 2}));
-    EXPECT_EQ(run(-3, -3), (std::vector<int32_t>{-7, -7, -7, -7}));
-    int final = 1000;
-    EXPECT_EQ(this->search(task, {}, 0, nullptr, callback, 0, &final), std::vector<int32_t>{});
+    const std::vector<Real> site = {5, 9, 11, 30};
+    EXPECT_EQ(run(0, 0, site), (std::vector<int32_t>{2, 2, 12, 20}));
+    EXPECT_EQ(run(5, 5, site), (std::vector<int32_t>{2, 2, 12, 20}));
+    EXPECT_EQ(run(1000, 0, site), (std::vector<int32_t>{2, 2, 2, 2}));
+    EXPECT_EQ(run(-3, -3, site), (std::vector<int32_t>{-7, -7, -7, -7}));
+    EXPECT_EQ(run(1000, 0, {}), std::vector<int32_t>{});
   }
 }
 
 TYPED_TEST(CellSearch, SingleMethods) {
   using Real = TypeParam;
   using A = Api<Real>;
-  const std::vector<Real> x = {0, 1, 2, 3, 4};
-  const Real ends[2] = {0, 4};
-  const std::vector<Real> site = {-1, 0, Real(2.5), 3, 4, 5};
+  const Real x[5] = {0, 1, 2, 3, 4}, ends[2] = {0, 4}, site[6] = {-1, 0, 2.5, 3, 4, 5};
   const std::vector<int32_t> expected = {0, 1, 3, 4, 4, 5};
   std::vector<int32_t> cell(6);
+  const auto guess = guess_badly<Real>;
   const auto check = [&](int status) {
     EXPECT_EQ(status, 0);
     EXPECT_EQ(cell, expected);
     std::fill(cell.begin(), cell.end(), -1);
   };
-  for (const auto method : {A::uniform_search, A::uniform_search32}) {
-    check(method(5, ends, 6, site.data(), 1, cell.data()));
-  }
-  for (const auto method : {A::quasi_search, A::quasi_search32}) {
-    check(method(5, x.data(), 6, site.data(), Real(1.25), cell.data()));
-  }
-  for (const auto method :
-       {A::hybrid_search, A::hybrid_search32, A::peak_search, A::peak_search32}) {
-    check(method(5, x.data(), 6, site.data(), cell.data()));
-  }
-  for (const auto method : {A::sorted_search, A::sorted_search32}) {
-    int32_t last = 0;
-    EXPECT_EQ(method(5, x.data(), 3, site.data(), &last, cell.data()), 0);
+  for (const size_t name : {0u, 1u}) {
+    int32_t last = 0, *c = cell.data();
+    check(A::uniform_search[name](5, ends, 6, site, 1, c));
+    check(A::quasi_search[name](5, x, 6, site, Real(1.25), c));
+    check(A::hybrid_search[name](5, x, 6, site, c));
+    check(A::peak_search[name](5, x, 6, site, c));
+    check(A::user_search[name](5, x, 6, site, guess, nullptr, c));
+    check(A::uniform_user_search[name](5, ends, 6, site, 1, guess, nullptr, c));
+    EXPECT_EQ(A::sorted_search[name](5, x, 3, site, &last, c), 0);
     EXPECT_EQ(last, 3);
-    check(method(5, x.data(), 3, site.data() + 3, &last, cell.data() + 3));
+    check(A::sorted_search[name](5, x, 3, site + 3, &last, c + 3));
     EXPECT_EQ(last, 5);
-  }
-  for (const auto method : {A::user_search, A::user_search32}) {
-    check(method(5, x.data(), 6, site.data(), guess_badly<Real>, nullptr, cell.data()));
-  }
-  for (const auto method : {A::uniform_user_search, A::uniform_user_search32}) {
-    check(method(5, ends, 6, site.data(), 1, guess_badly<Real>, nullptr, cell.data()));
   }
 }
 

@@ -1,133 +1,126 @@
 // Interpolation and integration on teams: the same bits with every team, statuses from any member.
 
-#include <atomic>
-#include <cmath>
-
-#include "tests/fitting/api.h"
+#include "tests/fitting/pieces.h"
 #include "tests/fitting/teams.h"
+
+#ifdef QOR_HAS_TEAM
+#include <atomic>
+
+#include "front/team/team.h"
+#endif
 
 namespace qor::test {
 namespace {
 
 constexpr int64_t kSites = 10007;
 
+// All that a team may disturb: values, derivatives and cells, and integrals where they have the
+// layout, at sites in no order.
 template <class Real>
-struct Curves {
-  std::vector<Real> x, y, c, site, other;
-
-  Curves() : c(3 * 4 * 199) {
-    for (int i = 0; i < 200; ++i)
-      x.push_back(static_cast<Real>(i) + Real(0.125) * static_cast<Real>(i % 5));
-    for (int k = 0; k < 600; ++k) y.push_back(std::sin(static_cast<Real>(k)));
-    for (int64_t i = 0; i < kSites; ++i) {
-      site.push_back(static_cast<Real>((i * 7919) % kSites) / 47 - 3);
-      other.push_back(static_cast<Real>((i * 104729) % kSites) / 47 - 3);
-    }
+std::vector<Real> results(const Pieces<Real>& p, int64_t nsite, int64_t layout,
+                          const ThreadHook* hook) {
+  const auto n = static_cast<size_t>(nsite);
+  std::vector<Real> site, other, r(9 * n);
+  for (int64_t i = 0; i < nsite; ++i) {
+    site.push_back(static_cast<Real>((i * 7919) % kSites) / 95 - 4);
+    other.push_back(static_cast<Real>((i * 104729) % kSites) / 95 - 4);
   }
-};
+  std::vector<int32_t> cell(n);
+  typename Task<Real>::Sites s{.type = 2, .derivatives = {1, 1}, .layout = layout, .hook = hook};
+  s.cell = cell.data();
+  EXPECT_EQ(p.task.interpolate(site, r.data(), s), 0);
+  if (layout <= 32) {
+    EXPECT_EQ(p.task.integrate(site, other, &r[6 * n], {.layout = layout, .hook = hook}), 0);
+  }
+  r.insert(r.end(), cell.begin(), cell.end());
+  return r;
+}
 
 template <class Real>
 class Teams : public BothPrecisions<Real> {};
 TYPED_TEST_SUITE(Teams, Precisions);
 
 TYPED_TEST(Teams, GiveTheSameBits) {
-  using Real = TypeParam;
-  Curves<Real> v;
-  Task<Real> task(200, v.x.data(), 0, 3, v.y.data());
-  ASSERT_EQ(task.spline(4, 4, v.c.data(), 0), 0);
-  ASSERT_EQ(Api<Real>::akima(task, 0, 0, nullptr), 0);
-  const size_t results = 6 * static_cast<size_t>(kSites);
-  for (const int64_t nsite : {int64_t{4096}, int64_t{4097}, kSites}) {
+  const Pieces<TypeParam> p(200, 3, 4);
+  for (const int64_t nsite : {int64_t{4097}, kSites}) {
     for (const int64_t layout : {16, 32, 256, 512}) {
-      std::vector<Real> alone(results), shared(results);
-      std::vector<int32_t> alone_cell(v.site.size()), cell(v.site.size());
-      ASSERT_EQ(
-          task.interpolate(
-              nsite, v.site.data(), alone.data(),
-              {.type = 2, .derivatives = {1, 1}, .layout = layout, .cell = alone_cell.data()}),
-          0);
+      const auto alone = results<TypeParam>(p, nsite, layout, nullptr);
       for (const ThreadHook& hook : test_hooks()) {
-        std::fill(shared.begin(), shared.end(), Real(0));
-        ASSERT_EQ(task.interpolate(nsite, v.site.data(), shared.data(),
-                                   {.type = 2,
-                                    .derivatives = {1, 1},
-                                    .layout = layout,
-                                    .cell = cell.data(),
-                                    .hook = &hook}),
-                  0);
-        ASSERT_EQ(shared, alone);
-        ASSERT_EQ(cell, alone_cell);
-      }
-    }
-    for (const int64_t layout : {16, 32}) {
-      std::vector<Real> alone(results), shared(results);
-      ASSERT_EQ(
-          task.integrate(nsite, v.site.data(), v.other.data(), alone.data(), {.layout = layout}),
-          0);
-      for (const ThreadHook& hook : test_hooks()) {
-        ASSERT_EQ(task.integrate(nsite, v.site.data(), v.other.data(), shared.data(),
-                                 {.layout = layout, .hook = &hook}),
-                  0);
-        ASSERT_EQ(shared, alone);
+        ASSERT_EQ(results(p, nsite, layout, &hook), alone);
       }
     }
   }
 }
 
 TYPED_TEST(Teams, FewSitesStayOnTheCallingThread) {
-  using Real = TypeParam;
-  Curves<Real> v;
-  Task<Real> task(200, v.x.data(), 0, 1, v.y.data());
-  ASSERT_EQ(task.spline(2, 0, v.c.data()), 0);
-  ASSERT_EQ(Api<Real>::linear(task, 0, 0, nullptr), 0);
-  std::vector<Real> r(v.site.size());
   static int runs;
   runs = 0;
-  const ThreadHook hook =
-      hook_of<4>([](int64_t items, int64_t threads, void* context, qor_item_routine routine) {
-        ++runs;
-        EXPECT_EQ(items, threads);
-        run_in_order(items, threads, context, routine);
-      });
-  ASSERT_EQ(task.interpolate(4096, v.site.data(), r.data(), {.hook = &hook}), 0);
+  const ThreadHook hook = hook_of<4>([](int64_t items, int64_t threads, void*, qor_item_routine) {
+    ++runs;
+    EXPECT_EQ(items, threads);
+  });
+  const Pieces<TypeParam> p(200, 1, 2);
+  std::vector<TypeParam> r(4097);
+  p.task.interpolate(p.ascending_sites(4096), r.data(), {.hook = &hook});
   EXPECT_EQ(runs, 0);
-  ASSERT_EQ(task.interpolate(4097, v.site.data(), r.data(), {.hook = &hook}), 0);
+  p.task.interpolate(p.ascending_sites(4097), r.data(), {.hook = &hook});
   EXPECT_EQ(runs, 1);
 }
 
-// Negative from the first call that sees a site beyond the threshold.
 template <class Real>
-int fail_beyond(const int64_t* n, const Real* site, const int32_t*, Real* result, void* params,
-                void*) {
-  for (int64_t i = 0; i < *n; ++i) {
-    if (site[i] > *static_cast<Real*>(params)) return -31;
-    result[i] = site[i];
-  }
-  return 0;
+int fail_values(const int64_t*, const Real*, const int32_t*, Real*, void*, void*) {
+  return -31;
+}
+template <class Real>
+int fail_integrals(const int64_t*, const Real*, const Real*, Real*, void*, void*) {
+  return -32;
 }
 
+// From the first member, from the last, and from all.
 TYPED_TEST(Teams, ReportFailuresOfMembers) {
   using Real = TypeParam;
-  Curves<Real> v;
-  std::vector<Real> ascending;
-  for (int64_t i = 0; i < kSites; ++i) ascending.push_back(static_cast<Real>(i) / 52);
-  Task<Real> task(200, v.x.data(), 0, 1, v.y.data());
-  ASSERT_EQ(task.spline(0, 0, nullptr), 0);
-  const auto callback = fail_beyond<Real>;
+  const Pieces<Real> p(200, 1, 2);
+  const auto site = p.ascending_sites(kSites);
+  std::vector<Real> r(site.size());
+  const auto values = fail_values<Real>;
+  const auto integrals = fail_integrals<Real>;
   for (const ThreadHook& hook : test_hooks()) {
-    for (const Real limit : {Real(-1), Real(100), Real(1000)}) {
-      std::vector<Real> r(ascending.size());
-      Real threshold = limit;
-      EXPECT_EQ(task.interpolate(kSites, ascending.data(), r.data(),
-                                 {.left = callback,
-                                  .right = callback,
-                                  .inside = callback,
-                                  .params = &threshold,
-                                  .hook = &hook}),
-                limit > 500 ? 0 : -31);
+    EXPECT_EQ(p.task.interpolate(site, r.data(), {.left = {values}, .hook = &hook}), -31);
+    EXPECT_EQ(p.task.interpolate(site, r.data(), {.right = {values}, .hook = &hook}), -31);
+    EXPECT_EQ(p.task.interpolate(site, r.data(), {.inside = {values}, .hook = &hook}), -31);
+    EXPECT_EQ(p.task.integrate(site, site, r.data(), {.right = {integrals}, .hook = &hook}), -32);
+  }
+}
+
+#ifdef QOR_HAS_TEAM
+
+// The default team: all items and members are called once.
+TEST(OpenMpTeam, CallsEveryItemAndMemberOnce) {
+  const ThreadHook& team = *qor_team_openmp();
+  EXPECT_GE(team.thread_count(), 1);
+  using Calls = std::array<std::atomic<int>, 101>;
+  const auto count = [](int64_t item, int64_t, int64_t, void* context) {
+    ++(*static_cast<Calls*>(context))[static_cast<size_t>(item)];
+  };
+  for (const int64_t threads : {1, 2, 7}) {
+    for (const int64_t items : {0, 1, 5, 100}) {
+      Calls calls{}, members{};
+      team.run_items(items, threads, &calls, count);
+      team.run_team(threads, &members, count);
+      for (int64_t i = 0; i < 101; ++i) {
+        EXPECT_EQ(calls[static_cast<size_t>(i)], i < items ? 1 : 0);
+        EXPECT_EQ(members[static_cast<size_t>(i)], i < threads ? 1 : 0);
+      }
     }
   }
 }
+
+TEST(OpenMpTeam, GivesTheBitsOfOneThread) {
+  const Pieces<double> p(200, 3, 4);
+  EXPECT_EQ(results(p, kSites, 32, qor_team_openmp()), results(p, kSites, 32, nullptr));
+}
+
+#endif
 
 }  // namespace
 }  // namespace qor::test
