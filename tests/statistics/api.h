@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <deque>
 
 #include "statistics/task.h"
 #include "tests/support/statistics_entries.h"
@@ -36,23 +37,18 @@ class Task {
   void set_number(int64_t code, int64_t value) {
     EXPECT_EQ(__ostiSSEditTask(task_, code, number(value)), QOR_SS_OK);
   }
-  // An integer of the task's width that lives as long as the task.
-  const void* number(int64_t value) {
-    EXPECT_LT(used_, kMost);
-    if (!wide_) {
-      narrow_numbers_[used_] = static_cast<int32_t>(value);
-      return &narrow_numbers_[used_++];
-    }
-    wide_numbers_[used_] = value;
-    return &wide_numbers_[used_++];
-  }
 
  private:
-  static constexpr int kMost = 64;
+  // An integer of the task's width that lives as long as the task.
+  const void* number(int64_t value) {
+    wide_numbers_.push_back(value);
+    narrow_numbers_.push_back(static_cast<int32_t>(value));
+    return wide_ ? static_cast<const void*>(&wide_numbers_.back()) : &narrow_numbers_.back();
+  }
+
   bool wide_;
-  int used_ = 0;
-  int32_t narrow_numbers_[kMost];
-  int64_t wide_numbers_[kMost];
+  std::deque<int32_t> narrow_numbers_;
+  std::deque<int64_t> wide_numbers_;
   SsTask* task_ = nullptr;
 };
 

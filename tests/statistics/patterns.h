@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <ostream>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace qor::test {
@@ -26,10 +26,8 @@ enum class Pattern {
   last
 };
 
-inline const char* name_of(Pattern pattern) {
-  constexpr const char* names[] = {"random",   "sorted", "reversed", "organ pipe", "zigzag",
-                                   "constant", "few",    "narrow",   "outlier",    "periodic"};
-  return names[static_cast<int>(pattern)];
+inline std::ostream& operator<<(std::ostream& out, Pattern pattern) {
+  return out << "pattern " << static_cast<int>(pattern);
 }
 
 inline std::vector<Pattern> all_patterns() {
@@ -65,16 +63,9 @@ std::vector<Real> pattern_data(Pattern pattern, int64_t n, uint64_t seed = 1) {
 template <class Real>
 void add_specials(std::vector<Real>& x) {
   using Limits = std::numeric_limits<Real>;
-  const Real specials[] = {0,
-                           -Real(0),
-                           Limits::infinity(),
-                           -Limits::infinity(),
-                           Limits::quiet_NaN(),
-                           -Limits::quiet_NaN(),
-                           Limits::denorm_min(),
-                           -Limits::denorm_min(),
-                           Limits::max(),
-                           Limits::lowest()};
+  const Real infinity = Limits::infinity(), nan = Limits::quiet_NaN(), tiny = Limits::denorm_min(),
+             most = Limits::max();
+  const Real specials[] = {0, -Real(0), infinity, -infinity, nan, -nan, tiny, -tiny, most, -most};
   for (size_t i = 0; i < x.size(); i += 7) x[i] = specials[i / 7 % std::size(specials)];
 }
 

@@ -1,7 +1,6 @@
 // Teams of threads for tests: members run in order, in reverse, or on plain threads.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <thread>
 #include <vector>
@@ -11,7 +10,7 @@
 namespace qor::test {
 
 inline int64_t offered_threads = 1;
-inline std::atomic<int64_t> last_team_size = 0;
+inline int64_t last_team_size = 0;  // of a team that ran in order
 
 using TeamRunner = void (*)(int64_t, void*, qor_team_routine);
 
