@@ -1,12 +1,15 @@
-// A statistics task for the length of a scope.
+// A statistics task for the length of a scope, and how its tests go through many cases.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <deque>
+#include <tuple>
+#include <vector>
 
 #include "statistics/task.h"
+#include "tests/support/services_interposer.h"
 #include "tests/support/statistics_entries.h"
 
 namespace qor::test {
@@ -51,5 +54,43 @@ class Task {
   std::deque<int64_t> wide_numbers_;
   SsTask* task_ = nullptr;
 };
+
+// One element of each list, in all combinations.
+inline std::vector<std::tuple<>> combinations() { return {{}}; }
+template <class First, class... Rest>
+auto combinations(const std::vector<First>& first, const std::vector<Rest>&... rest) {
+  std::vector<std::tuple<First, Rest...>> all;
+  for (const First& one : first) {
+    for (const auto& others : combinations(rest...)) {
+      all.push_back(std::tuple_cat(std::tuple<First>(one), others));
+    }
+  }
+  return all;
+}
+inline const std::vector<bool> kBools = {false, true};
+
+// Runs what prepare() makes with the first, the second ... allocation failing until none fails:
+// each failure has its status, and nothing is lost. Returns how many there were.
+template <class Prepare>
+long failures_survived(Prepare prepare) {
+  for (long failing = 0;; ++failing) {
+    const long before = live_blocks();
+    bool reached;
+    int status;
+    {
+      auto run = prepare();
+      const FailingAllocations guard(failing);
+      status = run();
+      reached = guard.asked() > failing;
+    }
+    EXPECT_EQ(live_blocks(), before);
+    EXPECT_EQ(status, reached ? QOR_SS_NO_MEMORY : QOR_SS_OK);
+    if (!reached || status == QOR_SS_OK) return failing;
+  }
+}
+
+// The estimators of order, in the files of each.
+template <class Real>
+class OrderAllocation : public ::testing::Test {};
 
 }  // namespace qor::test

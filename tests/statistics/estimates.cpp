@@ -12,12 +12,8 @@ using Number = long double;
 struct Sum {
   Number value = 0, size = 0;
 
-  void add(Number term) {
-    value += term;
-    size += std::abs(term);
-  }
-  Value scaled(Number by) const {
-    return {static_cast<double>(value * by), static_cast<double>(std::abs(size * by))};
+  Value times(Number factor) const {
+    return {static_cast<double>(value * factor), static_cast<double>(std::abs(size * factor))};
   }
 };
 
@@ -26,82 +22,75 @@ Value ratio(Number value) {
   return {rounded, 10 * std::max(1.0, std::abs(rounded))};
 }
 
-Number power(Number base, int exponent) {
-  Number product = 1;
-  for (int i = 0; i < exponent; ++i) product *= base;
-  return product;
+// The sum of term(i) over the observations by their weights.
+template <class Real, class Term>
+Sum sum_of(const Sample<Real>& s, Term term) {
+  Sum sum;
+  for (int64_t i = 0; i < s.n; ++i) {
+    const Number t = s.weight(i) * Number(term(i));
+    sum.value += t;
+    sum.size += std::abs(t);
+  }
+  return sum;
 }
 
-struct Weight {
-  Number sum = 0, squares = 0;
-};
-
-// Those of variable j; returns the mean in use.
+// The sum of a power of the deviations of a variable.
 template <class Real>
-Number add_vectors(const Sample<Real>& s, const Weight& weight, size_t j, const Real* given,
-                   Values& v) {
-  const Number w = weight.sum, unbiased = w / (w * w - weight.squares);
-  const auto at = [&](int64_t i) { return Number{s.at(i, static_cast<int64_t>(j))}; };
-  Sum raw[4], central[3];
-  for (int64_t i = 0; i < s.n; ++i) {
-    for (int k = 0; k < 4; ++k) raw[k].add(s.weight(i) * power(at(i), k + 1));
-  }
-  const Number mean = given != nullptr ? given[j] : raw[0].value / w;
-  for (int64_t i = 0; i < s.n; ++i) {
-    for (int k = 0; k < 3; ++k) central[k].add(s.weight(i) * power(at(i) - mean, k + 2));
-  }
-  if (given != nullptr) raw[0].value = raw[0].size = mean * w;
-  for (size_t k = 0; k < 4; ++k) {
-    v[k][j] = raw[k].scaled(1 / w);
-    v[7 + k][j] = raw[k].scaled(1);
-  }
-  for (size_t k = 0; k < 3; ++k) {
-    // The fast method makes them from raw moments, whose sizes count then.
-    central[k].size += raw[k + 1].size;
-    v[4 + k][j] = central[k].scaled(k == 0 ? unbiased : 1 / w);
-    v[11 + k][j] = central[k].scaled(1);
-  }
-  const Number c2 = central[0].value * unbiased;
-  v[14][j] = ratio(central[2].value / w / (c2 * c2) - 3);
-  v[15][j] = ratio(central[1].value / w / std::sqrt(c2 * c2 * c2));
-  v[16][j] = ratio(std::sqrt(c2) / mean);
-  return mean;
+Sum power_sum(const Sample<Real>& s, int64_t j, Number mean, int power) {
+  return sum_of(s, [&](int64_t i) {
+    const Number d = s.at(i, j) - mean, square = d * d;
+    return (power % 2 == 1 ? d : 1) * (power >= 2 ? square : 1) * (power == 4 ? square : 1);
+  });
 }
 
 }  // namespace
 
 template <class Real>
 Values reference(const Sample<Real>& s, uint64_t method) {
-  const auto p = static_cast<size_t>(s.p);
   Values v;
   for (const Estimate& e : estimates) v.emplace_back(e.values(s.p));
-  Weight weight;
-  for (int64_t i = 0; i < s.n; ++i) {
-    weight.sum += s.weight(i);
-    weight.squares += Number{s.weight(i)} * s.weight(i);
-  }
-  const std::vector<Real> given = given_means<Real>(s.p);
+  const Number w = sum_of(s, [](int64_t) { return 1; }).value,
+               squares = sum_of(s, [&](int64_t i) { return s.weight(i); }).value,
+               unbiased = w / (w * w - squares), scale = 1 / (w - squares / w);
+  const auto given = given_means<Real>(s.p);
   std::vector<Number> means, roots;
   const auto products = [&](size_t j, size_t k) {
-    Sum sum;
-    for (int64_t i = 0; i < s.n; ++i) {
-      sum.add(Number{s.weight(i)} * s.rows[static_cast<size_t>(i) * p + j] *
-              s.rows[static_cast<size_t>(i) * p + k]);
-    }
-    sum.value -= weight.sum * means[j] * means[k];
+    Sum sum = sum_of(s, [&](int64_t i) {
+      return Number{s.at(i, static_cast<int64_t>(j))} * s.at(i, static_cast<int64_t>(k));
+    });
+    sum.value -= w * means[j] * means[k];
     return sum;
   };
+  const auto p = static_cast<size_t>(s.p);
   for (size_t j = 0; j < p; ++j) {
-    means.push_back(add_vectors(s, weight, j, method == kGiven ? given.data() : nullptr, v));
+    const auto variable = static_cast<int64_t>(j);
+    Sum raw[4], central[3];
+    for (int k = 0; k < 4; ++k) raw[k] = power_sum(s, variable, 0, k + 1);
+    if (method == kGiven) raw[0].value = raw[0].size = given[j] * w;
+    means.push_back(raw[0].value / w);
+    for (size_t k = 0; k < 4; ++k) {
+      v[k][j] = raw[k].times(1 / w);
+      v[7 + k][j] = raw[k].times(1);
+    }
+    for (size_t k = 0; k < 3; ++k) {
+      central[k] = power_sum(s, variable, means[j], static_cast<int>(k) + 2);
+      // The fast method makes them from raw moments, whose sizes count then.
+      central[k].size += raw[k + 1].size;
+      v[4 + k][j] = central[k].times(k == 0 ? unbiased : 1 / w);
+      v[11 + k][j] = central[k].times(1);
+    }
+    const Number c2 = central[0].value * unbiased;
+    v[14][j] = ratio(central[2].value / w / (c2 * c2) - 3);
+    v[15][j] = ratio(central[1].value / w / std::sqrt(c2 * c2 * c2));
+    v[16][j] = ratio(std::sqrt(c2) / means[j]);
     roots.push_back(std::sqrt(products(j, j).value));
   }
-  const Number scale = 1 / (weight.sum - weight.squares / weight.sum);
   for (size_t j = 0; j < p; ++j) {
     for (size_t k = 0; k < p; ++k) {
       const Sum cp = products(j, k);
-      v[17][j * p + k] = cp.scaled(scale);
-      v[18][j * p + k] = j == k ? cp.scaled(scale) : ratio(cp.value / (roots[j] * roots[k]));
-      v[19][j * p + k] = cp.scaled(1);
+      v[17][j * p + k] = cp.times(scale);
+      v[18][j * p + k] = j == k ? cp.times(scale) : ratio(cp.value / (roots[j] * roots[k]));
+      v[19][j * p + k] = cp.times(1);
     }
   }
   return v;
@@ -114,13 +103,12 @@ void expect_near(const Results<Real>& results, const Values& values, const Asked
   const auto p = static_cast<int64_t>(values[0].size());
   for (size_t e = 0; e < estimate_count; ++e) {
     if ((asked.mask & estimates[e].bit) == 0) continue;
-    const bool matrix = estimates[e].storage_code != 0;
-    for (size_t at = 0; at < values[e].size(); ++at) {
-      const auto i = static_cast<int64_t>(at);
-      const Value& value = values[e][at];
-      EXPECT_NEAR(results.arrays[e][matrix ? place(asked.storage, p, i / p, i % p) : at],
-                  value.exact, unit * value.size)
-          << estimates[e].name << " " << at;
+    const int64_t columns = estimates[e].is_matrix() ? p : 1;
+    for (int64_t i = 0; i < p * columns; ++i) {
+      const Value& value = values[e][static_cast<size_t>(i)];
+      const size_t at = estimates[e].place(asked.storage, p, i / columns, i % columns);
+      EXPECT_NEAR(results.arrays[e][at], value.exact, unit * value.size)
+          << estimates[e].name << " " << i;
     }
   }
 }

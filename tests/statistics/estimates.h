@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <thread>
 #include <vector>
 
 #include "qor/thread_hook.h"
@@ -11,10 +12,10 @@ namespace qor::test {
 
 inline constexpr uint64_t kFast = QOR_SS_METHOD_FAST, kOnePass = QOR_SS_METHOD_ONE_PASS,
                           kGiven = QOR_SS_METHOD_GIVEN_MEANS, kSums = QOR_SS_METHOD_FROM_SUMS;
-inline constexpr uint64_t kDataMethods[] = {kOnePass, kFast, kGiven};
-inline constexpr int64_t kLayouts[] = {QOR_SS_BY_VARIABLE, QOR_SS_BY_OBSERVATION};
-inline constexpr int64_t kStorages[] = {QOR_SS_MATRIX_FULL, QOR_SS_MATRIX_LOWER,
-                                        QOR_SS_MATRIX_UPPER};
+inline const std::vector<uint64_t> kMethods = {kOnePass, kFast, kGiven};
+inline const std::vector<int64_t> kLayouts = {QOR_SS_BY_VARIABLE, QOR_SS_BY_OBSERVATION};
+inline const std::vector<int64_t> kStorages = {QOR_SS_MATRIX_FULL, QOR_SS_MATRIX_LOWER,
+                                               QOR_SS_MATRIX_UPPER};
 
 // Observations in rows, whatever layout they are handed over in.
 template <class Real>
@@ -24,9 +25,7 @@ struct Sample {
   std::vector<Real> weights = {};  // n, or none
 
   Real at(int64_t i, int64_t j) const { return rows[static_cast<size_t>(i * p + j)]; }
-  double weight(int64_t i) const {
-    return weights.empty() ? 1 : double{weights[static_cast<size_t>(i)]};
-  }
+  Real weight(int64_t i) const { return weights.empty() ? 1 : weights[static_cast<size_t>(i)]; }
   // Observations first to end - 1 in the order of a storage word.
   std::vector<Real> stored(int64_t first, int64_t end, int64_t storage) const {
     std::vector<Real> x(rows.data() + first * p, rows.data() + end * p);
@@ -59,7 +58,16 @@ struct Estimate {
   int64_t code;
   int64_t storage_code = 0;  // of a matrix; else there is one value per variable
 
-  size_t values(int64_t p) const { return static_cast<size_t>(storage_code == 0 ? p : p * p); }
+  bool is_matrix() const { return storage_code != 0; }
+  size_t values(int64_t p) const { return static_cast<size_t>(is_matrix() ? p * p : p); }
+  // Where element (j, k) of a matrix in a storage stands, or the value of variable j.
+  size_t place(int64_t storage, int64_t p, int64_t j, int64_t k) const {
+    const int64_t low = std::min(j, k), high = std::max(j, k);
+    if (!is_matrix()) return static_cast<size_t>(j);
+    if (storage == QOR_SS_MATRIX_LOWER) return static_cast<size_t>(high * (high + 1) / 2 + low);
+    if (storage == QOR_SS_MATRIX_FULL) return static_cast<size_t>(j * p + k);
+    return static_cast<size_t>(low * p - low * (low - 1) / 2 + high - low);
+  }
 };
 
 inline constexpr Estimate estimates[] = {
@@ -86,24 +94,11 @@ inline constexpr Estimate estimates[] = {
 };
 inline constexpr size_t estimate_count = std::size(estimates);
 
-inline constexpr uint64_t kMatrices =
-    QOR_SS_ESTIMATE_COVARIANCE | QOR_SS_ESTIMATE_CORRELATION | QOR_SS_ESTIMATE_CP;
-inline constexpr uint64_t kVectors = [] {
-  uint64_t mask = 0;
-  for (const Estimate& estimate : estimates) mask |= estimate.bit;
-  return mask & ~kMatrices;
-}();
-inline constexpr uint64_t kAll = kVectors | kMatrices;
-
-// Place of element (j, k) in a matrix of a storage word.
-inline size_t place(int64_t storage, int64_t p, int64_t j, int64_t k) {
-  const int64_t low = std::min(j, k), high = std::max(j, k);
-  if (storage == QOR_SS_MATRIX_LOWER) return static_cast<size_t>(high * (high + 1) / 2 + low);
-  if (storage == QOR_SS_MATRIX_FULL) return static_cast<size_t>(j * p + k);
-  int64_t at = high - low;
-  for (int64_t row = 0; row < low; ++row) at += p - row;
-  return static_cast<size_t>(at);
-}
+inline constexpr uint64_t kSumBits = QOR_SS_ESTIMATE_SUM | QOR_SS_ESTIMATE_RAW_SUM_2 |
+                                     QOR_SS_ESTIMATE_RAW_SUM_3 | QOR_SS_ESTIMATE_RAW_SUM_4 |
+                                     QOR_SS_ESTIMATE_CENTRAL_SUM_2 | QOR_SS_ESTIMATE_CENTRAL_SUM_3 |
+                                     QOR_SS_ESTIMATE_CENTRAL_SUM_4 | QOR_SS_ESTIMATE_CP;
+inline constexpr uint64_t kVectors = 0xFE0003FF, kAll = kVectors | 0x100003000;
 
 // Where estimates go, in their order: all filled with `untouched` at first.
 template <class Real>
@@ -119,7 +114,7 @@ struct Results {
   void attach(Task<Real>& task, int64_t storage) {
     for (size_t e = 0; e < estimate_count; ++e) {
       task.set(estimates[e].code, arrays[e].data());
-      if (estimates[e].storage_code != 0) task.set_number(estimates[e].storage_code, storage);
+      if (estimates[e].is_matrix()) task.set_number(estimates[e].storage_code, storage);
     }
     task.set(QOR_SS_ACCUMULATED_WEIGHTS, weights.data());
   }
@@ -188,5 +183,31 @@ Values reference(const Sample<Real>& sample, uint64_t method);
 template <class Real>
 void expect_near(const Results<Real>& results, const Values& values, const Asked& asked,
                  double ulps);
+
+// ---- Teams of threads --------------------------------------------------------------------------
+
+inline int64_t offered_threads = 1;
+inline int64_t last_team_size = 0;  // of a team that ran in order
+
+using TeamRunner = void (*)(int64_t, void*, qor_team_routine);
+
+inline void run_team_in_order(int64_t threads, void* context, qor_team_routine routine) {
+  last_team_size = threads;
+  for (int64_t t = 0; t < threads; ++t) routine(t, 0, threads, context);
+}
+inline void run_team_in_reverse(int64_t threads, void* context, qor_team_routine routine) {
+  for (int64_t t = threads; t-- > 0;) routine(t, 0, threads, context);
+}
+inline void run_team_on_threads(int64_t threads, void* context, qor_team_routine routine) {
+  std::vector<std::thread> team;
+  for (int64_t t = 0; t < threads; ++t) team.emplace_back(routine, t, 0, threads, context);
+  for (std::thread& member : team) member.join();
+}
+
+// A hook that offers so many threads; the last one made tells how many all of them offer.
+inline ThreadHook team_hook(int64_t threads, TeamRunner run) {
+  offered_threads = threads;
+  return {nullptr, nullptr, run, nullptr, [] { return offered_threads; }};
+}
 
 }  // namespace qor::test

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -16,11 +15,11 @@ namespace qor::test {
 // The lines of a text table beside this file, without comments and empty ones.
 inline std::vector<std::istringstream> table_lines(const std::string& name) {
   std::ifstream file(QOR_SOURCE "/tests/statistics/" + name);
-  EXPECT_TRUE(file) << name;
   std::vector<std::istringstream> lines;
   for (std::string text; std::getline(file, text);) {
     if (!text.empty() && text[0] != '#') lines.emplace_back(text);
   }
+  EXPECT_FALSE(lines.empty()) << name;
   return lines;
 }
 
@@ -32,27 +31,31 @@ struct Parameter {
   std::string name, whole;
 };
 
+// By their codes, which count from 1.
 inline const std::vector<Parameter>& parameters() {
-  static const auto all = [] {
-    std::vector<Parameter> read;
+  static std::vector<Parameter> all;
+  if (all.empty()) {
     for (std::istringstream& line : table_lines("parameters.txt")) {
-      Parameter p;
+      Parameter& p = all.emplace_back();
       line >> p.code >> p.kind >> p.place >> p.null_status >> p.name >> p.whole;
-      read.push_back(p);
     }
-    return read;
-  }();
+  }
   return all;
 }
 
-// The field of a parameter, by the order of the record: pointers alone from the fourth place on,
-// but for the distance routine's words, which come after place 81.
+inline size_t index_of(const std::string& name) {
+  for (size_t at = 0; at < parameters().size(); ++at) {
+    if (parameters()[at].name == name) return at;
+  }
+  throw std::invalid_argument(name);
+}
+
+// The field of a parameter, by the order of the record: pointers alone from place 4 to 81.
 inline const void*& field_of(SsTask& task, const Parameter& parameter) {
-  if (parameter.place == 93) return task.sorted_output_storage;
-  char* const first =
-      reinterpret_cast<char*>(parameter.place == 92 ? &task.sorted_output : &task.x);
-  const size_t steps = parameter.place == 92 ? 0 : parameter.place - 7;
-  return *reinterpret_cast<const void**>(first + steps * sizeof(void*));
+  if (parameter.name == "sorted_output_storage") return task.sorted_output_storage;
+  char* field = reinterpret_cast<char*>(&task.p) + (parameter.place - 4) * sizeof(void*);
+  if (parameter.name == "sorted_output") field = reinterpret_cast<char*>(&task.sorted_output);
+  return *reinterpret_cast<const void**>(field);
 }
 
 }  // namespace qor::test

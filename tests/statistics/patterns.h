@@ -20,9 +20,10 @@ enum class Pattern {
   zigzag,
   constant,
   few_values,
-  narrow,    // many equal leading bits, in long runs
-  outlier,   // narrow, and one value far away
-  periodic,  // repeats every 16 elements
+  narrow,      // many equal leading bits, in long runs
+  outlier,     // narrow, and one value far away
+  periodic,    // repeats every 16 elements
+  misleading,  // other values where selection takes its sample
   last
 };
 
@@ -54,6 +55,8 @@ std::vector<Real> pattern_data(Pattern pattern, int64_t n, uint64_t seed = 1) {
     if (pattern == Pattern::narrow) value = 1 + 1e-9 * value;
     if (pattern == Pattern::outlier) value = i == n / 3 ? -1e30 : 1.7e9 + value;
     if (pattern == Pattern::periodic) value = static_cast<double>(i % 16) + 1e-3 * value;
+    const auto sampled = static_cast<int64_t>((static_cast<uint32_t>(i / 16) * 0x9E3779B9u) >> 28);
+    if (pattern == Pattern::misleading && i % 16 == sampled) value = i / 16 % 2 == 0 ? 1000 : 1001;
     x.push_back(static_cast<Real>(value));
   }
   return x;

@@ -1,60 +1,45 @@
-// Every estimate of Basic by every method, layout, weighting and storage, against its definition.
+// Every estimate of Basic by every method, layout, weighting and storage, against its definition,
+// and the certified data sets.
 
 #include <cmath>
 #include <limits>
 
 #include "tests/statistics/estimates.h"
+#include "tests/support/certified.h"
 
 namespace qor::test {
 namespace {
 
 constexpr double kUlps = 40;
 
-// Sums that the estimates from sums are made of.
-constexpr uint64_t kSumBits = QOR_SS_ESTIMATE_SUM | QOR_SS_ESTIMATE_RAW_SUM_2 |
-                              QOR_SS_ESTIMATE_RAW_SUM_3 | QOR_SS_ESTIMATE_RAW_SUM_4 |
-                              QOR_SS_ESTIMATE_CENTRAL_SUM_2 | QOR_SS_ESTIMATE_CENTRAL_SUM_3 |
-                              QOR_SS_ESTIMATE_CENTRAL_SUM_4 | QOR_SS_ESTIMATE_CP;
-
 template <class Real>
 class Basic : public ::testing::Test {};
 TYPED_TEST_SUITE(Basic, Precisions);
 
-// By all methods over data, and what their sums then give.
-template <class Real>
-void expect_all_methods(const Sample<Real>& s, Asked asked) {
-  for (const uint64_t method : kDataMethods) {
-    SCOPED_TRACE(::testing::Message() << "method " << method);
-    const Values wanted = reference(s, method);
-    asked.method = method;
-    asked.mask = kAll;
-    Results<Real> results = compute(s, asked);
-    expect_near(results, wanted, asked, kUlps);
-    if (method == kGiven) {
-      EXPECT_EQ(results.of(QOR_SS_MEAN), given_means<Real>(s.p));
-    }
-    for (size_t e = 0; e < estimate_count; ++e) {
-      if ((estimates[e].bit & kSumBits) == 0) results.arrays[e] = Results<Real>(s.p).arrays[e];
-    }
-    asked.method = kSums;
-    asked.mask = kAll & ~kSumBits;
-    expect_near(go_on(s, asked, results), wanted, asked, kUlps);
-  }
-}
-
-// Sizes around the registers', with and without weights.
+// Sizes around the registers', with and without weights; then what the sums of each give.
 TYPED_TEST(Basic, AllTogether) {
-  int turn = 0;
-  for (const int64_t p : {1, 2, 3, 5, 9, 17}) {
-    for (const bool weighted : {false, true}) {
-      const auto sample = small_sample<TypeParam>(p == 5 ? 301 : 23, p, weighted);
-      for (const int64_t layout : kLayouts) {
-        const int64_t storage = kStorages[turn % 3];
-        SCOPED_TRACE(::testing::Message() << "p " << p << " weighted " << weighted << " layout "
-                                          << layout << " storage " << storage);
-        const bool wide = turn++ % 2 == 1;
-        expect_all_methods(sample, {.layout = layout, .storage = storage, .wide = wide});
+  using Real = TypeParam;
+  size_t turn = 0;
+  for (const auto& c : combinations(std::vector<int64_t>{1, 2, 3, 5, 9, 17}, kBools, kLayouts)) {
+    const auto& [p, weighted, layout] = c;
+    const auto s = small_sample<Real>(p == 5 ? 301 : 23, p, weighted);
+    ++turn;
+    for (const uint64_t method : kMethods) {
+      SCOPED_TRACE(::testing::PrintToString(c) + " method " + std::to_string(method));
+      const Values wanted = reference(s, method);
+      Asked asked{.method = method, .layout = layout, .storage = kStorages[turn % 3]};
+      asked.wide = turn % 2 == 0;
+      Results<Real> results = compute(s, asked);
+      expect_near(results, wanted, asked, kUlps);
+      if (method == kGiven) {
+        EXPECT_EQ(results.of(QOR_SS_MEAN), given_means<Real>(p));
       }
+      for (size_t e = 0; e < estimate_count; ++e) {
+        if ((estimates[e].bit & kSumBits) == 0) results.arrays[e] = Results<Real>(p).arrays[e];
+      }
+      asked.method = kSums;
+      asked.mask = kAll & ~kSumBits;
+      expect_near(go_on(s, asked, results), wanted, asked, kUlps);
     }
   }
 }
@@ -64,44 +49,33 @@ TYPED_TEST(Basic, AllTogether) {
 TYPED_TEST(Basic, OneByOne) {
   std::vector<uint64_t> masks = {kAll};
   for (const Estimate& estimate : estimates) masks.push_back(estimate.bit);
-  for (const bool weighted : {false, true}) {
+  for (const auto& c : combinations(kBools, kMethods, kBools)) {
+    const auto& [weighted, method, cut] = c;
     const auto s = small_sample<TypeParam>(150, 5, weighted);
+    const Values wanted = reference(s, method);
     TypeParam weight = 0;
-    for (int64_t i = 0; i < s.n; ++i) weight += static_cast<TypeParam>(s.weight(i));
-    for (const uint64_t method : kDataMethods) {
-      const Values wanted = reference(s, method);
+    for (int64_t i = 0; i < s.n; ++i) weight += s.weight(i);
+    for (const auto& [storage, mask] : combinations(kStorages, masks)) {
+      SCOPED_TRACE(::testing::PrintToString(c) + " mask " + std::to_string(mask));
+      Asked asked{.method = method, .mask = mask, .storage = storage};
       // One observation alone has a central moment 2 that is no number, but no central sums; about
       // given means it has, and with their scale they are lost.
-      const int64_t first = method == kGiven ? 2 : 1;
-      for (const auto& cuts : {std::vector<int64_t>{}, {first, first + 1, 70, 71}}) {
-        for (const int64_t storage : kStorages) {
-          for (const uint64_t mask : masks) {
-            SCOPED_TRACE(::testing::Message() << "weighted " << weighted << " storage " << storage
-                                              << " method " << method << " mask " << mask);
-            const Asked asked{.method = method, .mask = mask, .storage = storage, .cuts = cuts};
-            const auto results = compute(s, asked);
-            expect_near(results, wanted, asked, cuts.empty() ? kUlps : 200);
-            EXPECT_EQ(results.weights[0], weight);
-          }
-        }
-      }
+      if (cut) asked.cuts = {method == kGiven ? 2 : 1, 3, 70, 71};
+      const auto results = compute(s, asked);
+      expect_near(results, wanted, asked, cut ? 200 : kUlps);
+      EXPECT_EQ(results.weights[0], weight);
     }
   }
 }
 
 // Many observations, where kernels run in blocks: all estimates in all layouts.
 TYPED_TEST(Basic, LargeData) {
-  for (const bool weighted : {false, true}) {
+  for (const auto& c : combinations(kBools, kMethods, kLayouts)) {
+    const auto& [weighted, method, layout] = c;
+    SCOPED_TRACE(::testing::PrintToString(c));
     const auto s = small_sample<TypeParam>(30011, 6, weighted);
-    for (const uint64_t method : kDataMethods) {
-      const Values wanted = reference(s, method);
-      for (const int64_t layout : kLayouts) {
-        SCOPED_TRACE(::testing::Message()
-                     << "weighted " << weighted << " layout " << layout << " method " << method);
-        const Asked asked{.method = method, .layout = layout, .storage = QOR_SS_MATRIX_UPPER};
-        expect_near(compute(s, asked), wanted, asked, kUlps);
-      }
-    }
+    const Asked asked{.method = method, .layout = layout, .storage = QOR_SS_MATRIX_UPPER};
+    expect_near(compute(s, asked), reference(s, method), asked, kUlps);
   }
 }
 
@@ -149,6 +123,24 @@ TYPED_TEST(Basic, WithoutNumbers) {
     EXPECT_EQ(results.of(QOR_SS_RAW_2)[2], infinite);
     EXPECT_EQ(results.of(QOR_SS_COV)[0], 0);
     EXPECT_TRUE(std::isnan(results.of(QOR_SS_COR)[1]));
+  }
+}
+
+// Means and standard deviations to as many digits as their conditioning lets a double have: the
+// mean over the deviation eats the rest, as the data of the last two are not the certified decimals
+// but the doubles next to them.
+TEST(Certified, OnePass) {
+  const double deviation_digits[] = {14.5, 13.2, 15, 14.5, 9.44, 8.2};
+  const auto sets = certified_sets(QOR_EXAMPLE_DATA "/strd");
+  ASSERT_EQ(sets.size(), std::size(deviation_digits));
+  for (size_t i = 0; i < sets.size(); ++i) {
+    const auto& [name, y, mean, deviation] = sets[i];
+    auto results = compute<double>({static_cast<int64_t>(y.size()), 1, y},
+                                   {.mask = QOR_SS_ESTIMATE_CENTRAL_2});
+    EXPECT_GE(matching_digits(results.of(QOR_SS_MEAN)[0], mean), 14.5) << name;
+    EXPECT_GE(matching_digits(std::sqrt(results.of(QOR_SS_CENTRAL_2)[0]), deviation),
+              deviation_digits[i])
+        << name;
   }
 }
 

@@ -3,7 +3,6 @@
 
 #include "qor/vector_math.h"
 #include "tests/statistics/estimates.h"
-#include "tests/statistics/teams.h"
 
 namespace qor::test {
 namespace {
@@ -22,26 +21,19 @@ TYPED_TEST(Blocks, CorrelationBeginsWithConstant) {
 }
 
 TYPED_TEST(Blocks, Threads) {
-  for (const bool weighted : {false, true}) {
+  for (const auto& c : combinations(kBools, kMethods, std::vector<int64_t>{2, 3})) {
+    const auto& [weighted, method, threads] = c;
+    SCOPED_TRACE(::testing::PrintToString(c));
     const auto s = small_sample<TypeParam>(25000, 3, weighted);
-    for (const uint64_t method : kDataMethods) {
-      const Values wanted = reference(s, method);
-      for (const int threads : {2, 3}) {
-        SCOPED_TRACE(::testing::Message()
-                     << "weighted " << weighted << " method " << method << " threads " << threads);
-        const auto run = [&](TeamRunner runner) {
-          const ThreadHook hook = team_hook(threads, runner);
-          const Asked asked{.method = method, .hook = &hook};
-          const auto results = compute(s, asked);
-          expect_near(results, wanted, asked, 40);
-          return results.arrays;
-        };
-        const auto in_order = run(run_team_in_order);
-        EXPECT_EQ(last_team_size, threads);
-        EXPECT_EQ(in_order, run(run_team_in_reverse));
-        EXPECT_EQ(in_order, run(run_team_on_threads));
-      }
+    std::vector<Results<TypeParam>> results;
+    for (const TeamRunner run : {run_team_in_order, run_team_in_reverse, run_team_on_threads}) {
+      const ThreadHook hook = team_hook(threads, run);
+      results.push_back(compute(s, {.method = method, .hook = &hook}));
     }
+    EXPECT_EQ(last_team_size, threads);
+    expect_near(results[0], reference(s, method), {}, 40);
+    EXPECT_EQ(results[0], results[1]);
+    EXPECT_EQ(results[0], results[2]);
   }
 }
 
@@ -59,18 +51,17 @@ TYPED_TEST(Blocks, SizeOfTheTeam) {
                         {1, 30000, mean, 0}, {47, 2000, mean, 2}, {48, 2000, mean, 3},
                         {8192, 3, mean, 3},  {8192, 2, cov, 0},   {24576, 2, cov, 3},
                         {99999, 1, mean, 5}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(::testing::Message() << "n " << c.n << " p " << c.p << " mask " << c.mask);
-    const std::vector<Real> x(static_cast<size_t>(c.n * c.p), Real{1});
-    std::vector<Real> means(static_cast<size_t>(c.p)), matrix(4);
-    Task<Real> task(c.p, c.n, QOR_SS_BY_VARIABLE, x.data());
+  const ThreadHook hook = team_hook(5, run_team_in_order);
+  for (const auto& [n, p, mask, members] : cases) {
+    const std::vector<Real> x(static_cast<size_t>(n * p), Real{1});
+    std::vector<Real> means(static_cast<size_t>(p)), matrix(4);
+    Task<Real> task(p, n, QOR_SS_BY_VARIABLE, x.data());
     task.set(QOR_SS_MEAN, means.data());
     task.set(QOR_SS_COV, matrix.data());
     task.set_number(QOR_SS_COV_STORAGE, 0);
     last_team_size = 0;
-    const ThreadHook hook = team_hook(5, run_team_in_order);
-    ASSERT_EQ(Api<Real>::basic(task, c.mask, kFast, &hook), QOR_SS_OK);
-    EXPECT_EQ(last_team_size, c.members);
+    ASSERT_EQ(Api<Real>::basic(task, mask, kFast, &hook), QOR_SS_OK);
+    EXPECT_EQ(last_team_size, members) << "n " << n << " p " << p << " mask " << mask;
     EXPECT_EQ(means[0], 1);
   }
 }
@@ -78,28 +69,24 @@ TYPED_TEST(Blocks, SizeOfTheTeam) {
 // One variable without weights fills registers with its observations: lengths around where that
 // begins, and what is left over.
 TYPED_TEST(Blocks, OneVariable) {
-  for (const int64_t n : {255, 256, 263, 511, 512, 527}) {
+  for (const auto& c : combinations(std::vector<int64_t>{255, 256, 263, 511, 512, 527}, kMethods)) {
+    const auto& [n, method] = c;
+    SCOPED_TRACE(::testing::PrintToString(c));
     const auto s = small_sample<TypeParam>(n, 1, false);
-    for (const uint64_t method : kDataMethods) {
-      SCOPED_TRACE(::testing::Message() << "n " << n << " method " << method);
-      const Asked asked{.method = method, .mask = kVectors, .cuts = {7}};
-      expect_near(compute(s, asked), reference(s, method), asked, 200);
-    }
+    const Asked asked{.method = method, .mask = kVectors, .cuts = {7}};
+    expect_near(compute(s, asked), reference(s, method), asked, 200);
   }
 }
 
 TYPED_TEST(Blocks, LayoutsHaveTheSameBits) {
-  for (const int64_t p : {1, 2, 7, 20}) {
-    for (const bool weighted : {false, true}) {
-      const auto s = small_sample<TypeParam>(400, p, weighted);
-      for (const uint64_t method : kDataMethods) {
-        // BLAS sums its blocks as it likes.
-        Asked asked{.method = method, .mask = method == kOnePass ? kAll : kVectors};
-        const auto by_observation = compute(s, asked);
-        asked.layout = QOR_SS_BY_VARIABLE;
-        EXPECT_EQ(compute(s, asked), by_observation);
-      }
-    }
+  for (const auto& c : combinations(std::vector<int64_t>{1, 2, 7, 20}, kBools, kMethods)) {
+    const auto& [p, weighted, method] = c;
+    const auto s = small_sample<TypeParam>(400, p, weighted);
+    // BLAS sums its blocks as it likes.
+    Asked asked{.method = method, .mask = method == kOnePass ? kAll : kVectors};
+    const auto by_observation = compute(s, asked);
+    asked.layout = QOR_SS_BY_VARIABLE;
+    EXPECT_EQ(compute(s, asked), by_observation) << ::testing::PrintToString(c);
   }
 }
 

@@ -1,4 +1,4 @@
-// The checks of the compute entries, in the order of checks.txt: with all faults of a call present
+// The checks of the compute entries, in the order of the tables: with all faults of a call present
 // the first status comes, with that one mended the next, and so to the end.
 
 #include <map>
@@ -11,42 +11,37 @@ namespace {
 
 struct Fault {
   std::string field, value;
-  int status, place = 0;
+  int status;
 };
 
 struct Call {
+  std::string entry;
   std::vector<uint64_t> estimates, methods;
   int status;
   std::vector<Fault> faults;
 };
 
 std::vector<uint64_t> masks(const std::string& list) {
-  if (list == "all") return {~uint64_t{0}};
   std::vector<uint64_t> read;
-  std::istringstream text(list);
-  for (std::string mask; std::getline(text, mask, ',');)
+  std::istringstream text(list == "all" ? "0xFFFFFFFFFFFFFFFF" : list);
+  for (std::string mask; std::getline(text, mask, ',');) {
     read.push_back(std::stoull(mask, nullptr, 0));
+  }
   return read;
 }
 
-std::vector<Call> calls_of(const std::string& entry) {
+std::vector<Call> read_calls(const std::string& table) {
   std::vector<Call> calls;
-  bool of_entry = false;
-  for (std::istringstream& line : table_lines("checks.txt")) {
-    std::string first, name, estimates, methods;
+  for (std::istringstream& line : table_lines(table)) {
+    std::string first, entry, estimates, methods, value;
+    int status;
     line >> first;
     if (first == "call") {
-      Call call;
-      line >> name >> estimates >> methods >> call.status;
-      call.estimates = masks(estimates);
-      call.methods = masks(methods);
-      of_entry = name == entry;
-      if (of_entry) calls.push_back(call);
-    } else if (of_entry) {
-      Fault fault{first.substr(0, first.find('[')), "", 0};
-      line >> fault.value >> fault.status;
-      if (fault.field != first) fault.place = std::stoi(first.substr(fault.field.size() + 1));
-      calls.back().faults.push_back(fault);
+      line >> entry >> estimates >> methods >> status;
+      calls.push_back({entry, masks(estimates), masks(methods), status, {}});
+    } else {
+      line >> value >> status;
+      calls.back().faults.push_back({first, value, status});
     }
   }
   return calls;
@@ -59,44 +54,37 @@ class Record {
   Record() : task_(1, 1, QOR_SS_BY_VARIABLE, nullptr), values_(parameters().size()) {
     for (size_t at = 0; at < values_.size(); ++at) {
       const std::string& whole = parameters()[at].whole;
-      for (int place = 0; place < kRoom && whole != "-"; ++place) put(at, whole, place);
+      for (size_t place = 0; place < kRoom && whole != "-"; ++place) put(at, whole, place);
     }
   }
   void make(const Fault& fault) {
-    const size_t at = place_of(fault.field);
+    const size_t bracket = fault.field.find('['), at = index_of(fault.field.substr(0, bracket));
     if (fault.value == "none") {
       field(at) = nullptr;
     } else if (fault.value[0] == '=') {
-      field(at) = field(place_of(fault.value.substr(1)));
+      field(at) = field(index_of(fault.value.substr(1)));
     } else {
-      put(at, fault.value, fault.place);
+      const bool has_place = bracket != std::string::npos;
+      put(at, fault.value, has_place ? std::stoul(fault.field.substr(bracket + 1)) : 0);
     }
   }
   SsTask* task() { return task_; }
 
  private:
-  static constexpr int kRoom = 20;  // two variables of ten observations
+  static constexpr size_t kRoom = 20;  // two variables of ten observations
   struct Values {
     int32_t integers[kRoom];
     Real reals[kRoom];
   };
 
-  static size_t place_of(const std::string& name) {
-    const auto found = std::find_if(parameters().begin(), parameters().end(),
-                                    [&](const Parameter& p) { return p.name == name; });
-    EXPECT_NE(found, parameters().end()) << name;
-    return static_cast<size_t>(found - parameters().begin());
-  }
-
   const void*& field(size_t at) { return field_of(task_.record(), parameters()[at]); }
-  void put(size_t at, const std::string& value, int place) {
-    Values& values = values_[at];
+  void put(size_t at, const std::string& value, size_t place) {
     if (parameters()[at].kind == "integer") {
-      values.integers[place] = std::stoi(value, nullptr, 0);
-      field(at) = values.integers;
+      values_[at].integers[place] = std::stoi(value, nullptr, 0);
+      field(at) = values_[at].integers;
     } else {
-      values.reals[place] = static_cast<Real>(std::stod(value));
-      field(at) = values.reals;
+      values_[at].reals[place] = static_cast<Real>(std::stod(value));
+      field(at) = values_[at].reals;
     }
   }
 
@@ -109,6 +97,15 @@ int run(const std::string& entry, SsTask* task, uint64_t estimates, uint64_t met
   using A = Api<Real>;
   if (entry == "weighted_median") return A::weighted_median(task);
   if (entry == "distances") return A::distances(task);
+  if (entry == "new_task") {
+    SsTask from{}, *made = nullptr;
+    if (task != nullptr) from = *task;
+    const int status = A::new_task(task == nullptr ? nullptr : &made, from.p, from.n,
+                                   from.x_storage, static_cast<Real*>(from.x), nullptr, nullptr, 0);
+    EXPECT_EQ(made != nullptr, status == QOR_SS_OK);
+    if (made != nullptr) __ostSSDeleteTask(&made);
+    return status;
+  }
   static const std::map<std::string, decltype(A::basic)> entries = {
       {"basic", A::basic},
       {"absolute_deviations", A::absolute_deviations},
@@ -126,53 +123,32 @@ int run(const std::string& entry, SsTask* task, uint64_t estimates, uint64_t met
 }
 
 template <class Real>
-void expect_order(const std::string& entry, const Call& call, uint64_t estimates, uint64_t method) {
-  SCOPED_TRACE(::testing::Message() << entry << " " << estimates << " by " << method);
-  const size_t count = call.faults.size();
-  for (size_t first = 0; first <= count; ++first) {
-    Record<Real> record;
-    for (size_t i = count; i-- > first;) record.make(call.faults[i]);
-    EXPECT_EQ(run<Real>(entry, record.task(), estimates, method),
-              first < count ? call.faults[first].status : call.status)
-        << "with the faults from number " << first << " on";
+void expect_checks(const std::string& table) {
+  for (const Call& call : read_calls(table)) {
+    const size_t count = call.faults.size();
+    for (const auto& [estimates, method] : combinations(call.estimates, call.methods)) {
+      SCOPED_TRACE(::testing::Message() << call.entry << " " << estimates << " by " << method);
+      for (size_t first = 0; first <= count; ++first) {
+        Record<Real> record;
+        for (size_t i = count; i-- > first;) record.make(call.faults[i]);
+        EXPECT_EQ(run<Real>(call.entry, record.task(), estimates, method),
+                  first < count ? call.faults[first].status : call.status)
+            << "with the faults from number " << first << " on";
+      }
+      EXPECT_EQ(run<Real>(call.entry, nullptr, estimates, method), QOR_SS_NULL_TASK);
+    }
   }
-  EXPECT_EQ(run<Real>(entry, nullptr, estimates, method), QOR_SS_NULL_TASK);
 }
 
 template <class Real>
-class Checks : public ::testing::Test {
- protected:
-  static void of(std::initializer_list<const char*> entries) {
-    for (const char* entry : entries) {
-      const auto calls = calls_of(entry);
-      EXPECT_FALSE(calls.empty()) << entry;
-      for (const Call& call : calls) {
-        for (const uint64_t estimates : call.estimates) {
-          for (const uint64_t method : call.methods) {
-            expect_order<Real>(entry, call, estimates, method);
-          }
-        }
-      }
-    }
-  }
-};
+class Checks : public ::testing::Test {};
 template <class Real>
-class OrderChecks : public Checks<Real> {};
+class OrderChecks : public ::testing::Test {};
 TYPED_TEST_SUITE(Checks, Precisions);
 TYPED_TEST_SUITE(OrderChecks, Precisions);
 
-TYPED_TEST(Checks, Basic) { this->of({"basic"}); }
-TYPED_TEST(Checks, RobustAndDerived) {
-  this->of({"absolute_deviations", "missing_values", "outliers", "robust_covariance"});
-}
-TYPED_TEST(Checks, Matrices) {
-  this->of({"partial_covariance", "pooled_covariance", "parametrization", "weighted_median",
-            "distances"});
-}
-TYPED_TEST(OrderChecks, MinMax) { this->of({"min_max"}); }
-TYPED_TEST(OrderChecks, Quantiles) { this->of({"quantiles"}); }
-TYPED_TEST(OrderChecks, StreamQuantiles) { this->of({"stream_quantiles"}); }
-TYPED_TEST(OrderChecks, Sort) { this->of({"sort"}); }
+TYPED_TEST(Checks, OfEveryEntry) { expect_checks<TypeParam>("checks.txt"); }
+TYPED_TEST(OrderChecks, OfEveryEntry) { expect_checks<TypeParam>("order_checks.txt"); }
 
 }  // namespace
 }  // namespace qor::test

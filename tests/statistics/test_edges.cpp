@@ -4,9 +4,7 @@
 #include <limits>
 #include <memory>
 
-#include "tests/statistics/allocation.h"
 #include "tests/statistics/estimates.h"
-#include "tests/statistics/teams.h"
 
 namespace qor::test {
 namespace {
@@ -53,26 +51,22 @@ TYPED_TEST(Edges, Indices) {
   for (size_t i = 1; i < spoiled.rows.size(); i += 3) spoiled.rows[i] = nan_of<Real>;
   const int32_t narrow[3] = {1, 0, -1};
   const int64_t wide[3] = {1, 0, int64_t{1} << 40};
-  for (const bool is_wide : {false, true}) {
-    for (const int64_t storage : kStorages) {
-      for (const uint64_t method : kDataMethods) {
-        Asked asked{.method = method, .storage = storage, .cuts = {10}, .wide = is_wide};
-        const auto wanted = compute(sample, asked);
-        asked.indices = is_wide ? static_cast<const void*>(wide) : narrow;
-        const auto results = compute(spoiled, asked);
-        for (size_t e = 0; e < estimate_count; ++e) {
-          const bool matrix = estimates[e].storage_code != 0;
-          const bool given = method == kGiven && estimates[e].code == QOR_SS_MEAN;
-          const Real untouched = given ? given_means<Real>(3)[1] : Results<Real>::untouched;
-          for (int64_t j = 0; j < 3; ++j) {
-            for (int64_t k = 0; k < (matrix ? 3 : 1); ++k) {
-              const size_t at = matrix ? place(storage, 3, j, k) : static_cast<size_t>(j);
-              const bool left_out = j == 1 || (matrix && k == 1);
-              EXPECT_EQ(results.arrays[e][at], left_out ? untouched : wanted.arrays[e][at])
-                  << estimates[e].name << " method " << method << " storage " << storage;
-            }
-          }
-        }
+  for (const auto& c : combinations(kBools, kStorages, kMethods)) {
+    const auto& [is_wide, storage, method] = c;
+    SCOPED_TRACE(::testing::PrintToString(c));
+    Asked asked{.method = method, .storage = storage, .cuts = {10}, .wide = is_wide};
+    const auto wanted = compute(sample, asked);
+    asked.indices = is_wide ? static_cast<const void*>(wide) : narrow;
+    const auto results = compute(spoiled, asked);
+    for (size_t e = 0; e < estimate_count; ++e) {
+      const bool matrix = estimates[e].is_matrix();
+      const bool given = method == kGiven && estimates[e].code == QOR_SS_MEAN;
+      const Real untouched = given ? given_means<Real>(3)[1] : Results<Real>::untouched;
+      for (int64_t i = 0; i < (matrix ? 9 : 3); ++i) {
+        const int64_t j = matrix ? i / 3 : i, k = matrix ? i % 3 : 0;
+        const size_t at = estimates[e].place(storage, 3, j, k);
+        EXPECT_EQ(results.arrays[e][at], j == 1 || k == 1 ? untouched : wanted.arrays[e][at])
+            << estimates[e].name << " " << i;
       }
     }
   }
@@ -82,29 +76,26 @@ TYPED_TEST(Edges, Indices) {
 // take part, and a NaN is not zero.
 TYPED_TEST(Edges, ZeroWeights) {
   using Real = TypeParam;
+  const Real nan = nan_of<Real>;
+  struct Case {
+    std::vector<Real> weights;
+    Real weight_before, mean, weight_after;
+  };
+  const Case cases[] = {{{0, 1, 1, 0}, 0, 3, 2},
+                        {{0, 0, 0, 0}, 0, 0, 0},
+                        {{0, 0, 0, 0}, 5, -1, 5},
+                        {{nan, 0, 1, 1}, 0, nan, nan}};
+  const auto same = [](Real a, Real b) { return a == b || (std::isnan(a) && std::isnan(b)); };
   for (const uint64_t method : {kOnePass, kFast}) {
-    Real mean, weight;
-    const auto run = [&](std::vector<Real> weights, Real weight_before) {
+    for (const auto& [weights, before, mean, after] : cases) {
       Results<Real> start(1);
       start.of(QOR_SS_MEAN) = {-1};
-      start.weights = {weight_before, weight_before};
-      auto results = go_on<Real>({4, 1, {nan_of<Real>, 2, 4, 9}, weights},
+      start.weights = {before, before};
+      auto results = go_on<Real>({4, 1, {nan, 2, 4, 9}, weights},
                                  {.method = method, .mask = QOR_SS_ESTIMATE_MEAN}, start);
-      mean = results.of(QOR_SS_MEAN)[0];
-      weight = results.weights[0];
-    };
-    run({0, 1, 1, 0}, 0);
-    EXPECT_EQ(mean, 3);
-    EXPECT_EQ(weight, 2);
-    run({0, 0, 0, 0}, 0);
-    EXPECT_EQ(mean, 0);
-    EXPECT_EQ(weight, 0);
-    run({0, 0, 0, 0}, 5);
-    EXPECT_EQ(mean, -1);
-    run({nan_of<Real>, 0, 1, 1}, 0);
-    EXPECT_TRUE(std::isnan(mean));
-    EXPECT_TRUE(std::isnan(weight));
-
+      EXPECT_PRED2(same, results.of(QOR_SS_MEAN)[0], mean);
+      EXPECT_PRED2(same, results.weights[0], after);
+    }
     // A tile that begins with zero weights, behind one that does not.
     Sample<Real> s{200, 1, std::vector<Real>(200, 3), std::vector<Real>(200, 1)};
     std::fill_n(s.rows.begin(), 60, Real{1});
@@ -118,33 +109,29 @@ TYPED_TEST(Edges, ZeroWeights) {
 // moments to make them of, a later block is refused.
 TYPED_TEST(Edges, StateThatIsMissing) {
   using Real = TypeParam;
-  const auto s = small_sample<Real>(20, 2, false);
+  Sample<Real> s = small_sample<Real>(20, 2, false);
+  s.rows.insert(s.rows.end(), s.rows.begin(), s.rows.end());
+  s.n = 40;
   Results<Real> results(2);
   Task<Real> task(2, 20, QOR_SS_BY_OBSERVATION, s.rows.data());
-  const auto attach = [&](int64_t code) { task.set(code, results.of(code).data()); };
-  attach(QOR_SS_MEAN);
-  attach(QOR_SS_CENTRAL_SUM_4);
   task.set(QOR_SS_ACCUMULATED_WEIGHTS, results.weights.data());
+  const auto attach = [&](int64_t code) { task.set(code, results.of(code).data()); };
   const auto run = [&](uint64_t mask) { return Api<Real>::basic(task, mask, kOnePass, nullptr); };
+  for (const int64_t code : {QOR_SS_MEAN, QOR_SS_CENTRAL_SUM_4}) attach(code);
   EXPECT_EQ(run(QOR_SS_ESTIMATE_CENTRAL_SUM_4), QOR_SS_OK);
   const Results<Real> before = results;
   EXPECT_EQ(run(QOR_SS_ESTIMATE_CENTRAL_SUM_4), QOR_SS_NULL_CENTRAL_SUM_2);
-  EXPECT_EQ(results, before);
   attach(QOR_SS_CENTRAL_SUM_2);
   EXPECT_EQ(run(QOR_SS_ESTIMATE_CENTRAL_SUM_4), QOR_SS_NULL_CENTRAL_SUM_3);
+  EXPECT_EQ(results, before);
   // Raw moments stand in for both.
   task.record().central_sum_2 = nullptr;
   for (const int64_t code : {QOR_SS_RAW_2, QOR_SS_RAW_3, QOR_SS_RAW_4, QOR_SS_CENTRAL_4}) {
     attach(code);
   }
-  results.weights = {0, 0};
-  task.set(QOR_SS_ACCUMULATED_WEIGHTS, results.weights.data());
-  Sample<Real> twice = s;
-  twice.n = 40;
-  twice.rows.insert(twice.rows.end(), s.rows.begin(), s.rows.end());
-  EXPECT_EQ(run(QOR_SS_ESTIMATE_CENTRAL_4), QOR_SS_OK);
-  EXPECT_EQ(run(QOR_SS_ESTIMATE_CENTRAL_4), QOR_SS_OK);
-  expect_near(results, reference(twice, kOnePass), {.mask = QOR_SS_ESTIMATE_CENTRAL_4}, 100);
+  results.weights[0] = results.weights[1] = 0;
+  for (int block = 0; block < 2; ++block) EXPECT_EQ(run(QOR_SS_ESTIMATE_CENTRAL_4), QOR_SS_OK);
+  expect_near(results, reference(s, kOnePass), {.mask = QOR_SS_ESTIMATE_CENTRAL_4}, 100);
 }
 
 // Given means of one block are remembered by the task for the matrix of the next.
@@ -154,10 +141,10 @@ TYPED_TEST(Edges, SavedMeans) {
   Results<Real> results(2);
   Task<Real> task(2, 10, QOR_SS_BY_OBSERVATION, s.rows.data());
   results.attach(task, QOR_SS_MATRIX_FULL);
-  std::vector<Real>& means = results.of(QOR_SS_MEAN);
-  means[0] = Real(0.5), means[1] = 1;
+  Real* means = results.of(QOR_SS_MEAN).data();
+  means[0] = means[1] = 1;
   ASSERT_EQ(Api<Real>::basic(task, QOR_SS_ESTIMATE_CP, kGiven, nullptr), QOR_SS_OK);
-  std::copy_n(given_means<Real>(2).begin(), 2, means.begin());
+  std::copy_n(given_means<Real>(2).data(), 2, means);
   task.set(QOR_SS_X, s.rows.data() + 20);
   task.set_number(QOR_SS_N, 20);
   ASSERT_EQ(Api<Real>::basic(task, QOR_SS_ESTIMATE_CP, kGiven, nullptr), QOR_SS_OK);

@@ -12,9 +12,6 @@ TYPED_TEST_SUITE(MinMax, Precisions);
 
 constexpr uint64_t kMin = QOR_SS_ESTIMATE_MIN, kMax = QOR_SS_ESTIMATE_MAX;
 
-template <class Real>
-using Variables = std::vector<std::vector<Real>>;
-
 // Seeds that the data pass by, or not, and a NaN, which stays.
 template <class Real>
 std::vector<Real> seeds(size_t variables) {
@@ -35,7 +32,7 @@ void expect_values(const std::vector<Real>& values, const std::vector<Real>& wan
 
 // With some of the variables left out or not.
 template <class Real>
-void expect_extremes(const Variables<Real>& variables, bool by_variable, bool some,
+void expect_extremes(const std::vector<std::vector<Real>>& variables, bool by_variable, bool some,
                      uint64_t asked) {
   const size_t p = variables.size(), n = variables[0].size();
   const auto x = laid_out(variables, by_variable);
@@ -62,22 +59,19 @@ void expect_extremes(const Variables<Real>& variables, bool by_variable, bool so
 
 TYPED_TEST(MinMax, IsThatOfAPlainLoop) {
   using Real = TypeParam;
-  for (const size_t p : {1, 2, 3, 5, 8, 31, 32, 33, 64, 100}) {
-    for (const int64_t n : {1, 2, 7, 63, 64, 65, 300}) {
-      Variables<Real> variables;
-      for (size_t j = 0; j < p; ++j) {
-        variables.push_back(pattern_data<Real>(Pattern::random, n, j));
-        if (j % 3 != 0) add_specials(variables.back());
-      }
-      for (const bool by_variable : {false, true}) {
-        for (const bool some : {false, true}) {
-          for (const uint64_t asked : {kMin, kMax, kMin | kMax}) {
-            SCOPED_TRACE(::testing::Message() << p << " by " << n << " by variable " << by_variable
-                                              << " some " << some << " asked " << asked);
-            expect_extremes(variables, by_variable, some, asked);
-          }
-        }
-      }
+  const std::vector<size_t> ps = {1, 2, 3, 5, 8, 31, 32, 33, 64, 100};
+  const std::vector<int64_t> ns = {1, 2, 7, 63, 64, 65, 300};
+  for (const auto& [p, n] : combinations(ps, ns)) {
+    std::vector<std::vector<Real>> variables;
+    for (size_t j = 0; j < p; ++j) {
+      variables.push_back(pattern_data<Real>(Pattern::random, n, j));
+      if (j % 3 != 0) add_specials(variables.back());
+    }
+    const std::vector<uint64_t> estimates = {kMin, kMax, kMin | kMax};
+    for (const auto& c : combinations(kBools, kBools, estimates)) {
+      SCOPED_TRACE(::testing::Message() << p << " by " << n << " " << ::testing::PrintToString(c));
+      const auto& [by_variable, some, asked] = c;
+      expect_extremes(variables, by_variable, some, asked);
     }
   }
 }

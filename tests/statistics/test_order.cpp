@@ -2,7 +2,6 @@
 // with the same bits, in all layouts, on all teams.
 
 #include "tests/fitting/teams.h"
-#include "tests/statistics/allocation.h"
 #include "tests/statistics/api.h"
 #include "tests/statistics/patterns.h"
 
@@ -47,6 +46,7 @@ int64_t storage_word(bool by_variable) {
 }
 
 constexpr int kNotSorted = -1;
+const std::vector<int> kKinds = {kNotSorted, 0, 1};
 
 template <class Real>
 struct Asked {
@@ -64,70 +64,56 @@ struct Answer {
 };
 
 // What is asked of variables. Sorted values come from the entry for quantiles and from that for
-// sorting, with the same bits.
+// sorting, into an output and in place, with the same bits.
 template <class Real>
 Answer<Real> compute(const std::vector<std::vector<Real>>& variables, const Asked<Real>& asked) {
   const size_t p = variables.size(), n = variables[0].size();
-  const auto x = laid_out(variables, asked.by_variable), untouched = x;
+  auto x = laid_out(variables, asked.by_variable);
+  const auto untouched = x;
+  Answer<Real> answer{std::vector<Real>(p * asked.orders.size(), Real(-77)),
+                      std::vector<Real>(p * n, Real(-77))};
   Task<Real> task(static_cast<int64_t>(p), static_cast<int64_t>(n), storage_word(asked.by_variable),
                   x.data(), nullptr, asked.wide);
   task.record().indices = asked.indices;
-  Answer<Real> answer{std::vector<Real>(p * asked.orders.size(), Real(-77)), {}};
-  uint64_t estimates = 0;
-  if (!asked.orders.empty()) {
-    estimates |= QOR_SS_ESTIMATE_QUANTILES;
-    task.set_number(QOR_SS_QUANTILE_COUNT, static_cast<int64_t>(asked.orders.size()));
-    task.set(QOR_SS_QUANTILE_ORDERS, asked.orders.data());
-    task.set(QOR_SS_QUANTILES, answer.quantiles.data());
-  }
-  if (asked.sorted != kNotSorted) {
-    estimates |= QOR_SS_ESTIMATE_ORDER_STATISTICS;
-    answer.sorted.assign(p * n, Real(-77));
-    auto output = answer.sorted;
-    task.set(QOR_SS_ORDER_STATISTICS, answer.sorted.data());
-    task.set_number(QOR_SS_ORDER_STATISTICS_STORAGE, storage_word(asked.sorted == 1));
-    task.set(QOR_SS_SORTED_OUTPUT, output.data());
-    task.set_number(QOR_SS_SORTED_OUTPUT_STORAGE, storage_word(asked.sorted == 1));
-    EXPECT_EQ(Api<Real>::sort(task, 0, QOR_SS_METHOD_SORT, asked.hook), QOR_SS_OK);
-    EXPECT_EQ(Api<Real>::quantiles(task, estimates, QOR_SS_METHOD_FAST, asked.hook), QOR_SS_OK);
-    EXPECT_TRUE(same_bits(answer.sorted, output));
-  } else {
-    EXPECT_EQ(Api<Real>::quantiles(task, estimates, QOR_SS_METHOD_FAST, asked.hook), QOR_SS_OK);
-  }
+  task.set_number(QOR_SS_QUANTILE_COUNT, static_cast<int64_t>(asked.orders.size()));
+  task.record().quantiles = answer.quantiles.data();
+  task.set(QOR_SS_ORDER_STATISTICS, answer.sorted.data());
+  task.set_number(QOR_SS_ORDER_STATISTICS_STORAGE, storage_word(asked.sorted == 1));
+  task.set_number(QOR_SS_SORTED_OUTPUT_STORAGE, storage_word(asked.sorted == 1));
+  task.record().quantile_orders = const_cast<Real*>(asked.orders.data());
+  const uint64_t quantiles = asked.orders.empty() ? 0 : QOR_SS_ESTIMATE_QUANTILES,
+                 sorted = asked.sorted == kNotSorted ? 0 : QOR_SS_ESTIMATE_ORDER_STATISTICS;
+  EXPECT_EQ(Api<Real>::quantiles(task, quantiles | sorted, QOR_SS_METHOD_FAST, asked.hook),
+            QOR_SS_OK);
   EXPECT_TRUE(same_bits(x, untouched));
+  if (asked.sorted == kNotSorted) return answer;
+  const auto expect_sorting = [&](std::vector<Real>& output) {
+    task.set(QOR_SS_SORTED_OUTPUT, output.data());
+    EXPECT_EQ(Api<Real>::sort(task, 0, QOR_SS_METHOD_SORT, asked.hook), QOR_SS_OK);
+    EXPECT_TRUE(same_bits(output, answer.sorted));
+  };
+  std::vector<Real> output(p * n, Real(-77));
+  expect_sorting(output);
+  EXPECT_TRUE(same_bits(x, untouched));
+  if (asked.indices == nullptr && asked.by_variable == (asked.sorted == 1)) expect_sorting(x);
   return answer;
 }
 
 // Few orders are selected, many read from sorted values; lengths on both sides of sampling.
 TYPED_TEST(Quantiles, OfEveryPattern) {
   using Real = TypeParam;
-  for (const Pattern pattern : all_patterns()) {
-    for (const int64_t n : {1, 2, 3, 10, 2047, 2048, 40000, 1000000}) {
-      if (n == 1000000 && pattern != Pattern::random && pattern != Pattern::few_values) continue;
-      const auto data = pattern_data<Real>(pattern, n);
-      const auto sorted = in_order(data);
-      for (const size_t count : {1, 5, 32, 33, 101}) {
-        SCOPED_TRACE(::testing::Message() << pattern << " " << n << " " << count);
-        const auto orders = some_orders<Real>(count);
-        const auto answer = compute<Real>({data}, {.orders = orders});
-        ASSERT_TRUE(same_bits(answer.quantiles, interpolated(sorted, orders)));
-      }
+  for (const auto& c : combinations(
+           all_patterns(), std::vector<int64_t>{1, 2, 3, 10, 2047, 2048, 40000, 1000000})) {
+    const auto& [pattern, n] = c;
+    if (n == 1000000 && pattern != Pattern::random && pattern != Pattern::few_values) continue;
+    const auto data = pattern_data<Real>(pattern, n), sorted = in_order(data);
+    for (const size_t count : {1, 5, 32, 33, 101}) {
+      const auto orders = some_orders<Real>(count);
+      const auto quantiles = compute<Real>({data}, {.orders = orders}).quantiles;
+      ASSERT_TRUE(same_bits(quantiles, interpolated(sorted, orders)))
+          << ::testing::PrintToString(c) << " " << count;
     }
   }
-}
-
-// A sample that misleads: what stands at the places looked at says nothing about the rest.
-TYPED_TEST(Quantiles, OfASampleThatMisleads) {
-  using Real = TypeParam;
-  constexpr int64_t n = 50000;
-  auto data = pattern_data<Real>(Pattern::random, n);
-  for (int64_t i = 0; i < n / 16; ++i) {
-    const auto jitter = static_cast<int64_t>((static_cast<uint32_t>(i) * 0x9E3779B9u) >> 28);
-    data[static_cast<size_t>(16 * i + jitter)] = i % 2 == 0 ? Real(1000) : Real(1001);
-  }
-  const auto orders = some_orders<Real>(7);
-  EXPECT_TRUE(same_bits(compute<Real>({data}, {.orders = orders}).quantiles,
-                        interpolated(in_order(data), orders)));
 }
 
 // NaNs count as the values at the ends that sorting makes of them; both ways agree to the bit.
@@ -148,25 +134,20 @@ TYPED_TEST(Quantiles, OfSpecialValues) {
 TYPED_TEST(Quantiles, AllLayoutsOnAllTeams) {
   using Real = TypeParam;
   const auto orders = some_orders<Real>(6);
-  for (const ThreadHook& team : test_hooks()) {
-    for (const size_t p : {1, 6}) {
-      std::vector<std::vector<Real>> variables, sorted;
-      std::vector<Real> wanted;
-      for (size_t j = 0; j < p; ++j) {
-        variables.push_back(pattern_data<Real>(Pattern::random, 3000, j));
-        sorted.push_back(in_order(variables.back()));
-        for (const Real q : interpolated(sorted.back(), orders)) wanted.push_back(q);
-      }
-      for (const bool by_variable : {false, true}) {
-        for (const int kind : {kNotSorted, 0, 1}) {
-          Asked<Real> asked{
-              .orders = orders, .by_variable = by_variable, .sorted = kind, .hook = &team};
-          ASSERT_TRUE(same_bits(compute(variables, asked).quantiles, wanted));
-          if (kind == kNotSorted) continue;
-          asked.orders = {};
-          ASSERT_TRUE(same_bits(compute(variables, asked).sorted, laid_out(sorted, kind == 1)));
-        }
-      }
+  for (const size_t p : {1, 6}) {
+    std::vector<std::vector<Real>> variables, sorted;
+    std::vector<Real> wanted;
+    for (size_t j = 0; j < p; ++j) {
+      variables.push_back(pattern_data<Real>(Pattern::random, 3000, j));
+      sorted.push_back(in_order(variables.back()));
+      for (const Real q : interpolated(sorted.back(), orders)) wanted.push_back(q);
+    }
+    for (const auto& [team, by_variable, kind] : combinations(test_hooks(), kBools, kKinds)) {
+      Asked<Real> asked{orders, by_variable, kind, nullptr, false, &team};
+      ASSERT_TRUE(same_bits(compute(variables, asked).quantiles, wanted));
+      asked.orders.clear();
+      if (kind == kNotSorted) continue;
+      ASSERT_TRUE(same_bits(compute(variables, asked).sorted, laid_out(sorted, kind == 1)));
     }
   }
 }
@@ -182,16 +163,14 @@ TYPED_TEST(Quantiles, SelectedVariablesTakeTheFirstPlaces) {
   const auto of_first = interpolated(first, orders), of_second = interpolated(second, orders);
   const int32_t narrow[] = {0, 3, 0, -1}, none[] = {0, 0, 0, 0};
   const int64_t wide[] = {0, 3, 0, int64_t{1} << 32};
-  for (const bool is_wide : {false, true}) {
-    for (const int kind : {kNotSorted, 0, 1}) {
-      Asked<Real> asked{.orders = orders, .sorted = kind, .indices = narrow, .wide = is_wide};
-      if (is_wide) asked.indices = wide;
-      const auto answer = compute(variables, asked);
-      EXPECT_EQ(answer.quantiles, (std::vector<Real>{of_first[0], of_first[1], of_second[0],
-                                                     of_second[1], -77, -77, -77, -77}));
-      if (kind == kNotSorted) continue;
-      EXPECT_TRUE(same_bits(answer.sorted, laid_out<Real>({first, second, rest, rest}, kind == 1)));
-    }
+  for (const auto& [is_wide, kind] : combinations(kBools, kKinds)) {
+    Asked<Real> asked{.orders = orders, .sorted = kind, .indices = narrow, .wide = is_wide};
+    if (is_wide) asked.indices = wide;
+    const auto answer = compute(variables, asked);
+    EXPECT_EQ(answer.quantiles, (std::vector<Real>{of_first[0], of_first[1], of_second[0],
+                                                   of_second[1], -77, -77, -77, -77}));
+    if (kind == kNotSorted) continue;
+    EXPECT_TRUE(same_bits(answer.sorted, laid_out<Real>({first, second, rest, rest}, kind == 1)));
   }
   const auto answer = compute(variables, {.orders = orders, .sorted = 1, .indices = none});
   EXPECT_EQ(answer.quantiles, std::vector<Real>(8, Real(-77)));
@@ -205,13 +184,11 @@ TYPED_TEST(Quantiles, AskForAsManyThreadsAsThereIsWork) {
         asked = threads;
         run_in_reverse(items, threads, context, routine);
       });
-  for (const size_t p : {1, 3, 4, 9}) {
+  for (const auto& [p, kind] : combinations(std::vector<size_t>{1, 3, 4, 9}, kKinds)) {
     const std::vector<std::vector<Real>> variables(p, pattern_data<Real>(Pattern::random, 10));
-    for (const int kind : {kNotSorted, 1}) {
-      asked = 0;
-      compute<Real>(variables, {.orders = {Real(0.5)}, .sorted = kind, .hook = &hook});
-      EXPECT_EQ(asked, std::min<int64_t>(4, static_cast<int64_t>(p)));
-    }
+    asked = 0;
+    compute<Real>(variables, {.orders = {Real(0.5)}, .sorted = kind, .hook = &hook});
+    EXPECT_EQ(asked, std::min<int64_t>(4, static_cast<int64_t>(p)));
   }
 }
 
@@ -228,16 +205,14 @@ TEST(QuantilesOfFloats, ReachTheEndsOfLongData) {
 // Lengths on both sides of the ways of sorting, up to data that are written past the caches.
 TYPED_TEST(Sort, OrdersTheBits) {
   using Real = TypeParam;
-  for (const Pattern pattern : all_patterns()) {
-    for (const int64_t n : {1, 2, 7, 8, 599, 600, 601, 5000, 70000, 600001}) {
-      if (n > 100000 && pattern != Pattern::random && pattern != Pattern::outlier) continue;
-      for (const bool specials : {false, true}) {
-        SCOPED_TRACE(::testing::Message() << pattern << " " << n << " " << specials);
-        auto x = pattern_data<Real>(pattern, n);
-        if (specials) add_specials(x);
-        ASSERT_TRUE(same_bits(compute<Real>({x}, {.sorted = 1}).sorted, in_order(x)));
-      }
-    }
+  const std::vector<int64_t> lengths = {1, 2, 7, 8, 599, 600, 601, 5000, 70000, 600001};
+  for (const auto& c : combinations(all_patterns(), lengths, kBools)) {
+    const auto& [pattern, n, specials] = c;
+    if (n > 100000 && pattern != Pattern::random && pattern != Pattern::outlier) continue;
+    auto x = pattern_data<Real>(pattern, n);
+    if (specials) add_specials(x);
+    ASSERT_TRUE(same_bits(compute<Real>({x}, {.sorted = 1}).sorted, in_order(x)))
+        << ::testing::PrintToString(c);
   }
 }
 
@@ -253,27 +228,6 @@ TYPED_TEST(Sort, SkipsWhatDoesNotVary) {
     std::vector<Real> x(3000);
     for (Real& v : x) v = std::bit_cast<Real>(static_cast<Bits>(bits() & mask));
     ASSERT_TRUE(same_bits(compute<Real>({x}, {.sorted = 1}).sorted, in_order(x))) << mask;
-  }
-}
-
-TYPED_TEST(Sort, InPlaceOnAllTeams) {
-  using Real = TypeParam;
-  constexpr size_t p = 5, n = 700;
-  std::vector<std::vector<Real>> variables, sorted;
-  for (size_t j = 0; j < p; ++j) {
-    variables.push_back(pattern_data<Real>(Pattern::random, n, j));
-    add_specials(variables.back());
-    sorted.push_back(in_order(variables.back()));
-  }
-  for (const ThreadHook& team : test_hooks()) {
-    for (const bool by_variable : {false, true}) {
-      auto x = laid_out(variables, by_variable);
-      Task<Real> task(p, n, storage_word(by_variable), x.data());
-      task.set(QOR_SS_SORTED_OUTPUT, x.data());
-      task.set_number(QOR_SS_SORTED_OUTPUT_STORAGE, storage_word(by_variable));
-      ASSERT_EQ(Api<Real>::sort(task, 0, QOR_SS_METHOD_SORT, &team), QOR_SS_OK);
-      ASSERT_TRUE(same_bits(x, laid_out(sorted, by_variable)));
-    }
   }
 }
 

@@ -30,32 +30,30 @@ TYPED_TEST(Quicksort, SortsEveryOrder) {
   using Real = TypeParam;
   std::vector<int64_t> lengths = {100, 1000, 100000};
   for (int64_t n = 0; n < 20; ++n) lengths.push_back(n);
-  for (const Pattern pattern : all_patterns()) {
-    for (const int64_t n : lengths) {
-      SCOPED_TRACE(::testing::Message() << pattern << " " << n);
-      auto x = pattern_data<Real>(pattern, n), spread = thirds(x), sorted = in_order(x);
-      ASSERT_EQ(sort(n, x.data()), 0);
-      ASSERT_EQ(x, sorted);
-      ASSERT_EQ(sort(n, spread.data(), 3), 0);
-      ASSERT_EQ(spread, thirds(sorted)) << "elements in between stay";
-    }
+  for (const auto& c : combinations(all_patterns(), lengths)) {
+    const auto& [pattern, n] = c;
+    SCOPED_TRACE(::testing::PrintToString(c));
+    auto x = pattern_data<Real>(pattern, n), spread = thirds(x), sorted = in_order(x);
+    ASSERT_EQ(sort(n, x.data()), 0);
+    ASSERT_EQ(x, sorted);
+    ASSERT_EQ(sort(n, spread.data(), 3), 0);
+    ASSERT_EQ(spread, thirds(sorted)) << "elements in between stay";
   }
 }
 
 TYPED_TEST(Quicksort, SelectsEveryPosition) {
   using Real = TypeParam;
-  for (const Pattern pattern : all_patterns()) {
-    for (const int64_t n : {1, 2, 3, 4, 9, 50, 3000}) {
-      const auto data = pattern_data<Real>(pattern, n), sorted = in_order(data);
-      for (int64_t k = 0; k < n; k += n / 50 + 1) {
-        SCOPED_TRACE(::testing::Message() << pattern << " " << n << " at " << k);
-        auto x = data;
-        const auto wanted = x.begin() + k;
-        ASSERT_EQ(select(n, x.data(), k), sorted[static_cast<size_t>(k)]);
-        ASSERT_EQ(*wanted, sorted[static_cast<size_t>(k)]);
-        ASSERT_LE(*std::max_element(x.begin(), wanted + 1), *wanted);
-        ASSERT_GE(*std::min_element(wanted, x.end()), *wanted);
-      }
+  const std::vector<int64_t> lengths = {1, 2, 3, 4, 9, 50, 3000};
+  for (const auto& [pattern, n] : combinations(all_patterns(), lengths)) {
+    const auto data = pattern_data<Real>(pattern, n), sorted = in_order(data);
+    for (int64_t k = 0; k < n; k += n / 50 + 1) {
+      SCOPED_TRACE(::testing::Message() << pattern << " " << n << " at " << k);
+      auto x = data;
+      const auto wanted = x.begin() + k;
+      ASSERT_EQ(select(n, x.data(), k), sorted[static_cast<size_t>(k)]);
+      ASSERT_EQ(*wanted, sorted[static_cast<size_t>(k)]);
+      ASSERT_LE(*std::max_element(x.begin(), wanted + 1), *wanted);
+      ASSERT_GE(*std::min_element(wanted, x.end()), *wanted);
     }
   }
   Real none = 3;
@@ -88,23 +86,22 @@ TYPED_TEST(Quicksort, NoOrderTakesQuadraticTime) {
 // NaNs compare false to everything: no scan may run off, and no element may be lost.
 TYPED_TEST(Quicksort, KeepsEveryElementAmongNaNs) {
   using Real = TypeParam;
-  constexpr size_t most = 300;
+  constexpr int64_t most = 300;
   Guarded<Real> memory(most);
-  for (size_t n = 1; n <= most; ++n) {
-    const auto count = static_cast<int64_t>(n);
+  for (int64_t n = 1; n <= most; ++n) {
     for (uint64_t seed = 0; seed < 8; ++seed) {
-      auto data = pattern_data<Real>(Pattern::random, count, seed);
+      auto data = pattern_data<Real>(Pattern::random, n, seed);
       std::mt19937_64 bits(seed);
       for (Real& v : data) {
         if (bits() % (seed + 1) == 0) v = std::numeric_limits<Real>::quiet_NaN();
       }
       const auto elements = in_order(data);
-      for (Real* const x : {memory.first(), memory.last(n)}) {
+      for (Real* const x : {memory.first(), memory.last(data.size())}) {
         std::copy(data.begin(), data.end(), x);
-        select(count, x, count / 3);
+        select(n, x, n / 3);
         ASSERT_TRUE(same_bits(in_order(std::vector<Real>(x, x + n)), elements)) << n;
         std::copy(data.begin(), data.end(), x);
-        sort(count, x);
+        sort(n, x);
         ASSERT_TRUE(same_bits(in_order(std::vector<Real>(x, x + n)), elements)) << n;
       }
     }

@@ -1,8 +1,8 @@
 // Streaming quantiles: the rank error, the independence of blocks and teams, the state's life.
 
 #include "tests/fitting/teams.h"
-#include "tests/statistics/allocation.h"
-#include "tests/statistics/stream.h"
+#include "tests/statistics/api.h"
+#include "tests/statistics/patterns.h"
 
 namespace qor::test {
 namespace {
@@ -11,6 +11,50 @@ template <class Real>
 class StreamQuantiles : public ::testing::Test {};
 TYPED_TEST_SUITE(StreamQuantiles, Precisions);
 TYPED_TEST_SUITE(OrderAllocation, Precisions);
+
+// A task for a stream of observations.
+template <class Real>
+class Stream {
+ public:
+  Stream(int64_t p, double epsilon, const std::vector<Real>& orders)
+      : p_(p),
+        epsilon_(static_cast<Real>(epsilon)),
+        orders_(orders),
+        quantiles_(orders_.size() * static_cast<size_t>(p), Real(-77)),
+        task_(p, 1, QOR_SS_BY_VARIABLE, &epsilon_, nullptr, true) {
+    task_.record().n = &n_;
+    task_.record().x_storage = &storage_;
+    task_.set_number(QOR_SS_STREAM_QUANTILE_COUNT, static_cast<int64_t>(orders_.size()));
+    task_.set(QOR_SS_STREAM_QUANTILE_ORDERS, orders_.data());
+    task_.set(QOR_SS_STREAM_QUANTILES, quantiles_.data());
+    task_.set_number(QOR_SS_STREAM_PARAMETER_COUNT, 1);
+    task_.set(QOR_SS_STREAM_PARAMETERS, &epsilon_);
+  }
+
+  // The next observations.
+  int feed(const std::vector<Real>& x, bool by_variable = false,
+           uint64_t method = QOR_SS_METHOD_STREAM_ANSWER, const ThreadHook* hook = nullptr) {
+    n_ = static_cast<int64_t>(x.size()) / p_;
+    storage_ = by_variable ? QOR_SS_BY_VARIABLE : QOR_SS_BY_OBSERVATION;
+    task_.record().x = n_ == 0 ? nullptr : const_cast<Real*>(x.data());
+    return Api<Real>::stream_quantiles(task_, 0, method, hook);
+  }
+  // The variables of the next observations.
+  void select(const std::vector<int64_t>& indices) {
+    indices_ = indices;
+    task_.record().indices = indices.empty() ? nullptr : indices_.data();
+  }
+
+  const std::vector<Real>& quantiles() const { return quantiles_; }
+  SsTask& record() { return task_.record(); }
+
+ private:
+  int64_t p_, n_ = 0, storage_ = 0;
+  Real epsilon_;
+  std::vector<int64_t> indices_;
+  std::vector<Real> orders_, quantiles_;
+  Task<Real> task_;
+};
 
 // After each of so many observations, the answer to each order is an observation whose ranks come
 // as near to the place of the order as epsilon*N, or as one rank where that is more: a rank is a
