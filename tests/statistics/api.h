@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <deque>
 #include <tuple>
@@ -68,6 +69,12 @@ auto combinations(const std::vector<First>& first, const std::vector<Rest>&... r
   return all;
 }
 inline const std::vector<bool> kBools = {false, true};
+
+// Whether two values are the same, zeros of either sign and any NaNs.
+template <class Real>
+bool same_value(Real a, Real b) {
+  return a == b || (std::isnan(a) && std::isnan(b));
+}
 
 // Runs what prepare() makes with the first, the second ... allocation failing until none fails:
 // each failure has its status, and nothing is lost. Returns how many there were.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <compare>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -72,18 +73,10 @@ void add_specials(std::vector<Real>& x) {
   for (size_t i = 0; i < x.size(); i += 7) x[i] = specials[i / 7 % std::size(specials)];
 }
 
-// Order of the values, then of the bits: NaNs at the ends by their sign, -0 before +0.
-template <class Real>
-bool comes_before(Real a, Real b) {
-  const auto rank = [](Real v) { return std::isnan(v) ? (std::signbit(v) ? -1 : 1) : 0; };
-  if (rank(a) != rank(b)) return rank(a) < rank(b);
-  if (rank(a) != 0) return false;
-  return a < b || (a == b && std::signbit(a) && !std::signbit(b));
-}
-
+// The total order: NaNs at the ends by their sign, -0 before +0.
 template <class Real>
 std::vector<Real> in_order(std::vector<Real> x) {
-  std::sort(x.begin(), x.end(), comes_before<Real>);
+  std::sort(x.begin(), x.end(), [](Real a, Real b) { return std::strong_order(a, b) < 0; });
   return x;
 }
 

@@ -69,24 +69,26 @@ void expect_rank_errors(const std::vector<double>& epsilons, const std::vector<P
   }
   for (const Pattern pattern : patterns) {
     const auto data = pattern_data<Real>(pattern, lengths.back());
-    for (const double epsilon : epsilons) {
-      Stream<Real> stream(1, epsilon, orders);
-      auto fed = data.begin();
-      for (const int64_t length : lengths) {
-        SCOPED_TRACE(::testing::Message() << pattern << " " << epsilon << " " << length);
-        ASSERT_EQ(stream.feed({fed, data.begin() + length}), QOR_SS_OK);
-        fed = data.begin() + length;
-        std::vector<Real> sorted(data.begin(), fed);
-        std::sort(sorted.begin(), sorted.end());
-        const auto n = static_cast<double>(length);
+    std::deque<Stream<Real>> streams;
+    for (const double epsilon : epsilons) streams.emplace_back(1, epsilon, orders);
+    auto begin = data.begin();
+    for (const int64_t length : lengths) {
+      const std::vector<Real> block(begin, data.begin() + length);
+      begin = data.begin() + length;
+      std::vector<Real> sorted(data.begin(), begin);
+      std::sort(sorted.begin(), sorted.end());
+      const auto n = static_cast<double>(length);
+      for (size_t s = 0; s < streams.size(); ++s) {
+        SCOPED_TRACE(::testing::Message() << pattern << " " << epsilons[s] << " " << length);
+        ASSERT_EQ(streams[s].feed(block), QOR_SS_OK);
         for (size_t k = 0; k < orders.size(); ++k) {
           const auto [first, last] =
-              std::equal_range(sorted.begin(), sorted.end(), stream.quantiles()[k]);
+              std::equal_range(sorted.begin(), sorted.end(), streams[s].quantiles()[k]);
           ASSERT_NE(first, last) << "no observation";
           const double rank = static_cast<double>(orders[k]) * n;
           const auto lowest = static_cast<double>(first - sorted.begin() + 1),
                      highest = static_cast<double>(last - sorted.begin());
-          ASSERT_LE(std::max(lowest - rank, rank - highest), std::max(1.0, epsilon * n));
+          ASSERT_LE(std::max(lowest - rank, rank - highest), std::max(1.0, epsilons[s] * n));
         }
       }
     }
@@ -177,7 +179,6 @@ TYPED_TEST(StreamQuantiles, FollowTheIndices) {
     return stream.feed(x);
   };
   EXPECT_EQ(feed({0, 0, 0}, {1, 2, 3}), QOR_SS_BAD_INDICES);
-  EXPECT_EQ(stream.record().stream_state, nullptr);
   EXPECT_EQ(feed({1, 0, 2}, {1, 2, 3, 4, 5, 6}), QOR_SS_OK);
   EXPECT_EQ(stream.quantiles(), (std::vector<Real>{4, 6, -77}));
   EXPECT_EQ(feed({0, 1, 0}, {7, 7, 7}), QOR_SS_BAD_INDICES);
@@ -210,7 +211,6 @@ TYPED_TEST(StreamQuantiles, EndWithTheTaskOrBefore) {
       EXPECT_EQ(live_blocks(), of_task);
     }
     ASSERT_EQ(stream.feed(std::vector<Real>(2000, 1)), QOR_SS_OK);
-    EXPECT_EQ(stream.record().cleanup_count, 1);
   }
   EXPECT_EQ(live_blocks(), before);
   EXPECT_EQ(__ostSQuantilesFreeBuffers(nullptr), QOR_SS_NULL_TASK);

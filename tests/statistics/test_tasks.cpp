@@ -11,37 +11,26 @@ class Tasks : public ::testing::Test {};
 TYPED_TEST_SUITE(Tasks, Precisions);
 
 TYPED_TEST(Tasks, AreMadeAndEnd) {
-  const int32_t p = 2;
+  const int64_t p = int64_t{1} << 32, one = 1, negative = -1, storage = QOR_SS_BY_VARIABLE;
+  const TypeParam x[1] = {};
   SsTask* task = nullptr;
-  const auto make = [&] {
-    return Api<TypeParam>::new_task(&task, &p, nullptr, nullptr, nullptr, nullptr, nullptr, 0);
+  const auto make = [&](const void* ps, const void* ns, int32_t wide) {
+    return Api<TypeParam>::new_task(&task, ps, ns, &storage, x, nullptr, nullptr, wide);
   };
   {
     const FailingAllocations none_left(0);
-    EXPECT_EQ(make(), QOR_SS_NO_MEMORY);
+    EXPECT_EQ(make(&one, &one, 0), QOR_SS_NO_MEMORY);
   }
+  // With the flag, the high half of each integer counts.
+  EXPECT_EQ(make(&p, &one, 0), QOR_SS_BAD_P);
+  EXPECT_EQ(make(&one, &negative, 1), QOR_SS_BAD_N);
   EXPECT_EQ(task, nullptr);
-  ASSERT_EQ(make(), QOR_SS_OK);
+  ASSERT_EQ(make(&p, &one, 1), QOR_SS_OK);
   EXPECT_EQ(task->kind, 2);
   EXPECT_EQ(task->precision, sizeof(TypeParam) == sizeof(double) ? 1 : 0);
   EXPECT_EQ(__ostSSDeleteTask(&task), QOR_SS_OK);
   EXPECT_EQ(task, nullptr);
   EXPECT_EQ(__ostSSDeleteTask(nullptr), QOR_SS_NULL_TASK);
-}
-
-// With the flag, the high half of each integer counts.
-TYPED_TEST(Tasks, WideIntegers) {
-  using Real = TypeParam;
-  const int64_t p = int64_t{1} << 32, one = 1, negative = -1, storage = QOR_SS_BY_VARIABLE;
-  const Real x[1] = {};
-  SsTask* task = nullptr;
-  const auto make = [&](const void* ps, const void* ns, int32_t wide) {
-    return Api<Real>::new_task(&task, ps, ns, &storage, x, nullptr, nullptr, wide);
-  };
-  EXPECT_EQ(make(&p, &one, 0), QOR_SS_BAD_P);
-  EXPECT_EQ(make(&one, &negative, 1), QOR_SS_BAD_N);
-  ASSERT_EQ(make(&p, &one, 1), QOR_SS_OK);
-  __ostSSDeleteTask(&task);
 }
 
 TYPED_TEST(Tasks, EditorsByCode) {
@@ -75,9 +64,8 @@ TYPED_TEST(Tasks, EditorsByCode) {
 // The arguments of a family's editors, here as codes, reach the fields, null ones none.
 template <class... Arguments>
 void expect_family(int32_t (*editor)(SsTask*, Arguments...), const std::vector<size_t>& codes) {
-  constexpr size_t count = sizeof...(Arguments);
-  ASSERT_EQ(codes.size(), count);
-  char values[count];
+  ASSERT_EQ(codes.size(), sizeof...(Arguments));
+  char values[sizeof...(Arguments)];
   Task<double> task(1, 1, QOR_SS_BY_VARIABLE, nullptr);
   const auto call = [&]<size_t... i>(SsTask * of, bool given, std::index_sequence<i...>) {
     return editor(of, static_cast<Arguments>(static_cast<void*>(given ? values + i : nullptr))...);
@@ -86,7 +74,7 @@ void expect_family(int32_t (*editor)(SsTask*, Arguments...), const std::vector<s
   EXPECT_EQ(call(nullptr, true, all), QOR_SS_NULL_TASK);
   EXPECT_EQ(call(task, true, all), QOR_SS_OK);
   EXPECT_EQ(call(task, false, all), QOR_SS_OK);
-  for (size_t i = 0; i < count; ++i) {
+  for (size_t i = 0; i < codes.size(); ++i) {
     EXPECT_EQ(field_of(task.record(), parameters()[codes[i] - 1]), values + i) << codes[i];
   }
 }
