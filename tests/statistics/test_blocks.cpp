@@ -3,6 +3,7 @@
 
 #include "qor/vector_math.h"
 #include "tests/statistics/estimates.h"
+#include "tests/support/reports.h"
 
 namespace qor::test {
 namespace {
@@ -69,10 +70,11 @@ TYPED_TEST(Blocks, SizeOfTheTeam) {
 // One variable without weights fills registers with its observations: lengths around where that
 // begins, and what is left over.
 TYPED_TEST(Blocks, OneVariable) {
-  for (const auto& c : combinations(std::vector<int64_t>{255, 256, 263, 511, 512, 527}, kMethods)) {
-    const auto& [n, method] = c;
+  const std::vector<int64_t> lengths = {255, 256, 263, 511, 512, 527};
+  for (const auto& c : combinations(lengths, kBools, kMethods)) {
+    const auto& [n, weighted, method] = c;
     SCOPED_TRACE(::testing::PrintToString(c));
-    const auto s = small_sample<TypeParam>(n, 1, false);
+    const auto s = small_sample<TypeParam>(n, 1, weighted);
     const Asked asked{.method = method, .mask = kVectors, .cuts = {7}};
     expect_near(compute(s, asked), reference(s, method), asked, 200);
   }
@@ -92,6 +94,7 @@ TYPED_TEST(Blocks, LayoutsHaveTheSameBits) {
 
 // The kernel inside does its work under a mode of its own and reports nothing.
 TEST(BlocksOfDoubles, LeaveModeAndStatus) {
+  const ModeScope flushing(QOR_MODE_FLUSH_DENORMALS);
   const uint32_t mode = _arkGetMode();
   _arkClearErrStatus();
   compute<double>({3, 2, {1, 5, 1, 6, 1, 7}}, {.mask = QOR_SS_ESTIMATE_CORRELATION});

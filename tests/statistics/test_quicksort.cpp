@@ -49,11 +49,11 @@ TYPED_TEST(Quicksort, SelectsEveryPosition) {
     for (int64_t k = 0; k < n; k += n / 50 + 1) {
       SCOPED_TRACE(::testing::Message() << pattern << " " << n << " at " << k);
       auto x = data;
-      const auto wanted = x.begin() + k;
+      Real* const wanted = x.data() + k;
       ASSERT_EQ(select(n, x.data(), k), sorted[static_cast<size_t>(k)]);
       ASSERT_EQ(*wanted, sorted[static_cast<size_t>(k)]);
-      ASSERT_LE(*std::max_element(x.begin(), wanted + 1), *wanted);
-      ASSERT_GE(*std::min_element(wanted, x.end()), *wanted);
+      ASSERT_LE(*std::max_element(x.data(), wanted + 1), *wanted);
+      ASSERT_GE(*std::min_element(wanted, x.data() + n), *wanted);
     }
   }
   Real none = 3;

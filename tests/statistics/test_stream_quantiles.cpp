@@ -71,11 +71,11 @@ void expect_rank_errors(const std::vector<double>& epsilons, const std::vector<P
     const auto data = pattern_data<Real>(pattern, lengths.back());
     std::deque<Stream<Real>> streams;
     for (const double epsilon : epsilons) streams.emplace_back(1, epsilon, orders);
-    auto begin = data.begin();
+    const Real* begin = data.data();
     for (const int64_t length : lengths) {
-      const std::vector<Real> block(begin, data.begin() + length);
-      begin = data.begin() + length;
-      std::vector<Real> sorted(data.begin(), begin);
+      const std::vector<Real> block(begin, data.data() + length);
+      begin = data.data() + length;
+      std::vector<Real> sorted(data.data(), begin);
       std::sort(sorted.begin(), sorted.end());
       const auto n = static_cast<double>(length);
       for (size_t s = 0; s < streams.size(); ++s) {
@@ -146,7 +146,7 @@ TYPED_TEST(StreamQuantiles, DoNotDependOnCutsLayoutsAndTeams) {
            first += length, length = length % 997 * 2 + 1) {
         std::vector<std::vector<Real>> block;
         for (const auto& v : variables) {
-          block.emplace_back(v.begin() + first, v.begin() + std::min(first + length, n));
+          block.emplace_back(v.data() + first, v.data() + std::min(first + length, n));
         }
         // Answers in between change nothing.
         const uint64_t method =
