@@ -211,6 +211,7 @@ TYPED_TEST(StreamQuantiles, EndWithTheTaskOrBefore) {
       EXPECT_EQ(live_blocks(), of_task);
     }
     ASSERT_EQ(stream.feed(std::vector<Real>(2000, 1)), QOR_SS_OK);
+    EXPECT_EQ(stream.record().cleanup_count, 1);
   }
   EXPECT_EQ(live_blocks(), before);
   EXPECT_EQ(__ostSQuantilesFreeBuffers(nullptr), QOR_SS_NULL_TASK);
