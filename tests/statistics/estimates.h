@@ -94,11 +94,9 @@ inline constexpr Estimate estimates[] = {
 };
 inline constexpr size_t estimate_count = std::size(estimates);
 
-inline constexpr uint64_t kSumBits = QOR_SS_ESTIMATE_SUM | QOR_SS_ESTIMATE_RAW_SUM_2 |
-                                     QOR_SS_ESTIMATE_RAW_SUM_3 | QOR_SS_ESTIMATE_RAW_SUM_4 |
-                                     QOR_SS_ESTIMATE_CENTRAL_SUM_2 | QOR_SS_ESTIMATE_CENTRAL_SUM_3 |
-                                     QOR_SS_ESTIMATE_CENTRAL_SUM_4 | QOR_SS_ESTIMATE_CP;
-inline constexpr uint64_t kVectors = 0xFE0003FF, kAll = kVectors | 0x100003000;
+// Masks: what one value per variable or a matrix holds, and the sums, which others are made of.
+inline constexpr uint64_t kVectors = 0xFE0003FF, kAll = kVectors | 0x100003000,
+                          kSumBits = 0xFE000000 | QOR_SS_ESTIMATE_CP;
 
 // Where estimates go, in their order: all filled with `untouched` at first.
 template <class Real>

@@ -11,6 +11,8 @@
 #include <random>
 #include <vector>
 
+#include "qor/statistics.h"
+
 namespace qor::test {
 
 enum class Pattern {
@@ -94,6 +96,10 @@ std::vector<Real> laid_out(const std::vector<std::vector<Real>>& variables, bool
     for (size_t i = 0; i < n; ++i) block[by_variable ? j * n + i : i * p + j] = variables[j][i];
   }
   return block;
+}
+
+inline int64_t storage_word(bool by_variable) {
+  return by_variable ? QOR_SS_BY_VARIABLE : QOR_SS_BY_OBSERVATION;
 }
 
 }  // namespace qor::test

@@ -98,8 +98,8 @@ int run(const std::string& entry, SsTask* task, uint64_t estimates, uint64_t met
   if (entry == "weighted_median") return A::weighted_median(task);
   if (entry == "distances") return A::distances(task);
   if (entry == "new_task") {
-    SsTask from{}, *made = nullptr;
-    if (task != nullptr) from = *task;
+    const SsTask from = task == nullptr ? SsTask{} : *task;
+    SsTask* made = nullptr;
     const int status = A::new_task(task == nullptr ? nullptr : &made, from.p, from.n,
                                    from.x_storage, static_cast<Real*>(from.x), nullptr, nullptr, 0);
     EXPECT_EQ(made != nullptr, status == QOR_SS_OK);

@@ -38,8 +38,7 @@ TYPED_TEST(MinMax, IsThatOfAPlainLoop) {
     }
     std::vector<Real> max = min;
     const auto x = laid_out(variables, by_variable);
-    Task<Real> task(static_cast<int64_t>(p), n,
-                    by_variable ? QOR_SS_BY_VARIABLE : QOR_SS_BY_OBSERVATION, x.data());
+    Task<Real> task(static_cast<int64_t>(p), n, storage_word(by_variable), x.data());
     if (some) task.record().indices = indices.data();
     task.set(QOR_SS_MIN, min.data());
     task.set(QOR_SS_MAX, max.data());

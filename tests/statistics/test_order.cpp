@@ -41,10 +41,6 @@ std::vector<Real> some_orders(size_t count) {
   return orders;
 }
 
-int64_t storage_word(bool by_variable) {
-  return by_variable ? QOR_SS_BY_VARIABLE : QOR_SS_BY_OBSERVATION;
-}
-
 constexpr int kNotSorted = -1;
 const std::vector<int> kKinds = {kNotSorted, 0, 1};
 

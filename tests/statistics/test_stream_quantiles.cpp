@@ -35,23 +35,16 @@ class Stream {
   int feed(const std::vector<Real>& x, bool by_variable = false,
            uint64_t method = QOR_SS_METHOD_STREAM_ANSWER, const ThreadHook* hook = nullptr) {
     n_ = static_cast<int64_t>(x.size()) / p_;
-    storage_ = by_variable ? QOR_SS_BY_VARIABLE : QOR_SS_BY_OBSERVATION;
+    storage_ = storage_word(by_variable);
     task_.record().x = n_ == 0 ? nullptr : const_cast<Real*>(x.data());
     return Api<Real>::stream_quantiles(task_, 0, method, hook);
   }
-  // The variables of the next observations.
-  void select(const std::vector<int64_t>& indices) {
-    indices_ = indices;
-    task_.record().indices = indices.empty() ? nullptr : indices_.data();
-  }
-
   const std::vector<Real>& quantiles() const { return quantiles_; }
   SsTask& record() { return task_.record(); }
 
  private:
   int64_t p_, n_ = 0, storage_ = 0;
   Real epsilon_;
-  std::vector<int64_t> indices_;
   std::vector<Real> orders_, quantiles_;
   Task<Real> task_;
 };
@@ -175,7 +168,7 @@ TYPED_TEST(StreamQuantiles, FollowTheIndices) {
   using Real = TypeParam;
   Stream<Real> stream(3, 0.1, {1});
   const auto feed = [&](const std::vector<int64_t>& indices, const std::vector<Real>& x) {
-    stream.select(indices);
+    stream.record().indices = indices.empty() ? nullptr : indices.data();
     return stream.feed(x);
   };
   EXPECT_EQ(feed({0, 0, 0}, {1, 2, 3}), QOR_SS_BAD_INDICES);
