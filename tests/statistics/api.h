@@ -1,11 +1,16 @@
-// A statistics task for the length of a scope.
+// A statistics task for the length of a scope, and how its tests go through many cases.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
+#include <deque>
+#include <tuple>
+#include <vector>
 
 #include "statistics/task.h"
+#include "tests/support/services_interposer.h"
 #include "tests/support/statistics_entries.h"
 
 namespace qor::test {
@@ -36,24 +41,63 @@ class Task {
   void set_number(int64_t code, int64_t value) {
     EXPECT_EQ(__ostiSSEditTask(task_, code, number(value)), QOR_SS_OK);
   }
-  // An integer of the task's width that lives as long as the task.
-  const void* number(int64_t value) {
-    EXPECT_LT(used_, kMost);
-    if (!wide_) {
-      narrow_numbers_[used_] = static_cast<int32_t>(value);
-      return &narrow_numbers_[used_++];
-    }
-    wide_numbers_[used_] = value;
-    return &wide_numbers_[used_++];
-  }
 
  private:
-  static constexpr int kMost = 64;
+  // An integer of the task's width that lives as long as the task.
+  const void* number(int64_t value) {
+    wide_numbers_.push_back(value);
+    narrow_numbers_.push_back(static_cast<int32_t>(value));
+    return wide_ ? static_cast<const void*>(&wide_numbers_.back()) : &narrow_numbers_.back();
+  }
+
   bool wide_;
-  int used_ = 0;
-  int32_t narrow_numbers_[kMost];
-  int64_t wide_numbers_[kMost];
+  std::deque<int32_t> narrow_numbers_;
+  std::deque<int64_t> wide_numbers_;
   SsTask* task_ = nullptr;
 };
+
+// One element of each list, in all combinations.
+inline std::vector<std::tuple<>> combinations() { return {{}}; }
+template <class First, class... Rest>
+auto combinations(const std::vector<First>& first, const std::vector<Rest>&... rest) {
+  std::vector<std::tuple<First, Rest...>> all;
+  for (const First& one : first) {
+    for (const auto& others : combinations(rest...)) {
+      all.push_back(std::tuple_cat(std::tuple<First>(one), others));
+    }
+  }
+  return all;
+}
+inline const std::vector<bool> kBools = {false, true};
+
+// Whether two values are the same, zeros of either sign and any NaNs.
+template <class Real>
+bool same_value(Real a, Real b) {
+  return a == b || (std::isnan(a) && std::isnan(b));
+}
+
+// Runs what prepare() makes with the first, the second ... allocation failing until none fails:
+// each failure has its status, and nothing is lost. Returns how many there were.
+template <class Prepare>
+long failures_survived(Prepare prepare) {
+  for (long failing = 0;; ++failing) {
+    const long before = live_blocks();
+    bool reached;
+    int status;
+    {
+      auto run = prepare();
+      const FailingAllocations guard(failing);
+      status = run();
+      reached = guard.asked() > failing;
+    }
+    EXPECT_EQ(live_blocks(), before);
+    EXPECT_EQ(status, reached ? QOR_SS_NO_MEMORY : QOR_SS_OK);
+    if (!reached || status == QOR_SS_OK) return failing;
+  }
+}
+
+// The estimators of order, in the files of each.
+template <class Real>
+class OrderAllocation : public ::testing::Test {};
 
 }  // namespace qor::test

@@ -6,133 +6,116 @@
 namespace qor::test {
 namespace {
 
+using Number = long double;
+
 // A sum with the sum of its magnitudes.
-template <class Number>
 struct Sum {
   Number value = 0, size = 0;
 
-  void add(const Number& term) {
-    value += term;
-    size += abs(term);
-  }
-  Value scaled(const Number& by) const {
-    return {rounded(value * by), std::fabs(rounded(size * by))};
+  Value times(Number factor) const {
+    return {static_cast<double>(value * factor), static_cast<double>(std::abs(size * factor))};
   }
 };
 
-template <class Number>
-Value ratio(const Number& value) {
-  return {rounded(value), 10 * std::max(1.0, std::fabs(rounded(value)))};
+Value ratio(Number value) {
+  const auto rounded = static_cast<double>(value);
+  return {rounded, 10 * std::max(1.0, std::abs(rounded))};
 }
 
-// By their definitions, in two passes.
-template <class Number, class Real>
-Values values_by(const Sample<Real>& s, const Real* given) {
-  using std::abs, std::sqrt;
-  const auto p = static_cast<size_t>(s.p);
-  Values v{std::vector(vector_count, std::vector<Value>(p)),
-           std::vector(matrix_count, std::vector<Value>(p * p))};
-  Number w = 0, w2 = 0;
+// The sum of term(i) over the observations by their weights.
+template <class Real, class Term>
+Sum sum_of(const Sample<Real>& s, Term term) {
+  Sum sum;
   for (int64_t i = 0; i < s.n; ++i) {
-    w += s.weight(i);
-    w2 += Number(s.weight(i)) * s.weight(i);
+    const Number t = s.weight(i) * Number(term(i));
+    sum.value += t;
+    sum.size += std::abs(t);
   }
-  const Number one = 1, unbiased = w / (w * w - w2), scale = one / (w - w2 / w);
-  std::vector<Number> means;
-  for (int64_t j = 0; j < s.p; ++j) {
-    const auto at = static_cast<size_t>(j);
-    Sum<Number> raw[4], central[3];
-    for (int64_t i = 0; i < s.n; ++i) {
-      for (int k = 0; k < 4; ++k) raw[k].add(Number(s.weight(i)) * power(s.at(i, j), k + 1));
-    }
-    means.push_back(given != nullptr ? Number(given[j]) : raw[0].value / w);
-    for (int64_t i = 0; i < s.n; ++i) {
-      const Number d = Number(s.at(i, j)) - means.back();
-      for (int k = 0; k < 3; ++k) central[k].add(Number(s.weight(i)) * power(d, k + 2));
-    }
-    if (given != nullptr) raw[0].value = raw[0].size = means.back() * w;
-    for (int k = 0; k < 4; ++k) {
-      v.vectors[static_cast<size_t>(k)][at] = raw[k].scaled(one / w);
-      v.vectors[static_cast<size_t>(7 + k)][at] = raw[k].scaled(one);
-    }
-    for (int k = 0; k < 3; ++k) {
-      // The fast method makes them from raw moments, whose sizes count then.
-      central[k].size = central[k].size + raw[k + 1].size;
-      v.vectors[static_cast<size_t>(4 + k)][at] = central[k].scaled(k == 0 ? unbiased : one / w);
-      v.vectors[static_cast<size_t>(11 + k)][at] = central[k].scaled(one);
-    }
-    const Number c2 = central[0].value * unbiased;
-    v.vectors[14][at] = ratio(central[2].value / w / (c2 * c2) - 3);
-    v.vectors[15][at] = ratio(central[1].value / w / sqrt(c2 * c2 * c2));
-    v.vectors[16][at] = ratio(sqrt(c2) / means.back());
-  }
-  const auto products = [&](size_t j, size_t k) {
-    Sum<Number> sum;
-    for (int64_t i = 0; i < s.n; ++i) {
-      const Number xj = s.at(i, static_cast<int64_t>(j)), xk = s.at(i, static_cast<int64_t>(k));
-      sum.value += Number(s.weight(i)) * xj * xk;
-      sum.size += Number(s.weight(i)) * abs(xj * xk);
-    }
-    sum.value = sum.value - w * means[j] * means[k];
-    return sum;
-  };
-  std::vector<Number> roots;
-  for (size_t j = 0; j < p; ++j) roots.push_back(sqrt(products(j, j).value));
-  for (size_t j = 0; j < p; ++j) {
-    for (size_t k = 0; k < p; ++k) {
-      const Sum<Number> cp = products(j, k);
-      v.matrices[0][j * p + k] = cp.scaled(scale);
-      v.matrices[1][j * p + k] =
-          j == k ? cp.scaled(scale) : ratio(cp.value / (roots[j] * roots[k]));
-      v.matrices[2][j * p + k] = cp.scaled(one);
-    }
-  }
-  return v;
+  return sum;
+}
+
+// The sum of a power of the deviations of a variable.
+template <class Real>
+Sum power_sum(const Sample<Real>& s, int64_t j, Number mean, int power) {
+  return sum_of(s, [&](int64_t i) {
+    const Number d = s.at(i, j) - mean, square = d * d;
+    return (power % 2 == 1 ? d : 1) * (power >= 2 ? square : 1) * (power == 4 ? square : 1);
+  });
 }
 
 }  // namespace
 
 template <class Real>
-Values exact_values(const Sample<Real>& s, const Real* given) {
-  return values_by<Exact>(s, given);
-}
-template <class Real>
-Values plain_values(const Sample<Real>& s, const Real* given) {
-  return values_by<long double>(s, given);
+Values reference(const Sample<Real>& s, uint64_t method) {
+  Values v;
+  for (const Estimate& e : estimates) v.emplace_back(e.values(s.p));
+  const Number w = sum_of(s, [](int64_t) { return 1; }).value,
+               squares = sum_of(s, [&](int64_t i) { return s.weight(i); }).value,
+               unbiased = w / (w * w - squares), scale = 1 / (w - squares / w);
+  const auto given = given_means<Real>(s.p);
+  std::vector<Number> means, roots;
+  const auto products = [&](size_t j, size_t k) {
+    Sum sum = sum_of(s, [&](int64_t i) {
+      return Number{s.at(i, static_cast<int64_t>(j))} * s.at(i, static_cast<int64_t>(k));
+    });
+    sum.value -= w * means[j] * means[k];
+    return sum;
+  };
+  const auto p = static_cast<size_t>(s.p);
+  for (size_t j = 0; j < p; ++j) {
+    const auto variable = static_cast<int64_t>(j);
+    Sum raw[4], central[3];
+    for (int k = 0; k < 4; ++k) raw[k] = power_sum(s, variable, 0, k + 1);
+    if (method == kGiven) raw[0].value = raw[0].size = given[j] * w;
+    means.push_back(raw[0].value / w);
+    for (size_t k = 0; k < 4; ++k) {
+      v[k][j] = raw[k].times(1 / w);
+      v[7 + k][j] = raw[k].times(1);
+    }
+    for (size_t k = 0; k < 3; ++k) {
+      central[k] = power_sum(s, variable, means[j], static_cast<int>(k) + 2);
+      // The fast method makes them from raw moments, whose sizes count then.
+      central[k].size += raw[k + 1].size;
+      v[4 + k][j] = central[k].times(k == 0 ? unbiased : 1 / w);
+      v[11 + k][j] = central[k].times(1);
+    }
+    const Number c2 = central[0].value * unbiased;
+    v[14][j] = ratio(central[2].value / w / (c2 * c2) - 3);
+    v[15][j] = ratio(central[1].value / w / std::sqrt(c2 * c2 * c2));
+    v[16][j] = ratio(std::sqrt(c2) / means[j]);
+    roots.push_back(std::sqrt(products(j, j).value));
+  }
+  for (size_t j = 0; j < p; ++j) {
+    for (size_t k = 0; k < p; ++k) {
+      const Sum cp = products(j, k);
+      v[17][j * p + k] = cp.times(scale);
+      v[18][j * p + k] = j == k ? cp.times(scale) : ratio(cp.value / (roots[j] * roots[k]));
+      v[19][j * p + k] = cp.times(1);
+    }
+  }
+  return v;
 }
 
 template <class Real>
-void expect_near(const Results<Real>& results, const Values& values, uint64_t mask, int64_t p,
-                 int64_t storage, double ulps) {
+void expect_near(const Results<Real>& results, const Values& values, const Asked& asked,
+                 double ulps) {
   const double unit = ulps * std::numeric_limits<Real>::epsilon();
-  for (size_t e = 0; e < vector_count; ++e) {
-    if ((mask & vector_estimates[e].bit) == 0) continue;
-    for (size_t j = 0; j < static_cast<size_t>(p); ++j) {
-      const Value& value = values.vectors[e][j];
-      EXPECT_NEAR(results.vectors[e][j], value.exact, unit * value.size)
-          << vector_estimates[e].name << " of variable " << j;
-    }
-  }
-  for (size_t e = 0; e < matrix_count; ++e) {
-    if ((mask & matrix_estimates[e].bit) == 0) continue;
-    for (int64_t j = 0; j < p; ++j) {
-      for (int64_t k = 0; k < p; ++k) {
-        const Value& value = values.matrices[e][static_cast<size_t>(j * p + k)];
-        EXPECT_NEAR(results.matrices[e][static_cast<size_t>(place(storage, p, j, k))], value.exact,
-                    unit * value.size)
-            << matrix_estimates[e].name << " of variables " << j << " and " << k;
-      }
+  const auto p = static_cast<int64_t>(values[0].size());
+  for (size_t e = 0; e < estimate_count; ++e) {
+    if ((asked.mask & estimates[e].bit) == 0) continue;
+    const int64_t columns = estimates[e].is_matrix() ? p : 1;
+    for (int64_t i = 0; i < p * columns; ++i) {
+      const Value& value = values[e][static_cast<size_t>(i)];
+      const size_t at = estimates[e].place(asked.storage, p, i / columns, i % columns);
+      EXPECT_NEAR(results.arrays[e][at], value.exact, unit * value.size)
+          << estimates[e].name << " " << i;
     }
   }
 }
 
-template Values exact_values<double>(const Sample<double>&, const double*);
-template Values exact_values<float>(const Sample<float>&, const float*);
-template Values plain_values<double>(const Sample<double>&, const double*);
-template Values plain_values<float>(const Sample<float>&, const float*);
-template void expect_near<double>(const Results<double>&, const Values&, uint64_t, int64_t, int64_t,
-                                  double);
-template void expect_near<float>(const Results<float>&, const Values&, uint64_t, int64_t, int64_t,
-                                 double);
+template Values reference<double>(const Sample<double>&, uint64_t);
+template Values reference<float>(const Sample<float>&, uint64_t);
+template void expect_near<double>(const Results<double>&, const Values&, const Asked&, double);
+template void expect_near<float>(const Results<float>&, const Values&, const Asked&, double);
 
 }  // namespace qor::test

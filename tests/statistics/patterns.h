@@ -3,12 +3,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <compare>
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <ostream>
 #include <random>
-#include <string>
 #include <vector>
+
+#include "qor/statistics.h"
 
 namespace qor::test {
 
@@ -20,16 +23,15 @@ enum class Pattern {
   zigzag,
   constant,
   few_values,
-  narrow,    // many equal leading bits, in long runs
-  outlier,   // narrow, and one value far away
-  periodic,  // repeats every 16 elements
+  narrow,      // many equal leading bits, in long runs
+  outlier,     // narrow, and one value far away
+  periodic,    // repeats every 16 elements
+  misleading,  // other values where selection takes its sample
   last
 };
 
-inline const char* name_of(Pattern pattern) {
-  constexpr const char* names[] = {"random",   "sorted", "reversed", "organ pipe", "zigzag",
-                                   "constant", "few",    "narrow",   "outlier",    "periodic"};
-  return names[static_cast<int>(pattern)];
+inline std::ostream& operator<<(std::ostream& out, Pattern pattern) {
+  return out << "pattern " << static_cast<int>(pattern);
 }
 
 inline std::vector<Pattern> all_patterns() {
@@ -56,6 +58,8 @@ std::vector<Real> pattern_data(Pattern pattern, int64_t n, uint64_t seed = 1) {
     if (pattern == Pattern::narrow) value = 1 + 1e-9 * value;
     if (pattern == Pattern::outlier) value = i == n / 3 ? -1e30 : 1.7e9 + value;
     if (pattern == Pattern::periodic) value = static_cast<double>(i % 16) + 1e-3 * value;
+    const auto sampled = static_cast<int64_t>((static_cast<uint32_t>(i / 16) * 0x9E3779B9u) >> 28);
+    if (pattern == Pattern::misleading && i % 16 == sampled) value = i / 16 % 2 == 0 ? 1000 : 1001;
     x.push_back(static_cast<Real>(value));
   }
   return x;
@@ -65,31 +69,16 @@ std::vector<Real> pattern_data(Pattern pattern, int64_t n, uint64_t seed = 1) {
 template <class Real>
 void add_specials(std::vector<Real>& x) {
   using Limits = std::numeric_limits<Real>;
-  const Real specials[] = {0,
-                           -Real(0),
-                           Limits::infinity(),
-                           -Limits::infinity(),
-                           Limits::quiet_NaN(),
-                           -Limits::quiet_NaN(),
-                           Limits::denorm_min(),
-                           -Limits::denorm_min(),
-                           Limits::max(),
-                           Limits::lowest()};
+  const Real infinity = Limits::infinity(), nan = Limits::quiet_NaN(), tiny = Limits::denorm_min(),
+             most = Limits::max();
+  const Real specials[] = {0, -Real(0), infinity, -infinity, nan, -nan, tiny, -tiny, most, -most};
   for (size_t i = 0; i < x.size(); i += 7) x[i] = specials[i / 7 % std::size(specials)];
 }
 
-// Order of the values, then of the bits: NaNs at the ends by their sign, -0 before +0.
-template <class Real>
-bool comes_before(Real a, Real b) {
-  const auto rank = [](Real v) { return std::isnan(v) ? (std::signbit(v) ? -1 : 1) : 0; };
-  if (rank(a) != rank(b)) return rank(a) < rank(b);
-  if (rank(a) != 0) return false;
-  return a < b || (a == b && std::signbit(a) && !std::signbit(b));
-}
-
+// The total order: NaNs at the ends by their sign, -0 before +0.
 template <class Real>
 std::vector<Real> in_order(std::vector<Real> x) {
-  std::sort(x.begin(), x.end(), comes_before<Real>);
+  std::sort(x.begin(), x.end(), [](Real a, Real b) { return std::strong_order(a, b) < 0; });
   return x;
 }
 
@@ -107,6 +96,10 @@ std::vector<Real> laid_out(const std::vector<std::vector<Real>>& variables, bool
     for (size_t i = 0; i < n; ++i) block[by_variable ? j * n + i : i * p + j] = variables[j][i];
   }
   return block;
+}
+
+inline int64_t storage_word(bool by_variable) {
+  return by_variable ? QOR_SS_BY_VARIABLE : QOR_SS_BY_OBSERVATION;
 }
 
 }  // namespace qor::test

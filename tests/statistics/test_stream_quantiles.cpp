@@ -1,11 +1,8 @@
 // Streaming quantiles: the rank error, the independence of blocks and teams, the state's life.
 
-#include <gtest/gtest.h>
-
-#include "statistics/task.h"
 #include "tests/fitting/teams.h"
-#include "tests/statistics/stream.h"
-#include "tests/support/services_interposer.h"
+#include "tests/statistics/api.h"
+#include "tests/statistics/patterns.h"
 
 namespace qor::test {
 namespace {
@@ -13,58 +10,111 @@ namespace {
 template <class Real>
 class StreamQuantiles : public ::testing::Test {};
 TYPED_TEST_SUITE(StreamQuantiles, Precisions);
+TYPED_TEST_SUITE(OrderAllocation, Precisions);
 
-std::vector<int64_t> growing_lengths(int64_t most) {
-  std::vector<int64_t> lengths;
-  for (double n = 1; n <= static_cast<double>(most); n = std::max(n + 1, n * 1.21)) {
-    lengths.push_back(static_cast<int64_t>(n));
+// A task for a stream of observations.
+template <class Real>
+class Stream {
+ public:
+  Stream(int64_t p, double epsilon, const std::vector<Real>& orders)
+      : p_(p),
+        epsilon_(static_cast<Real>(epsilon)),
+        orders_(orders),
+        quantiles_(orders_.size() * static_cast<size_t>(p), Real(-77)),
+        task_(p, 1, QOR_SS_BY_VARIABLE, &epsilon_, nullptr, true) {
+    task_.record().n = &n_;
+    task_.record().x_storage = &storage_;
+    task_.set_number(QOR_SS_STREAM_QUANTILE_COUNT, static_cast<int64_t>(orders_.size()));
+    task_.set(QOR_SS_STREAM_QUANTILE_ORDERS, orders_.data());
+    task_.set(QOR_SS_STREAM_QUANTILES, quantiles_.data());
+    task_.set_number(QOR_SS_STREAM_PARAMETER_COUNT, 1);
+    task_.set(QOR_SS_STREAM_PARAMETERS, &epsilon_);
   }
-  lengths.push_back(most);
-  return lengths;
-}
 
-// A rank is a whole number: an answer may be the whole part of its place, at least 1.
-TYPED_TEST(StreamQuantiles, KeepTheRankErrorAtEveryLength) {
-  using Real = TypeParam;
-  for (const double epsilon : {1.0, 0.9, 0.6, 0.3, 0.1, 0.03, 0.01, 0.003}) {
-    for (const Pattern pattern : all_patterns()) {
-      const auto data = pattern_data<Real>(pattern, 20000);
-      const double worst = worst_rank_error(data, epsilon, growing_lengths(20000));
-      EXPECT_LE(worst, 1) << name_of(pattern) << " epsilon " << epsilon;
+  // The next observations.
+  int feed(const std::vector<Real>& x, bool by_variable = false,
+           uint64_t method = QOR_SS_METHOD_STREAM_ANSWER, const ThreadHook* hook = nullptr) {
+    n_ = static_cast<int64_t>(x.size()) / p_;
+    storage_ = storage_word(by_variable);
+    task_.record().x = n_ == 0 ? nullptr : const_cast<Real*>(x.data());
+    return Api<Real>::stream_quantiles(task_, 0, method, hook);
+  }
+  const std::vector<Real>& quantiles() const { return quantiles_; }
+  SsTask& record() { return task_.record(); }
+
+ private:
+  int64_t p_, n_ = 0, storage_ = 0;
+  Real epsilon_;
+  std::vector<Real> orders_, quantiles_;
+  Task<Real> task_;
+};
+
+// After each of so many observations, the answer to each order is an observation whose ranks come
+// as near to the place of the order as epsilon*N, or as one rank where that is more: a rank is a
+// whole number, and an answer may be the whole part of its place, at least 1.
+template <class Real>
+void expect_rank_errors(const std::vector<double>& epsilons, const std::vector<Pattern>& patterns,
+                        const std::vector<int64_t>& lengths) {
+  std::vector<Real> orders;
+  for (int k = 0; k <= 128; ++k) orders.push_back(static_cast<Real>(k) / 128);
+  for (int k = 0; k < 40; ++k) {
+    orders.push_back(std::fmod(static_cast<Real>(k) * Real(0.618), Real(1)));
+  }
+  for (const Pattern pattern : patterns) {
+    const auto data = pattern_data<Real>(pattern, lengths.back());
+    std::deque<Stream<Real>> streams;
+    for (const double epsilon : epsilons) streams.emplace_back(1, epsilon, orders);
+    const Real* begin = data.data();
+    for (const int64_t length : lengths) {
+      const std::vector<Real> block(begin, data.data() + length);
+      begin = data.data() + length;
+      std::vector<Real> sorted(data.data(), begin);
+      std::sort(sorted.begin(), sorted.end());
+      const auto n = static_cast<double>(length);
+      for (size_t s = 0; s < streams.size(); ++s) {
+        SCOPED_TRACE(::testing::Message() << pattern << " " << epsilons[s] << " " << length);
+        ASSERT_EQ(streams[s].feed(block), QOR_SS_OK);
+        for (size_t k = 0; k < orders.size(); ++k) {
+          const auto [first, last] =
+              std::equal_range(sorted.begin(), sorted.end(), streams[s].quantiles()[k]);
+          ASSERT_NE(first, last) << "no observation";
+          const double rank = static_cast<double>(orders[k]) * n;
+          const auto lowest = static_cast<double>(first - sorted.begin() + 1),
+                     highest = static_cast<double>(last - sorted.begin());
+          ASSERT_LE(std::max(lowest - rank, rank - highest), std::max(1.0, epsilons[s] * n));
+        }
+      }
     }
   }
+}
+
+TYPED_TEST(StreamQuantiles, KeepTheRankErrorAtEveryLength) {
+  std::vector<int64_t> lengths;
+  for (double n = 1; n <= 20000; n = std::max(n + 1, n * 1.21)) {
+    lengths.push_back(static_cast<int64_t>(n));
+  }
+  lengths.push_back(20000);
+  expect_rank_errors<TypeParam>({1.0, 0.9, 0.6, 0.3, 0.1, 0.03, 0.01, 0.003}, all_patterns(),
+                                lengths);
 }
 
 TYPED_TEST(StreamQuantiles, KeepTheRankErrorOfAMillion) {
-  using Real = TypeParam;
-  for (const double epsilon : {0.05, 0.001, 0.0001}) {
-    for (const Pattern pattern : {Pattern::random, Pattern::sorted, Pattern::reversed,
-                                  Pattern::organ_pipe, Pattern::few_values, Pattern::zigzag}) {
-      const auto data = pattern_data<Real>(pattern, 1000000);
-      const double worst = worst_rank_error(data, epsilon, {123456, 1000000});
-      EXPECT_LE(worst, 1) << name_of(pattern) << " epsilon " << epsilon;
-    }
-  }
+  expect_rank_errors<TypeParam>({0.05, 0.001, 0.0001},
+                                {Pattern::random, Pattern::sorted, Pattern::reversed,
+                                 Pattern::organ_pipe, Pattern::few_values, Pattern::zigzag},
+                                {123456, 1000000});
 }
 
 // Takes a minute or so: run with --gtest_also_run_disabled_tests.
 TYPED_TEST(StreamQuantiles, DISABLED_KeepTheRankErrorOfTenMillions) {
-  using Real = TypeParam;
-  for (const double epsilon : {0.01, 0.001, 0.00001}) {
-    for (const Pattern pattern : all_patterns()) {
-      const auto data = pattern_data<Real>(pattern, 10000000);
-      const double worst = worst_rank_error(data, epsilon, {7654321, 10000000});
-      EXPECT_LE(worst, 1) << name_of(pattern) << " epsilon " << epsilon;
-    }
-  }
+  expect_rank_errors<TypeParam>({0.01, 0.001, 0.00001}, all_patterns(), {7654321, 10000000});
 }
 
 TYPED_TEST(StreamQuantiles, AreExactWhileTheFirstBufferHoldsAll) {
   using Real = TypeParam;
   const auto data = pattern_data<Real>(Pattern::random, 150);
   const auto sorted = in_order(data);
-  const std::vector<Real> orders = {0, Real(0.25), Real(0.5), Real(0.995), 1};
-  Stream<Real> stream(1, Real(0.01), orders);
+  Stream<Real> stream(1, 0.01, {0, Real(0.25), Real(0.5), Real(0.995), 1});
   ASSERT_EQ(stream.feed(data), QOR_SS_OK);
   EXPECT_EQ(stream.quantiles(),
             (std::vector<Real>{sorted[0], sorted[36], sorted[74], sorted[148], sorted[149]}));
@@ -73,32 +123,28 @@ TYPED_TEST(StreamQuantiles, AreExactWhileTheFirstBufferHoldsAll) {
 // However a stream is cut, fed or laid out, and whoever runs it: the same answers to the bit.
 TYPED_TEST(StreamQuantiles, DoNotDependOnCutsLayoutsAndTeams) {
   using Real = TypeParam;
-  constexpr size_t p = 3, n = 7000;
+  constexpr int64_t p = 3, n = 7000;
   std::vector<std::vector<Real>> variables;
-  for (size_t j = 0; j < p; ++j) {
+  for (uint64_t j = 0; j < p; ++j) {
     variables.push_back(pattern_data<Real>(Pattern::random, n, j));
     if (j == 1) add_specials(variables.back());
   }
   const std::vector<Real> orders = {0, Real(0.1), Real(0.5), Real(0.9), 1};
-  Stream<Real> whole(p, Real(0.01), orders);
+  Stream<Real> whole(p, 0.01, orders);
   ASSERT_EQ(whole.feed(laid_out(variables, false)), QOR_SS_OK);
-  std::vector<ThreadHook> hooks = test_hooks();
-  std::vector<const ThreadHook*> teams = {nullptr};
-  for (const ThreadHook& hook : hooks) teams.push_back(&hook);
-  for (const ThreadHook* team : teams) {
+  for (const ThreadHook& team : test_hooks()) {
     for (const bool by_variable : {false, true}) {
-      Stream<Real> cut(p, Real(0.01), orders);
-      for (size_t first = 0, length = 1; first < n;
+      Stream<Real> cut(p, 0.01, orders);
+      for (int64_t first = 0, length = 1; first < n;
            first += length, length = length % 997 * 2 + 1) {
         std::vector<std::vector<Real>> block;
         for (const auto& v : variables) {
-          block.emplace_back(v.begin() + static_cast<int64_t>(first),
-                             v.begin() + static_cast<int64_t>(std::min(first + length, n)));
+          block.emplace_back(v.data() + first, v.data() + std::min(first + length, n));
         }
         // Answers in between change nothing.
         const uint64_t method =
             length % 3 == 0 ? QOR_SS_METHOD_STREAM_ANSWER : QOR_SS_METHOD_STREAM_UPDATE;
-        ASSERT_EQ(cut.feed(laid_out(block, by_variable), by_variable, method, team), QOR_SS_OK);
+        ASSERT_EQ(cut.feed(laid_out(block, by_variable), by_variable, method, &team), QOR_SS_OK);
       }
       ASSERT_EQ(cut.feed({}), QOR_SS_OK);
       ASSERT_TRUE(same_bits(cut.quantiles(), whole.quantiles()));
@@ -108,7 +154,7 @@ TYPED_TEST(StreamQuantiles, DoNotDependOnCutsLayoutsAndTeams) {
 
 TYPED_TEST(StreamQuantiles, UpdateWithoutAnsweringWritesNothing) {
   using Real = TypeParam;
-  Stream<Real> stream(2, Real(0.1), {Real(0.5)});
+  Stream<Real> stream(2, 0.1, {Real(0.5)});
   EXPECT_EQ(stream.feed({}), QOR_SS_OK);
   EXPECT_EQ(stream.quantiles(), (std::vector<Real>{-77, -77}));
   EXPECT_EQ(stream.feed({1, 2, 3, 4}, false, QOR_SS_METHOD_STREAM_UPDATE), QOR_SS_OK);
@@ -120,29 +166,23 @@ TYPED_TEST(StreamQuantiles, UpdateWithoutAnsweringWritesNothing) {
 // The first call tells which variables there are; later ones may name some of them.
 TYPED_TEST(StreamQuantiles, FollowTheIndices) {
   using Real = TypeParam;
-  const int32_t none[] = {0, 0, 0}, outer[] = {1, 0, 2}, last[] = {0, 0, 1}, middle[] = {0, 1, 0};
-  Stream<Real> stream(3, Real(0.1), {1});
-  stream.select(none);
-  EXPECT_EQ(stream.feed({1, 2, 3}), QOR_SS_BAD_INDICES);
-  EXPECT_EQ(stream.record().stream_state, nullptr);
-  stream.select(outer);
-  EXPECT_EQ(stream.feed({1, 2, 3, 4, 5, 6}), QOR_SS_OK);
+  Stream<Real> stream(3, 0.1, {1});
+  const auto feed = [&](const std::vector<int64_t>& indices, const std::vector<Real>& x) {
+    stream.record().indices = indices.empty() ? nullptr : indices.data();
+    return stream.feed(x);
+  };
+  EXPECT_EQ(feed({0, 0, 0}, {1, 2, 3}), QOR_SS_BAD_INDICES);
+  EXPECT_EQ(feed({1, 0, 2}, {1, 2, 3, 4, 5, 6}), QOR_SS_OK);
   EXPECT_EQ(stream.quantiles(), (std::vector<Real>{4, 6, -77}));
-  stream.select(middle);
-  EXPECT_EQ(stream.feed({7, 7, 7}), QOR_SS_BAD_INDICES);
-  stream.select(none);
-  EXPECT_EQ(stream.feed({7, 7, 7}), QOR_SS_BAD_INDICES);
-  stream.select(last);
-  EXPECT_EQ(stream.feed({9, 9, 9}), QOR_SS_OK);
+  EXPECT_EQ(feed({0, 1, 0}, {7, 7, 7}), QOR_SS_BAD_INDICES);
+  EXPECT_EQ(feed({0, 0, 0}, {7, 7, 7}), QOR_SS_BAD_INDICES);
+  EXPECT_EQ(feed({0, 0, 1}, {9, 9, 9}), QOR_SS_OK);
   EXPECT_EQ(stream.quantiles(), (std::vector<Real>{9, 6, -77}));
-  stream.record().indices = nullptr;
-  EXPECT_EQ(stream.feed({}), QOR_SS_OK);
+  EXPECT_EQ(feed({}, {}), QOR_SS_OK);
   EXPECT_EQ(stream.quantiles(), (std::vector<Real>{4, 9, -77}));
   // Stages of variables that have seen more than others end at different times.
-  stream.select(last);
-  ASSERT_EQ(stream.feed(std::vector<Real>(3 * 107, 10)), QOR_SS_OK);
-  stream.record().indices = nullptr;
-  ASSERT_EQ(stream.feed(std::vector<Real>(3 * 211, 11)), QOR_SS_OK);
+  ASSERT_EQ(feed({0, 0, 1}, std::vector<Real>(3 * 107, 10)), QOR_SS_OK);
+  ASSERT_EQ(feed({}, std::vector<Real>(3 * 211, 11)), QOR_SS_OK);
   EXPECT_EQ(stream.quantiles(), (std::vector<Real>{11, 11, -77}));
   const int64_t other_p = 2;
   stream.record().p = &other_p;
@@ -153,12 +193,12 @@ TYPED_TEST(StreamQuantiles, EndWithTheTaskOrBefore) {
   using Real = TypeParam;
   const long before = live_blocks();
   {
-    Stream<Real> stream(2, Real(0.01), {1});
+    Stream<Real> stream(2, 0.01, {1});
     const long of_task = live_blocks();
     EXPECT_EQ(__ostSQuantilesFreeBuffers(&stream.record()), QOR_SS_OK);
-    for (int round = 0; round < 2; ++round) {
-      ASSERT_EQ(stream.feed(std::vector<Real>(2000, static_cast<Real>(5 - round))), QOR_SS_OK);
-      EXPECT_EQ(stream.quantiles()[0], static_cast<Real>(5 - round));
+    for (const Real value : {Real(5), Real(4)}) {
+      ASSERT_EQ(stream.feed(std::vector<Real>(2000, value)), QOR_SS_OK);
+      EXPECT_EQ(stream.quantiles()[0], value);
       EXPECT_GT(live_blocks(), of_task);
       EXPECT_EQ(__ostSQuantilesFreeBuffers(&stream.record()), QOR_SS_OK);
       EXPECT_EQ(live_blocks(), of_task);
@@ -173,8 +213,33 @@ TYPED_TEST(StreamQuantiles, EndWithTheTaskOrBefore) {
 // No epsilon is too small to be counted; it may be too small for the memory.
 TYPED_TEST(StreamQuantiles, OfImpossiblySmallEpsilon) {
   using Real = TypeParam;
-  Stream<Real> stream(1, std::numeric_limits<Real>::min(), {1});
+  Stream<Real> stream(1, double{std::numeric_limits<Real>::min()}, {1});
   EXPECT_EQ(stream.feed({1, 2, 3}), QOR_SS_NO_MEMORY);
+}
+
+// A stream of one block, of several stages, for two variables: each allocation fails once, and the
+// next try with memory goes on where the stream stands.
+TYPED_TEST(OrderAllocation, OfStreams) {
+  using Real = TypeParam;
+  const auto block = pattern_data<Real>(Pattern::random, 2 * 500);
+  const ThreadHook hook = hook_of<3>(run_on_threads);
+  const long before = live_blocks();
+  long failing = 0;
+  for (bool reached = true; reached; ++failing) {
+    Stream<Real> stream(2, 0.05, {0, 1});
+    {
+      const FailingAllocations guard(failing);
+      const int status = stream.feed(block, false, QOR_SS_METHOD_STREAM_ANSWER, &hook);
+      reached = guard.asked() > failing;
+      ASSERT_EQ(status, reached ? QOR_SS_NO_MEMORY : QOR_SS_OK) << failing;
+    }
+    // Whatever was taken in, what follows counts.
+    ASSERT_EQ(stream.feed({1000, 2000, -1000, -2000}), QOR_SS_OK);
+    EXPECT_EQ(stream.quantiles(), (std::vector<Real>{-1000, 1000, -2000, 2000}));
+  }
+  // State, list of variables, for each variable four stages of two blocks each, and two answers.
+  EXPECT_EQ(failing - 1, 2 + 2 * 4 * 2 + 2 * 2);
+  EXPECT_EQ(live_blocks(), before);
 }
 
 }  // namespace
