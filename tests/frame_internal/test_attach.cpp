@@ -10,56 +10,66 @@
 namespace {
 
 using namespace qor::frame;
+using qor::test::live_blocks;
 
-TEST(Attach, DetachOfTheProcessGivesEverythingBackAndUseStartsAnew) {
-  library_entry(nullptr, Notice::process_detach, nullptr);
-  const long none = qor::test::live_blocks();
-  EXPECT_EQ(library_entry(nullptr, Notice::process_attach, nullptr), 1);
-  EXPECT_EQ(qor::test::live_blocks(), none + 2);  // heap and block
-  EXPECT_EQ(library_entry(nullptr, Notice::process_attach, nullptr), 1);
-  EXPECT_EQ(library_entry(nullptr, Notice::thread_attach, nullptr), 1);
-  EXPECT_EQ(qor::test::live_blocks(), none + 2);
+int32_t notify(Notice notice, void* reserved = nullptr) {
+  return library_entry(nullptr, notice, reserved);
+}
+
+// Starts and ends without anything of the library's.
+class Attach : public testing::Test {
+ protected:
+  void SetUp() override {
+    notify(Notice::process_detach);
+    none_ = live_blocks();
+  }
+  void TearDown() override {
+    notify(Notice::process_detach);
+    EXPECT_EQ(live_blocks(), none_);
+    EXPECT_EQ(mode(), 0x1A02u);  // use starts anew
+  }
+  long none_ = 0;
+};
+
+TEST_F(Attach, DetachOfTheProcessGivesEverythingBackAndUseStartsAnew) {
+  for (const Notice notice :
+       {Notice::process_attach, Notice::process_attach, Notice::thread_attach}) {
+    EXPECT_EQ(notify(notice), 1);
+    EXPECT_EQ(live_blocks(), none_ + 2);  // heap and block
+  }
   std::thread([&] {
     merge_mode(thread_state(), QOR_MODE_LA);
-    EXPECT_EQ(qor::test::live_blocks(), none + 3);
-    library_entry(nullptr, Notice::thread_detach, nullptr);
-    EXPECT_EQ(qor::test::live_blocks(), none + 2);
+    EXPECT_EQ(live_blocks(), none_ + 3);
+    notify(Notice::thread_detach);
+    EXPECT_EQ(live_blocks(), none_ + 2);
     EXPECT_EQ(mode(), 0x1A02u);  // a new block
   }).join();
-  EXPECT_EQ(qor::test::live_blocks(), none + 2);
+  EXPECT_EQ(live_blocks(), none_ + 2);
   // At the end of the process nothing is freed.
   int process_ends = 1;
-  library_entry(nullptr, Notice::process_detach, &process_ends);
-  EXPECT_EQ(qor::test::live_blocks(), none + 2);
-  library_entry(nullptr, Notice::process_detach, nullptr);
-  EXPECT_EQ(qor::test::live_blocks(), none);
-  EXPECT_EQ(mode(), 0x1A02u);
+  notify(Notice::process_detach, &process_ends);
+  EXPECT_EQ(live_blocks(), none_ + 2);
 }
 
-TEST(Attach, UnloadFreesTheBlocksOfOtherThreadsToo) {
-  library_entry(nullptr, Notice::process_detach, nullptr);
-  const long none = qor::test::live_blocks();
+TEST_F(Attach, UnloadFreesTheBlocksOfOtherThreadsToo) {
   std::thread([&] {
     mode();
-    EXPECT_EQ(qor::test::live_blocks(), none + 2);
-    std::thread([] { library_entry(nullptr, Notice::process_detach, nullptr); }).join();
-    EXPECT_EQ(qor::test::live_blocks(), none);
+    EXPECT_EQ(live_blocks(), none_ + 2);
+    std::thread([] { notify(Notice::process_detach); }).join();
+    EXPECT_EQ(live_blocks(), none_);
   }).join();
-  EXPECT_EQ(mode(), 0x1A02u);
 }
 
-TEST(Attach, FailureIsAnsweredAndPrinted) {
-  library_entry(nullptr, Notice::process_detach, nullptr);
+TEST_F(Attach, FailureIsAnsweredAndPrinted) {
   qor::test::take_printed_messages();
   for (long failing : {0L, 1L}) {
     qor::test::FailingAllocations allocations(failing);
-    EXPECT_EQ(library_entry(nullptr, Notice::process_attach, nullptr), 0);
+    EXPECT_EQ(notify(Notice::process_attach), 0);
     const auto printed = qor::test::take_printed_messages();
     ASSERT_EQ(printed.size(), 1u);
     EXPECT_EQ(printed[0].number, 773);
-    library_entry(nullptr, Notice::process_detach, nullptr);
+    notify(Notice::process_detach);
   }
-  EXPECT_EQ(mode(), 0x1A02u);
 }
 
 }  // namespace
