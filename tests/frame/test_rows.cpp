@@ -48,6 +48,7 @@ TEST(Rows, FormOneArray) {
     EXPECT_EQ(symbol("qor_ark_kernel_" + row + "_ctab"), place + 3 * sizeof(void*)) << row;
     for (int slot = 0; slot < 3; ++slot) {
       EXPECT_NE(reinterpret_cast<void* const*>(place)[slot], nullptr) << row;
+      EXPECT_GT(reinterpret_cast<const float*>(place + 3 * sizeof(void*))[slot], 0) << row;
     }
     place += kRowBytes;
   }

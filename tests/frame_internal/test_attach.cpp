@@ -16,51 +16,46 @@ int32_t notify(Notice notice, void* reserved = nullptr) {
   return library_entry(nullptr, notice, reserved);
 }
 
-// Starts and ends without anything of the library's.
-class Attach : public testing::Test {
- protected:
-  void SetUp() override {
-    notify(Notice::process_detach);
-    none_ = live_blocks();
-  }
-  void TearDown() override {
-    notify(Notice::process_detach);
-    EXPECT_EQ(live_blocks(), none_);
-    EXPECT_EQ(mode(), 0x1A02u);  // use starts anew
-  }
-  long none_ = 0;
-};
+// The blocks that live when everything has been given back.
+long blocks_after_detach() {
+  notify(Notice::process_detach);
+  return live_blocks();
+}
 
-TEST_F(Attach, DetachOfTheProcessGivesEverythingBackAndUseStartsAnew) {
+TEST(Attach, DetachOfTheProcessGivesEverythingBackAndUseStartsAnew) {
+  const long none = blocks_after_detach();
   for (const Notice notice :
        {Notice::process_attach, Notice::process_attach, Notice::thread_attach}) {
     EXPECT_EQ(notify(notice), 1);
-    EXPECT_EQ(live_blocks(), none_ + 2);  // heap and block
+    EXPECT_EQ(live_blocks(), none + 2);  // heap and block
   }
   std::thread([&] {
     merge_mode(thread_state(), QOR_MODE_LA);
-    EXPECT_EQ(live_blocks(), none_ + 3);
+    EXPECT_EQ(live_blocks(), none + 3);
     notify(Notice::thread_detach);
-    EXPECT_EQ(live_blocks(), none_ + 2);
+    EXPECT_EQ(live_blocks(), none + 2);
     EXPECT_EQ(mode(), 0x1A02u);  // a new block
   }).join();
-  EXPECT_EQ(live_blocks(), none_ + 2);
-  // At the end of the process nothing is freed.
+  EXPECT_EQ(live_blocks(), none + 2);
   int process_ends = 1;
   notify(Notice::process_detach, &process_ends);
-  EXPECT_EQ(live_blocks(), none_ + 2);
+  EXPECT_EQ(live_blocks(), none + 2) << "freed at the end of the process";
+  EXPECT_EQ(blocks_after_detach(), none);
+  EXPECT_EQ(mode(), 0x1A02u);
 }
 
-TEST_F(Attach, UnloadFreesTheBlocksOfOtherThreadsToo) {
+TEST(Attach, UnloadFreesTheBlocksOfOtherThreadsToo) {
+  const long none = blocks_after_detach();
   std::thread([&] {
     mode();
-    EXPECT_EQ(live_blocks(), none_ + 2);
-    std::thread([] { notify(Notice::process_detach); }).join();
-    EXPECT_EQ(live_blocks(), none_);
+    EXPECT_EQ(live_blocks(), none + 2);
+    std::thread([&] { EXPECT_EQ(blocks_after_detach(), none); }).join();
   }).join();
+  EXPECT_EQ(mode(), 0x1A02u);
 }
 
-TEST_F(Attach, FailureIsAnsweredAndPrinted) {
+TEST(Attach, FailureIsAnsweredAndPrinted) {
+  const long none = blocks_after_detach();
   qor::test::take_printed_messages();
   for (long failing : {0L, 1L}) {
     qor::test::FailingAllocations allocations(failing);
@@ -68,8 +63,9 @@ TEST_F(Attach, FailureIsAnsweredAndPrinted) {
     const auto printed = qor::test::take_printed_messages();
     ASSERT_EQ(printed.size(), 1u);
     EXPECT_EQ(printed[0].number, 773);
-    notify(Notice::process_detach);
+    EXPECT_EQ(blocks_after_detach(), none);
   }
+  EXPECT_EQ(mode(), 0x1A02u);
 }
 
 }  // namespace

@@ -40,6 +40,8 @@ Parts parts_of(const Complex& z) {
   return {static_cast<double>(z.re), static_cast<double>(z.im)};
 }
 
+Parts arguments_of(const ErrorContext& c) { return {c.arg1, c.arg1Im, c.arg2, c.arg2Im}; }
+
 TEST_F(ErrorRoutines, ComplexElementsShowAndTakeBothParts) {
   thread_state().errCallback = [](ErrorContext* context) -> int32_t {
     keep(context);
@@ -52,8 +54,7 @@ TEST_F(ErrorRoutines, ComplexElementsShowAndTakeBothParts) {
   const qor_complex_double a[2] = {{1, 2}, {3, 4}}, b[2] = {{5, 6}, {7, 8}};
   qor_complex_double y[2] = {}, z[2] = {};
   report_error(3, 1, a, b, y, z, "vzDiv");
-  const ErrorContext& seen = reports.at(0);
-  EXPECT_EQ((Parts{seen.arg1, seen.arg1Im, seen.arg2, seen.arg2Im}), (Parts{3, 4, 7, 8}));
+  EXPECT_EQ(arguments_of(reports.at(0)), (Parts{3, 4, 7, 8}));
   EXPECT_EQ(parts_of(y[0]), (Parts{0, 0}));
   EXPECT_EQ(parts_of(y[1]), (Parts{10, 11}));
   EXPECT_EQ(parts_of(z[1]), (Parts{20, 21}));
@@ -62,9 +63,7 @@ TEST_F(ErrorRoutines, ComplexElementsShowAndTakeBothParts) {
   qor_complex_float w[3] = {};
   // Results go to the same element: the first, written last, stays.
   report_error_strided(2, 1, c, 2, c, 1, w + 2, -1, w + 2, -1, "vcLnI");
-  const ErrorContext& strided = reports.at(1);
-  EXPECT_EQ((Parts{strided.arg1, strided.arg1Im, strided.arg2, strided.arg2Im}),
-            (Parts{5, 6, 3, 4}));
+  EXPECT_EQ(arguments_of(reports.at(1)), (Parts{5, 6, 3, 4}));
   EXPECT_EQ(parts_of(w[1]), (Parts{10, 11}));
   report_error_strided(2, 1, c, 1, c, 1, w, 0, w, 2, "vcLnI");
   EXPECT_EQ(parts_of(w[0]), (Parts{10, 11}));
@@ -100,7 +99,7 @@ TEST_F(ErrorRoutines, WholeVectorDistanceByElementSize) {
   EXPECT_EQ(index(qor_complex_double{}, -32), 2 - 2);
 }
 
-TEST_F(ErrorRoutines, ErrnoAndMessagesByCodeAndValues) {
+TEST_F(ErrorRoutines, ErrnoAndMessagesByCodeAndValuesAndLongNamesAreCut) {
   const struct {
     int code, error;
     double a, b, y, z;
@@ -120,16 +119,19 @@ TEST_F(ErrorRoutines, ErrnoAndMessagesByCodeAndValues) {
       {1, EDOM, 1, 0, 3, 0, {750, 755, 756}},  // a second value of zero counts as none
   };
   thread_state().mode = QOR_MODE_ERRORS_STDERR | QOR_MODE_ERRORS_ERRNO | QOR_MODE_ERRORS_CALLBACK;
+  const std::string name(50, 'x'), cut(47, 'x');
   for (const auto& c : cases) {
     SCOPED_TRACE(c.code);
     double y = c.y, z = c.z;
     errno = -1;
     if (c.code < 0) {  // an argument that is bad: no vector is touched
-      report_error<double>(c.code, 5, nullptr, nullptr, nullptr, nullptr, "vdExp");
+      report_error<double>(c.code, 5, nullptr, nullptr, nullptr, nullptr, name.c_str());
       EXPECT_EQ(reports.back().index, 5);
     } else {
-      report_error(c.code, 0, &c.a, &c.b, &y, &z, "vdExp");
+      report_error(c.code, 0, &c.a, &c.b, &y, &z, name.c_str());
     }
+    EXPECT_EQ(reports.back().funcName, cut);
+    EXPECT_EQ(reports.back().funcNameLength, 47);
     EXPECT_EQ(thread_state().errStatus, c.code);
     EXPECT_EQ(errno, c.error);
     const auto printed = qor::test::take_printed_messages();
@@ -140,14 +142,6 @@ TEST_F(ErrorRoutines, ErrnoAndMessagesByCodeAndValues) {
       EXPECT_EQ(printed[i].count, i > 0 || c.code == -1 ? 2 : 1);
     }
   }
-}
-
-TEST_F(ErrorRoutines, LongNamesAreCut) {
-  const std::string name(50, 'x');
-  double x = 1;
-  report_error(1, 0, &x, &x, &x, &x, name.c_str());
-  EXPECT_EQ(reports.at(0).funcNameLength, 47);
-  EXPECT_EQ(reports.at(0).funcName, std::string(47, 'x'));
 }
 
 TEST_F(ErrorRoutines, RecordLayoutIsTheCallbacksInterface) {

@@ -10,18 +10,16 @@
 #include "qor/vector_math.h"
 
 // The kernels that the rows name. They are places alone: tests put their own into the rows.
-asm(R"(
-  .data
-  .irp f, sSin_A, sSin_B, dCdfNorm_A, dCdfNorm_B, dCdfNorm_C, cLn_A, cLn_C, zCIS_A, cArg_A, cArg_B, \
-    dPow_A, dPow_B, sPowx_A, cPowx_A, zPowx_A, dSinCos_A, dLinearFrac_A, \
-    sSinI_A, sSinI_B, dCdfNormI_A, dCdfNormI_B, dCdfNormI_C, cLnI_A, cLnI_C, zCISI_A, cArgI_A, \
-    cArgI_B, dPowI_A, dPowI_B, sPowxI_A, cPowxI_A, zPowxI_A, dSinCosI_A, dLinearFracI_A, \
-    sPackI_A, dPackM_A, zPackV_A, sUnpackI_A, dUnpackM_A, zUnpackV_A
-  .globl qor_kernel_\f
-  qor_kernel_\f: .byte 0
-  .endr
-  .text
-)");
+asm(".pushsection .data\n"
+    ".irp f, sSin_A, sSin_B, dCdfNorm_A, dCdfNorm_B, dCdfNorm_C, cLn_A, cLn_C, zCIS_A, cArg_A,"
+    " cArg_B, dPow_A, dPow_B, sPowx_A, cPowx_A, zPowx_A, dSinCos_A, dLinearFrac_A,"
+    " sSinI_A, sSinI_B, dCdfNormI_A, dCdfNormI_B, dCdfNormI_C, cLnI_A, cLnI_C, zCISI_A, cArgI_A,"
+    " cArgI_B, dPowI_A, dPowI_B, sPowxI_A, cPowxI_A, zPowxI_A, dSinCosI_A, dLinearFracI_A,"
+    " sPackI_A, dPackM_A, zPackV_A, sUnpackI_A, dUnpackM_A, zUnpackV_A\n"
+    ".globl qor_kernel_\\f\n"
+    "qor_kernel_\\f: .byte 0\n"
+    ".endr\n"
+    ".popsection");
 extern "C" char qor_kernel_sSin_A, qor_kernel_sSin_B, qor_kernel_dCdfNormI_A,
     qor_kernel_dCdfNormI_B, qor_kernel_dCdfNormI_C, qor_kernel_cLn_A, qor_kernel_cLn_C,
     qor_kernel_dPackM_A;

@@ -11,18 +11,17 @@ namespace {
 
 using namespace qor::test;
 
-// A text of the table with its \n, and its * as the only thing that stands for something else.
+// A text of the table with its ends of lines, and its * as the only thing that stands for another.
 std::string pattern_of(const std::string& text) {
   std::string pattern;
   for (size_t i = 0; i < text.size(); ++i) {
-    const bool escaped = text[i] == '\\' && i + 1 < text.size();
-    if (escaped && text[i + 1] == 'n') {
+    if (text.compare(i, 2, "\\n") == 0) {
       pattern += '\n';
+      ++i;
     } else {
       if (std::strchr("[]?\\", text[i]) != nullptr) pattern += '\\';
       pattern += text[i];
     }
-    if (escaped && text[i + 1] == 'n') ++i;
   }
   return pattern;
 }
