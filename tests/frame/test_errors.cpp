@@ -14,11 +14,11 @@
 
 namespace {
 
-// The x87 status word's exception flags, and its control word's masks.
+// The x87 status word's flags of what is reported, and the control word's masks.
 unsigned x87_flags() {
   uint16_t status;
   asm volatile("fnstsw %0" : "=m"(status));
-  return status & 0x3Fu;
+  return status & 0x1Du;
 }
 unsigned x87_masks() {
   uint16_t control;

@@ -56,10 +56,9 @@ TEST(Rows, FormOneArray) {
 
 TEST(Rows, CostsOfAFunctionAndItsStridedMateAreEqual) {
   for (const std::string& row : kRows) {
-    const char* strided = symbol("qor_ark_kernel_" + row + "I_ctab");
-    if (strided == nullptr) continue;
     const char* plain = symbol("qor_ark_kernel_" + row + "_ctab");
-    EXPECT_EQ(std::memcmp(plain, strided, 3 * sizeof(float)), 0) << row;
+    const char* strided = symbol("qor_ark_kernel_" + row + "I_ctab");
+    EXPECT_TRUE(strided == nullptr || std::memcmp(plain, strided, 3 * sizeof(float)) == 0) << row;
   }
   EXPECT_EQ(qor_ark_kernel_sExp_ctab[0], 15.62f);
 }

@@ -1,7 +1,11 @@
-/* The installed library from C, by its one header of vector math: a kernel through its row, and
-   what the machinery reports. */
+/* The installed library from C, by all of its headers: a kernel through its row, and what the
+   machinery reports. */
 #include <errno.h>
 #include <math.h>
+#include <qor/distributions.h>
+#include <qor/fitting.h>
+#include <qor/services.h>
+#include <qor/statistics.h>
 #include <qor/vector_math.h>
 
 int main(void) {
