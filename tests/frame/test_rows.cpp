@@ -22,51 +22,43 @@ const std::vector<std::string> kRows = {QOR_FUNCTION_ROWS(QOR_FUNCTION) QOR_PACK
 
 constexpr size_t kRowBytes = sizeof(void*) == 8 ? 40 : 24;
 
-void* symbol(const std::string& name) { return dlsym(RTLD_DEFAULT, name.c_str()); }
-
-void** slots(const std::string& row) {
-  return static_cast<void**>(symbol("qor_ark_kernel_" + row + "_ttab"));
+const char* symbol(const std::string& name) {
+  return static_cast<const char*>(dlsym(RTLD_DEFAULT, name.c_str()));
 }
 
-// Every name of the finished table, in order.
-std::vector<std::string> table_order() {
-  std::ifstream file(QOR_SOURCE "/tests/frame/table_order.txt");
-  std::vector<std::string> names;
-  for (std::string line; std::getline(file, line);) {
-    if (!line.empty() && line[0] != '#') names.push_back(line);
-  }
-  return names;
-}
-
+// The file holds every name of the finished table, in order.
 TEST(Rows, StandInTableOrder) {
-  const std::vector<std::string> order = table_order();
-  ASSERT_EQ(order.size(), 440u);
-  auto at = order.begin();
-  for (const std::string& row : kRows) {
-    const auto found = std::find(at, order.end(), row);
-    ASSERT_NE(found, order.end()) << row << " is unknown, or stands before its place";
-    at = found + 1;
+  std::ifstream file(QOR_SOURCE "/tests/frame/table_order.txt");
+  auto row = kRows.begin();
+  int names = 0;
+  for (std::string line; std::getline(file, line);) {
+    if (line.empty() || line[0] == '#') continue;
+    ++names;
+    if (row != kRows.end() && *row == line) ++row;
   }
+  EXPECT_EQ(names, 440);
+  EXPECT_TRUE(row == kRows.end()) << *row << " is unknown, or stands before its place";
 }
 
 TEST(Rows, FormOneArray) {
-  const char* first = reinterpret_cast<char*>(slots(kRows[0]));
-  ASSERT_NE(first, nullptr);
-  for (size_t i = 0; i < kRows.size(); ++i) {
-    const char* ttab = reinterpret_cast<char*>(slots(kRows[i]));
-    ASSERT_NE(ttab, nullptr) << kRows[i];
-    EXPECT_EQ(ttab, first + i * kRowBytes) << kRows[i];
-    EXPECT_EQ(symbol("qor_ark_kernel_" + kRows[i] + "_ctab"), ttab + 3 * sizeof(void*));
-    for (int slot = 0; slot < 3; ++slot) EXPECT_NE(slots(kRows[i])[slot], nullptr) << kRows[i];
+  const char* place = symbol("qor_ark_kernel_" + kRows[0] + "_ttab");
+  ASSERT_NE(place, nullptr);
+  for (const std::string& row : kRows) {
+    ASSERT_EQ(symbol("qor_ark_kernel_" + row + "_ttab"), place) << row;
+    EXPECT_EQ(symbol("qor_ark_kernel_" + row + "_ctab"), place + 3 * sizeof(void*)) << row;
+    for (int slot = 0; slot < 3; ++slot) {
+      EXPECT_NE(reinterpret_cast<void* const*>(place)[slot], nullptr) << row;
+      EXPECT_GT(reinterpret_cast<const float*>(place + 3 * sizeof(void*))[slot], 0) << row;
+    }
+    place += kRowBytes;
   }
 }
 
 TEST(Rows, CostsOfAFunctionAndItsStridedMateAreEqual) {
   for (const std::string& row : kRows) {
-    const void* strided = symbol("qor_ark_kernel_" + row + "I_ctab");
-    if (strided == nullptr) continue;
-    const void* plain = symbol("qor_ark_kernel_" + row + "_ctab");
-    EXPECT_EQ(std::memcmp(plain, strided, 3 * sizeof(float)), 0) << row;
+    const char* plain = symbol("qor_ark_kernel_" + row + "_ctab");
+    const char* strided = symbol("qor_ark_kernel_" + row + "I_ctab");
+    EXPECT_TRUE(strided == nullptr || std::memcmp(plain, strided, 3 * sizeof(float)) == 0) << row;
   }
   EXPECT_EQ(qor_ark_kernel_sExp_ctab[0], 15.62f);
 }
@@ -83,33 +75,34 @@ TEST(Stubs, EveryRowHasItsFourNames) {
   }
 }
 
+int called = -1;
+template <int slot>
+void mark(int32_t, const double*, double*) {
+  called = slot;
+}
+
 TEST(Stubs, LoadTheirSlotAtEveryCallWhateverTheModeSays) {
-  static int called = -1;
   using Kernel = void (*)(int32_t, const double*, double*);
-  const Kernel marks[3] = {[](int32_t, const double*, double*) { called = 0; },
-                           [](int32_t, const double*, double*) { called = 1; },
-                           [](int32_t, const double*, double*) { called = 2; }};
+  const Kernel marks[3] = {mark<0>, mark<1>, mark<2>};
   Kernel saved[3];
   std::copy_n(qor_ark_kernel_dExp_ttab, 3, saved);
   std::copy_n(marks, 3, qor_ark_kernel_dExp_ttab);
   const uint32_t mode = _arkSetMode(QOR_MODE_LA);
-  const double x = 1.0;
+  const double x = 0.0;
   double y = 0.0;
-  _arkdExp(1, &x, &y);
-  EXPECT_EQ(called, 1);
-  _arkdExp_HA(1, &x, &y);
-  EXPECT_EQ(called, 1);
-  _arkdExp_50(1, &x, &y);
-  EXPECT_EQ(called, 0);
-  _arkdExp_26(1, &x, &y);
-  EXPECT_EQ(called, 2);
+  const std::pair<Kernel, int> entries[] = {
+      {_arkdExp, 1}, {_arkdExp_HA, 1}, {_arkdExp_50, 0}, {_arkdExp_26, 2}};
+  for (const auto& [entry, slot] : entries) {
+    entry(1, &x, &y);
+    EXPECT_EQ(called, slot);
+  }
   // The strided kernel of one kernel in all slots falls back on slot 1.
   _arkdExpI_26(1, &x, 1, &y, 1);
   EXPECT_EQ(called, 1);
   std::copy_n(saved, 3, qor_ark_kernel_dExp_ttab);
   _arkSetMode(mode);
   _arkdExp(1, &x, &y);
-  EXPECT_NEAR(y, 2.718281828459045, 1e-15);
+  EXPECT_EQ(y, 1.0);
 }
 
 }  // namespace

@@ -10,54 +10,60 @@
 namespace {
 
 using namespace qor::frame;
+using qor::test::live_blocks;
+
+int32_t notify(Notice notice, void* reserved = nullptr) {
+  return library_entry(nullptr, notice, reserved);
+}
+
+// The blocks that live when everything has been given back.
+long blocks_after_detach() {
+  notify(Notice::process_detach);
+  return live_blocks();
+}
 
 TEST(Attach, DetachOfTheProcessGivesEverythingBackAndUseStartsAnew) {
-  library_entry(nullptr, Notice::process_detach, nullptr);
-  const long none = qor::test::live_blocks();
-  EXPECT_EQ(library_entry(nullptr, Notice::process_attach, nullptr), 1);
-  EXPECT_EQ(qor::test::live_blocks(), none + 2);  // heap and block
-  EXPECT_EQ(library_entry(nullptr, Notice::process_attach, nullptr), 1);
-  EXPECT_EQ(library_entry(nullptr, Notice::thread_attach, nullptr), 1);
-  EXPECT_EQ(qor::test::live_blocks(), none + 2);
+  const long none = blocks_after_detach();
+  for (const Notice notice :
+       {Notice::process_attach, Notice::process_attach, Notice::thread_attach}) {
+    EXPECT_EQ(notify(notice), 1);
+    EXPECT_EQ(live_blocks(), none + 2);  // heap and block
+  }
   std::thread([&] {
     merge_mode(thread_state(), QOR_MODE_LA);
-    EXPECT_EQ(qor::test::live_blocks(), none + 3);
-    library_entry(nullptr, Notice::thread_detach, nullptr);
-    EXPECT_EQ(qor::test::live_blocks(), none + 2);
+    EXPECT_EQ(live_blocks(), none + 3);
+    notify(Notice::thread_detach);
+    EXPECT_EQ(live_blocks(), none + 2);
     EXPECT_EQ(mode(), 0x1A02u);  // a new block
   }).join();
-  EXPECT_EQ(qor::test::live_blocks(), none + 2);
-  // At the end of the process nothing is freed.
+  EXPECT_EQ(live_blocks(), none + 2);
   int process_ends = 1;
-  library_entry(nullptr, Notice::process_detach, &process_ends);
-  EXPECT_EQ(qor::test::live_blocks(), none + 2);
-  library_entry(nullptr, Notice::process_detach, nullptr);
-  EXPECT_EQ(qor::test::live_blocks(), none);
+  notify(Notice::process_detach, &process_ends);
+  EXPECT_EQ(live_blocks(), none + 2) << "freed at the end of the process";
+  EXPECT_EQ(blocks_after_detach(), none);
   EXPECT_EQ(mode(), 0x1A02u);
 }
 
 TEST(Attach, UnloadFreesTheBlocksOfOtherThreadsToo) {
-  library_entry(nullptr, Notice::process_detach, nullptr);
-  const long none = qor::test::live_blocks();
+  const long none = blocks_after_detach();
   std::thread([&] {
     mode();
-    EXPECT_EQ(qor::test::live_blocks(), none + 2);
-    std::thread([] { library_entry(nullptr, Notice::process_detach, nullptr); }).join();
-    EXPECT_EQ(qor::test::live_blocks(), none);
+    EXPECT_EQ(live_blocks(), none + 2);
+    std::thread([&] { EXPECT_EQ(blocks_after_detach(), none); }).join();
   }).join();
   EXPECT_EQ(mode(), 0x1A02u);
 }
 
 TEST(Attach, FailureIsAnsweredAndPrinted) {
-  library_entry(nullptr, Notice::process_detach, nullptr);
+  const long none = blocks_after_detach();
   qor::test::take_printed_messages();
   for (long failing : {0L, 1L}) {
     qor::test::FailingAllocations allocations(failing);
-    EXPECT_EQ(library_entry(nullptr, Notice::process_attach, nullptr), 0);
+    EXPECT_EQ(notify(Notice::process_attach), 0);
     const auto printed = qor::test::take_printed_messages();
     ASSERT_EQ(printed.size(), 1u);
     EXPECT_EQ(printed[0].number, 773);
-    library_entry(nullptr, Notice::process_detach, nullptr);
+    EXPECT_EQ(blocks_after_detach(), none);
   }
   EXPECT_EQ(mode(), 0x1A02u);
 }

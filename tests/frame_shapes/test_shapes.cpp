@@ -3,216 +3,123 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <tuple>
+#include <type_traits>
+#include <vector>
 
 #include "qor/vector_math.h"
 
-namespace {
-
-// What the last kernel was and what it was given.
-struct Arrival {
-  const char* kernel = nullptr;
-  int64_t n = 0;
-  const void *a = nullptr, *b = nullptr, *y = nullptr, *z = nullptr;
-  int64_t inca = 0, incb = 0, incy = 0, incz = 0;
-  double scalars[4] = {};
-  int32_t flag = 0;
-};
-Arrival last;
-
-using cf = qor_complex_float;
-using zd = qor_complex_double;
-
-}  // namespace
-
-extern "C" {
-#define UNARY(f, T, R) \
-  void qor_kernel_##f(int32_t n, const T* a, R* y) { last = {#f, n, a, nullptr, y}; }
-#define UNARY_I(f, T, R)                                                         \
-  void qor_kernel_##f(int32_t n, const T* a, int32_t inca, R* y, int32_t incy) { \
-    last = {#f, n, a, nullptr, y, nullptr, inca, 0, incy};                       \
-  }
-UNARY(sSin_A, float, float)
-UNARY(sSin_B, float, float)
-UNARY(dCdfNorm_A, double, double)
-UNARY(dCdfNorm_B, double, double)
-UNARY(dCdfNorm_C, double, double)
-UNARY(cLn_A, cf, cf)
-UNARY(cLn_C, cf, cf)
-UNARY(zCIS_A, double, zd)
-UNARY(cArg_A, cf, float)
-UNARY(cArg_B, cf, float)
-UNARY_I(sSinI_A, float, float)
-UNARY_I(sSinI_B, float, float)
-UNARY_I(dCdfNormI_A, double, double)
-UNARY_I(dCdfNormI_B, double, double)
-UNARY_I(dCdfNormI_C, double, double)
-UNARY_I(cLnI_A, cf, cf)
-UNARY_I(cLnI_C, cf, cf)
-UNARY_I(zCISI_A, double, zd)
-UNARY_I(cArgI_A, cf, float)
-UNARY_I(cArgI_B, cf, float)
-
-#define BINARY(k)                                                                      \
-  void qor_kernel_dPow_##k(int32_t n, const double* a, const double* b, double* y) {   \
-    last = {"dPow_" #k, n, a, b, y};                                                   \
-  }                                                                                    \
-  void qor_kernel_dPowI_##k(int32_t n, const double* a, int32_t inca, const double* b, \
-                            int32_t incb, double* y, int32_t incy) {                   \
-    last = {"dPowI_" #k, n, a, b, y, nullptr, inca, incb, incy};                       \
-  }
-BINARY(A)
-BINARY(B)
-
-#define POWX(t, T, re, im)                                                                     \
-  void qor_kernel_##t##Powx_A(int32_t n, const T* a, T b, T* y) {                              \
-    last = {#t "Powx_A", n, a, nullptr, y, nullptr, 0, 0, 0, 0, {re, im}};                     \
-  }                                                                                            \
-  void qor_kernel_##t##PowxI_A(int32_t n, const T* a, int32_t inca, T b, T* y, int32_t incy) { \
-    last = {#t "PowxI_A", n, a, nullptr, y, nullptr, inca, 0, incy, 0, {re, im}};              \
-  }
-POWX(s, float, static_cast<double>(b), 0)
-POWX(c, cf, static_cast<double>(b.re), static_cast<double>(b.im))
-POWX(z, zd, b.re, b.im)
-
-void qor_kernel_dSinCos_A(int32_t n, const double* a, double* y, double* z) {
-  last = {"dSinCos_A", n, a, nullptr, y, z};
-}
-void qor_kernel_dSinCosI_A(int32_t n, const double* a, int32_t inca, double* y, int32_t incy,
-                           double* z, int32_t incz) {
-  last = {"dSinCosI_A", n, a, nullptr, y, z, inca, 0, incy, incz};
-}
-void qor_kernel_dLinearFrac_A(int32_t n, const double* a, const double* b, double as, double at,
-                              double bs, double bt, double* y) {
-  last = {"dLinearFrac_A", n, a, b, y, nullptr, 0, 0, 0, 0, {as, at, bs, bt}};
-}
-void qor_kernel_dLinearFracI_A(int32_t n, const double* a, int32_t inca, const double* b,
-                               int32_t incb, double as, double at, double bs, double bt, double* y,
-                               int32_t incy) {
-  last = {"dLinearFracI_A", n, a, b, y, nullptr, inca, incb, incy, 0, {as, at, bs, bt}};
-}
-
-void qor_kernel_sPackI_A(int64_t n, const float* a, int64_t inca, float* y, int32_t flag) {
-  last = {"sPackI_A", n, a, nullptr, y, nullptr, inca, 0, 0, 0, {}, flag};
-}
-void qor_kernel_dPackM_A(int64_t n, const double* a, const void* ma, double* y, int32_t flag) {
-  last = {"dPackM_A", n, a, ma, y, nullptr, 0, 0, 0, 0, {}, flag};
-}
-void qor_kernel_zPackV_A(int64_t n, const zd* a, const void* ia, zd* y, int32_t flag) {
-  last = {"zPackV_A", n, a, ia, y, nullptr, 0, 0, 0, 0, {}, flag};
-}
-void qor_kernel_sUnpackI_A(int64_t n, const float* a, float* y, int64_t incy, int32_t flag) {
-  last = {"sUnpackI_A", n, a, nullptr, y, nullptr, 0, 0, incy, 0, {}, flag};
-}
-void qor_kernel_dUnpackM_A(int64_t n, const double* a, double* y, const void* my, int32_t flag) {
-  last = {"dUnpackM_A", n, a, my, y, nullptr, 0, 0, 0, 0, {}, flag};
-}
-void qor_kernel_zUnpackV_A(int64_t n, const zd* a, zd* y, const void* iy, int32_t flag) {
-  last = {"zUnpackV_A", n, a, iy, y, nullptr, 0, 0, 0, 0, {}, flag};
-}
-}  // extern "C"
+// The kernels that the rows name. They are places alone: tests put their own into the rows.
+asm(".pushsection .data\n"
+    ".irp f, sSin_A, sSin_B, dCdfNorm_A, dCdfNorm_B, dCdfNorm_C, cLn_A, cLn_C, zCIS_A, cArg_A,"
+    " cArg_B, dPow_A, dPow_B, sPowx_A, cPowx_A, zPowx_A, dSinCos_A, dLinearFrac_A,"
+    " sSinI_A, sSinI_B, dCdfNormI_A, dCdfNormI_B, dCdfNormI_C, cLnI_A, cLnI_C, zCISI_A, cArgI_A,"
+    " cArgI_B, dPowI_A, dPowI_B, sPowxI_A, cPowxI_A, zPowxI_A, dSinCosI_A, dLinearFracI_A,"
+    " sPackI_A, dPackM_A, zPackV_A, sUnpackI_A, dUnpackM_A, zUnpackV_A\n"
+    ".globl qor_kernel_\\f\n"
+    "qor_kernel_\\f: .byte 0\n"
+    ".endr\n"
+    ".popsection");
+extern "C" char qor_kernel_sSin_A, qor_kernel_sSin_B, qor_kernel_dCdfNormI_A,
+    qor_kernel_dCdfNormI_B, qor_kernel_dCdfNormI_C, qor_kernel_cLn_A, qor_kernel_cLn_C,
+    qor_kernel_dPackM_A;
 
 namespace {
 
-#define EXPECT_KERNEL(name) EXPECT_STREQ(last.kernel, name)
-
-float s1[1], s2[1];
-double d1[1], d2[1], d3[1];
-cf c1[1], c2[1];
-zd z1[1], z2[1];
-int32_t indices[1];
+template <class Row>
+void expect_kernels(const Row& row, const char& la, const char& ha, const char& ep) {
+  const char* const kernels[] = {&la, &ha, &ep};
+  for (int slot = 0; slot < 3; ++slot) {
+    EXPECT_EQ(reinterpret_cast<const char*>(row[slot]), kernels[slot]) << slot;
+  }
+}
 
 TEST(Shapes, SlotsOfTheAccuracyPatterns) {
-  _arksSin(3, s1, s2);
-  EXPECT_KERNEL("sSin_B");
-  EXPECT_EQ(last.n, 3);
-  EXPECT_EQ(last.a, s1);
-  EXPECT_EQ(last.y, s2);
-  _arksSin_21(1, s1, s2);
-  EXPECT_KERNEL("sSin_A");
-  _arksSin_11(1, s1, s2);
-  EXPECT_KERNEL("sSin_A");
-  _arkcLn(1, c1, c2);
-  EXPECT_KERNEL("cLn_A");
-  _arkcLn_21(1, c1, c2);
-  EXPECT_KERNEL("cLn_A");
-  _arkcLn_11(1, c1, c2);
-  EXPECT_KERNEL("cLn_C");
-  _arkdCdfNorm_50(1, d1, d2);
-  EXPECT_KERNEL("dCdfNorm_A");
-  _arkdCdfNorm_HA(1, d1, d2);
-  EXPECT_KERNEL("dCdfNorm_B");
-  _arkdCdfNorm_26(1, d1, d2);
-  EXPECT_KERNEL("dCdfNorm_C");
+  expect_kernels(qor_ark_kernel_sSin_ttab, qor_kernel_sSin_A, qor_kernel_sSin_B, qor_kernel_sSin_A);
+  expect_kernels(qor_ark_kernel_cLn_ttab, qor_kernel_cLn_A, qor_kernel_cLn_A, qor_kernel_cLn_C);
+  expect_kernels(qor_ark_kernel_dCdfNormI_ttab, qor_kernel_dCdfNormI_A, qor_kernel_dCdfNormI_B,
+                 qor_kernel_dCdfNormI_C);
+  // A pack row of one type may be another's.
+  expect_kernels(qor_ark_kernel_cPackM_ttab, qor_kernel_dPackM_A, qor_kernel_dPackM_A,
+                 qor_kernel_dPackM_A);
   EXPECT_EQ(qor_ark_kernel_dCdfNorm_ctab[1], 112.49f);
   EXPECT_EQ(qor_ark_kernel_dCdfNormI_ctab[2], 61.33f);
 }
 
-TEST(Shapes, ArgumentsArriveInPlace) {
-  _arksSinI(5, s1, -2, s2, 3);
-  EXPECT_KERNEL("sSinI_B");
-  EXPECT_EQ(last.inca, -2);
-  EXPECT_EQ(last.incy, 3);
-  _arkzCIS(1, d1, z1);
-  EXPECT_EQ(last.y, z1);
-  _arkcArgI_11(1, c1, 2, s1, 4);
-  EXPECT_KERNEL("cArgI_A");
-  EXPECT_EQ(last.incy, 4);
-  _arkdPow_50(2, d1, d2, d3);
-  EXPECT_KERNEL("dPow_A");
-  EXPECT_EQ(last.b, d2);
-  EXPECT_EQ(last.y, d3);
-  _arkdPowI(2, d1, 1, d2, 2, d3, 3);
-  EXPECT_KERNEL("dPowI_B");
-  EXPECT_EQ(last.incb, 2);
-  EXPECT_EQ(last.incy, 3);
-  _arkdSinCosI(1, d1, 1, d2, 2, d3, 3);
-  EXPECT_EQ(last.z, d3);
-  EXPECT_EQ(last.incz, 3);
+// Arguments as numbers: pointers by their addresses, complex ones by both parts.
+template <class T>
+void add(std::vector<double>& numbers, const T& argument) {
+  if constexpr (std::is_pointer_v<T>) {
+    numbers.push_back(static_cast<double>(reinterpret_cast<uintptr_t>(argument)));
+  } else if constexpr (std::is_class_v<T>) {
+    add(numbers, argument.re);
+    add(numbers, argument.im);
+  } else {
+    numbers.push_back(static_cast<double>(argument));
+  }
 }
 
-TEST(Shapes, ScalarsArriveByValue) {
-  _arksPowx(1, s1, 2.5f, s2);
-  EXPECT_EQ(last.scalars[0], 2.5);
-  _arkcPowxI(1, c1, 7, {1.5f, -2.5f}, c2, 8);
-  EXPECT_EQ(last.scalars[0], 1.5);
-  EXPECT_EQ(last.scalars[1], -2.5);
-  EXPECT_EQ(last.inca, 7);
-  EXPECT_EQ(last.incy, 8);
-  _arkzPowx_26(1, z1, {1.5, -2.5}, z2);
-  EXPECT_KERNEL("zPowx_A");
-  EXPECT_EQ(last.scalars[1], -2.5);
-  EXPECT_EQ(last.y, z2);
-  _arkdLinearFracI(1, d1, 2, d2, 3, 4.0, 5.0, 6.0, 7.0, d3, 8);
-  for (int i = 0; i < 4; ++i) EXPECT_EQ(last.scalars[i], 4.0 + i);
-  EXPECT_EQ(last.y, d3);
-  EXPECT_EQ(last.incy, 8);
+// Arguments of which no two are alike.
+int made = 0;
+template <class T>
+T make() {
+  ++made;
+  if constexpr (std::is_pointer_v<T>) {
+    static char places[1 << 12];
+    return reinterpret_cast<T>(places + 16 * (made % 256));
+  } else if constexpr (std::is_class_v<T>) {
+    return {make<decltype(T::re)>(), make<decltype(T::im)>()};
+  } else if constexpr (sizeof(T) == 8 && std::is_integral_v<T>) {
+    return (T{3} << 32) + made;
+  } else {
+    return static_cast<T>(std::is_signed_v<T> ? -made : made);
+  }
 }
+
+int called = -1;
+std::vector<double> arrived;
+
+template <int slot, class... A>
+void note(A... arguments) {
+  called = slot;
+  (add(arrived, arguments), ...);
+}
+
+// All arguments of an entry arrive in place in the kernel of its slot; the last one as 1 where it
+// is the reserved word of a pack entry.
+template <int slot, class... A>
+void check(const char* name, void (*entry)(A...), void (*(&row)[3])(A...), bool reserved) {
+  row[0] = note<0, A...>;
+  row[1] = note<1, A...>;
+  row[2] = note<2, A...>;
+  const std::tuple<A...> arguments{make<A>()...};
+  std::vector<double> expected;
+  std::apply([&](const auto&... argument) { (add(expected, argument), ...); }, arguments);
+  if (reserved) expected.back() = 1;
+  arrived.clear();
+  std::apply(entry, arguments);
+  EXPECT_EQ(called, slot) << name;
+  EXPECT_EQ(arrived, expected) << name;
+}
+
+// clang-format off
+#define CHECK(f, la, ep, reserved) \
+  check<1>(#f, _ark##f, qor_ark_kernel_##f##_ttab, reserved); \
+  check<1>(#f "_HA", _ark##f##_HA, qor_ark_kernel_##f##_ttab, reserved); \
+  check<0>(#f #la, _ark##f##la, qor_ark_kernel_##f##_ttab, reserved); \
+  check<2>(#f #ep, _ark##f##ep, qor_ark_kernel_##f##_ttab, reserved);
+#define CHECK_s(f, reserved) CHECK(f, _21, _11, reserved)
+#define CHECK_c(f, reserved) CHECK(f, _21, _11, reserved)
+#define CHECK_d(f, reserved) CHECK(f, _50, _26, reserved)
+#define CHECK_z(f, reserved) CHECK(f, _50, _26, reserved)
+#define FUNCTION(t, name, ...) CHECK_##t(t##name, false) CHECK_##t(t##name##I, false)
+#define PACK(t, name, ...) CHECK_##t(t##name, true)
+// clang-format on
+
+TEST(Shapes, ArgumentsArriveInPlace){QOR_FUNCTION_ROWS(FUNCTION)}
 
 TEST(Shapes, PackStubsPutOneIntoTheReservedWord) {
-  constexpr int64_t large = (int64_t{3} << 32) + 5;
-  _arksPackI(large, s1, -large, s2, 77);
-  EXPECT_EQ(last.n, large);
-  EXPECT_EQ(last.inca, -large);
-  EXPECT_EQ(last.flag, 1);
-  _arkcPackM(1, c1, indices, c2, 0);
-  EXPECT_KERNEL("dPackM_A");
-  EXPECT_EQ(last.b, indices);
-  EXPECT_EQ(last.flag, 1);
-  _arkzPackV_26(1, z1, indices, z2, 0);
-  EXPECT_EQ(last.flag, 1);
-  _arksUnpackI(1, s1, s2, 9, 0);
-  EXPECT_EQ(last.incy, 9);
-  EXPECT_EQ(last.flag, 1);
-  _arkdUnpackM(1, d1, d2, indices, 0);
-  EXPECT_EQ(last.flag, 1);
-  _arkzUnpackV(1, z1, z2, indices, 0);
-  EXPECT_EQ(last.flag, 1);
-  // Through the row the word arrives as the caller set it.
-  qor_ark_kernel_sPackI_ttab[1](1, s1, 1, s2, 5);
-  EXPECT_EQ(last.flag, 5);
-  EXPECT_EQ(reinterpret_cast<void*>(qor_ark_kernel_dPackM_ttab[0]),
-            reinterpret_cast<void*>(qor_ark_kernel_cPackM_ttab[2]));
+  QOR_PACK_ROWS(PACK)
 }
 
 }  // namespace

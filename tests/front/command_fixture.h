@@ -1,17 +1,15 @@
-// The command qor as a person runs it: what goes to which stream, and with which status.
+// The command qor as a person runs it, in a folder of its own: what goes to which stream and into
+// which file, and with which status.
 #pragma once
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <span>
 #include <sstream>
 #include <string>
-#include <vector>
 
 namespace qor::test {
 
@@ -28,48 +26,43 @@ class Command : public testing::Test {
     std::string folder = fs::temp_directory_path() / "qor_command_XXXXXX";
     ASSERT_NE(mkdtemp(folder.data()), nullptr);
     folder_ = folder;
+    fs::create_directory(folder_ / "work");
+    fs::current_path(folder_ / "work");
   }
-  void TearDown() override { fs::remove_all(folder_); }
-
-  std::string file(const std::string& name, const std::string& text) const {
-    std::ofstream(folder_ / name, std::ios::binary) << text;
-    return folder_ / name;
-  }
-
-  // Runs qor with arguments as a shell reads them.
-  Result run(const std::string& arguments) const {
-    const std::string out = folder_ / "out", err = folder_ / "err";
-    const std::string line = QOR_COMMAND " " + arguments + " >" + out + " 2>" + err + " </dev/null";
-    const int status = std::system(line.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, content(out), content(err)};
+  void TearDown() override {
+    fs::current_path(before_);
+    fs::remove_all(folder_);
   }
 
-  // A call that is refused, and what its message names.
-  struct Refused {
-    std::string arguments;
-    std::vector<std::string> named;
-  };
-  void expect_refused(std::span<const Refused> calls) const {
-    for (const Refused& call : calls) {
-      SCOPED_TRACE("qor " + call.arguments);
-      const Result result = run(call.arguments);
-      EXPECT_EQ(result.status, 2);
-      EXPECT_EQ(result.out, "");
-      EXPECT_EQ(result.err.find("qor: "), 0u);
-      for (const std::string& name : call.named) {
-        EXPECT_NE(result.err.find(name), std::string::npos) << name << " in " << result.err;
-      }
-    }
+  // Runs a line of the shell, in which `qor` is the command.
+  static Result shell(const std::string& line) {
+    static const std::string path =
+        "PATH=" + fs::path(QOR_COMMAND).parent_path().string() + ":$PATH";
+    const int status =
+        std::system((path + "\n{ " + line + "\n} >../out 2>../err </dev/null").c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, content("../out"), content("../err")};
   }
 
-  static std::string content(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
+  // The output of a call of the command that succeeds and has nothing to say beside it.
+  static std::string output(const std::string& arguments) {
+    const Result result = shell("qor " + arguments);
+    EXPECT_EQ(result.status, 0) << arguments;
+    EXPECT_EQ(result.err, "") << arguments;
+    return result.out;
+  }
+
+  static void write(const std::string& name, const std::string& text) {
+    std::ofstream(name, std::ios::binary) << text;
+  }
+  static std::string content(const std::string& name) {
+    std::ifstream in(name, std::ios::binary);
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
   }
 
-  fs::path folder_;
+ private:
+  fs::path before_ = fs::current_path(), folder_;
 };
 
 }  // namespace qor::test

@@ -1,53 +1,63 @@
 // qor random: the values are the library's, in every form and at every level.
 
 #include "front/cli/csv.h"
-#include "tests/front/random_fixture.h"
+#include "qor/distributions.h"
+#include "tests/front/command_fixture.h"
+#include "tests/streams/stream_support.h"
 
 namespace {
 
 using namespace qor::test;
 
-constexpr size_t kMany = 40'000;  // more than two blocks, and no multiple of one
+constexpr int32_t kMany = 40'000;  // more than two blocks, and no multiple of one
 const std::string kSome = " -n 40000 --format raw";
+const std::string kMcg59 = "--generator mcg59 --seed 7777777 ";
+const std::string kUniform = "--distribution uniform --format raw -n ";
+const char* const kGenerators[] = {"mcg31m1", "r250", "mrg32k3a", "mcg59", "wh:9"};
 
-template <class Value, class Draw>
-std::string library(int32_t brng, size_t count, Draw draw) {
-  const Stream stream = new_stream(brng);
-  std::vector<Value> values(count);
-  EXPECT_EQ(draw(stream.get(), static_cast<int32_t>(kMany), values.data()), 0);
+template <class Value>
+std::string bytes_of(const std::vector<Value>& values) {
+  return {reinterpret_cast<const char*>(values.data()), values.size() * sizeof(Value)};
+}
+
+std::string uniform_bytes(const Stream& stream, int32_t n) {
+  std::vector<double> values(static_cast<size_t>(n));
+  EXPECT_EQ(_ostdRngUniform(0, stream.get(), n, values.data(), 0, 1), 0);
   return bytes_of(values);
 }
 
+class Random : public Command {
+ protected:
+  static std::string drawn(const std::string& arguments) { return output("random " + arguments); }
+
+  // `draw` gives kMany values of so many numbers each.
+  template <class Number>
+  static void expect_drawn(const std::string& generator, int32_t brng, const std::string& form,
+                           size_t numbers, auto draw) {
+    std::vector<Number> values(numbers * kMany);
+    const Stream stream = new_stream(brng);
+    EXPECT_EQ(draw(stream.get(), kMany, values.data()), 0);
+    EXPECT_TRUE(drawn("--generator " + generator + " --seed 7777777 --distribution " + form +
+                      kSome) == bytes_of(values))
+        << generator << " " << form;
+  }
+};
+
 TEST_F(Random, EveryDistributionGivesTheLibrarysValues) {
-  const int32_t brng = QOR_BRNG_MCG59;
-  EXPECT_EQ(drawn(kMcg59 + "--distribution uniform --a=-2 --b 5e-1 --accurate" + kSome),
-            library<double>(brng, kMany, [](StreamState* s, int32_t n, double* r) {
-              return _ostdRngUniform(QOR_RNG_ACCURATE, s, n, r, -2, 0.5);
-            }));
-  EXPECT_EQ(drawn(kMcg59 + "--distribution uniform --type single" + kSome),
-            library<float>(brng, kMany, [](StreamState* s, int32_t n, float* r) {
-              return _ostsRngUniform(0, s, n, r, 0, 1);
-            }));
-  EXPECT_EQ(drawn(kMcg59 + "--distribution Uniform --type int --a -7 --b 2147483647" + kSome),
-            library<int32_t>(brng, kMany, [](StreamState* s, int32_t n, int32_t* r) {
-              return _ostiRngUniform(0, s, n, r, -7, 2147483647);
-            }));
-  EXPECT_EQ(drawn(kMcg59 + "--distribution uniformbits" + kSome),
-            library<uint64_t>(brng, kMany, [](StreamState* s, int32_t n, uint64_t* r) {
-              return _ostiRngUniformBits(0, s, n, r);
-            }));
-  EXPECT_EQ(drawn(kMcg59 + "--distribution uniformbits32" + kSome),
-            library<uint32_t>(brng, kMany, [](StreamState* s, int32_t n, uint32_t* r) {
-              return _ostiRngUniformBits32(0, s, n, r);
-            }));
-  EXPECT_EQ(drawn(kMcg59 + "--distribution uniformbits64" + kSome),
-            library<uint64_t>(brng, kMany, [](StreamState* s, int32_t n, uint64_t* r) {
-              return _ostiRngUniformBits64(0, s, n, r);
-            }));
-  EXPECT_EQ(drawn(kMcg59 + "--distribution bernoulli --p 0.25" + kSome),
-            library<int32_t>(brng, kMany, [](StreamState* s, int32_t n, int32_t* r) {
-              return _ostiRngBernoulli(0, s, n, r, 0.25);
-            }));
+  const auto expect = [&]<class Number>(Number, const std::string& form, auto draw) {
+    expect_drawn<Number>("mcg59", QOR_BRNG_MCG59, form, 1, draw);
+  };
+  expect(double{}, "uniform --a=-2 --b 5e-1 --accurate",
+         [](auto... to) { return _ostdRngUniform(QOR_RNG_ACCURATE, to..., -2, 0.5); });
+  expect(float{}, "uniform --type single",
+         [](auto... to) { return _ostsRngUniform(0, to..., 0, 1); });
+  expect(int32_t{}, "Uniform --type int --a -7 --b 2147483647",
+         [](auto... to) { return _ostiRngUniform(0, to..., -7, 2147483647); });
+  expect(uint64_t{}, "uniformbits", [](auto... to) { return _ostiRngUniformBits(0, to...); });
+  expect(uint32_t{}, "uniformbits32", [](auto... to) { return _ostiRngUniformBits32(0, to...); });
+  expect(uint64_t{}, "uniformbits64", [](auto... to) { return _ostiRngUniformBits64(0, to...); });
+  expect(int32_t{}, "bernoulli --p 0.25",
+         [](auto... to) { return _ostiRngBernoulli(0, to..., 0.25); });
 }
 
 TEST_F(Random, EveryGeneratorByItsName) {
@@ -63,137 +73,80 @@ TEST_F(Random, EveryGeneratorByItsName) {
                         {"wh", QOR_BRNG_WH, 4},
                         {"WH:272", QOR_BRNG_WH + 272, 4}};
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(drawn(std::string("--generator ") + c.name +
-                    " --seed 7777777 --distribution uniformbits" + kSome),
-              library<uint32_t>(c.brng, c.numbers * kMany, [](StreamState* s, int32_t n, void* r) {
-                return _ostiRngUniformBits(0, s, n, r);
-              }));
+    expect_drawn<uint32_t>(c.name, c.brng, "uniformbits", c.numbers,
+                           [](auto... to) { return _ostiRngUniformBits(0, to...); });
   }
-  const Stream seeded = new_stream(QOR_BRNG_MRG32K3A, {1, 0xFFFFFFFF, 3});
-  EXPECT_EQ(drawn("--generator MRG32K3A --seed 1,0xffffffff,3 --distribution uniform -n 5 "
-                  "--format raw"),
-            uniform_bytes(seeded, 5));
+  EXPECT_EQ(drawn("--generator MRG32K3A --seed 1,0xffffffff,3 " + kUniform + "5"),
+            uniform_bytes(new_stream(QOR_BRNG_MRG32K3A, {1, 0xFFFFFFFF, 3}), 5));
 }
 
 TEST_F(Random, CsvReadsBackExactly) {
-  const std::string text = drawn(kMcg59 + "--distribution uniform -n 20000");
-  const qor::cli::Csv csv = qor::cli::parse_csv(text, "out");
+  const auto csv = qor::cli::parse_csv(drawn(kMcg59 + "--distribution uniform -n 20000"), "out");
   EXPECT_EQ(csv.header, std::vector<std::string>{"uniform"});
-  EXPECT_EQ(bytes_of(qor::cli::numbers(csv, 0)), uniform_bytes(new_stream(QOR_BRNG_MCG59), 20000));
-  EXPECT_EQ(drawn("--generator wh --seed 3,4,5,6 --distribution uniformbits -n 2"),
-            "uniformbits1,uniformbits2,uniformbits3,uniformbits4\n3,4,5,6\n375,468,635,756\n");
-  EXPECT_EQ(drawn(kMcg59 + "--distribution uniform -n 0"), "uniform\n");
+  EXPECT_EQ(bytes_of(numbers(csv, 0)), uniform_bytes(new_stream(QOR_BRNG_MCG59), 20000));
 }
 
-TEST_F(Random, NpyIsTheBytesBehindTheirDescription) {
-  struct Case {
-    std::string arguments, type, shape;
-  };
-  const Case cases[] = {
-      {kMcg59 + "--distribution uniform", "<f8", "(40000,)"},
-      {kMcg59 + "--distribution uniform --type single", "<f4", "(40000,)"},
-      {kMcg59 + "--distribution uniform --type int --a 0 --b 9", "<i4", "(40000,)"},
-      {kMcg59 + "--distribution uniformbits", "<u8", "(40000,)"},
-      {"--generator wh:4 --seed 1 --distribution uniformbits", "<u4", "(40000, 4)"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.arguments);
-    const std::string npy = drawn(c.arguments + " -n 40000 --format npy");
-    const std::string raw = drawn(c.arguments + kSome);
-    ASSERT_GT(npy.size(), raw.size() + 10);
-    const size_t head = npy.size() - raw.size();
-    EXPECT_EQ(npy.substr(head), raw);
-    EXPECT_EQ(head % 64, 0u);
-    EXPECT_EQ(npy.substr(0, 8), std::string("\x93NUMPY\x01\x00", 8));
-    EXPECT_EQ(static_cast<unsigned char>(npy[8]) + 256u * static_cast<unsigned char>(npy[9]),
-              head - 10);
-    const std::string dictionary =
-        "{'descr': '" + c.type + "', 'fortran_order': False, 'shape': " + c.shape + ", }";
-    EXPECT_EQ(npy.substr(10, dictionary.size()), dictionary);
-    EXPECT_EQ(npy.substr(10 + dictionary.size(), head - 11 - dictionary.size()),
-              std::string(head - 11 - dictionary.size(), ' '));
-    EXPECT_EQ(npy[head - 1], '\n');
-  }
-}
-
-TEST_F(Random, LeapfrogThenSkip) {
-  const std::string whole = drawn(kMcg59 + "--distribution uniform --format raw -n 300");
-  const std::string every_third =
-      drawn(kMcg59 + "--distribution uniform --format raw -n 90 --leapfrog 2/3 --skip 10");
-  for (size_t i = 0; i < 90; ++i) {
-    ASSERT_EQ(every_third.substr(8 * i, 8), whole.substr(8 * (3 * (i + 10) + 2), 8)) << i;
-  }
+TEST_F(Random, LongSkips) {
   // 2^64 * 3 + 5, which one word does not hold.
   const Stream far = new_stream(QOR_BRNG_MRG32K3A);
   const uint64_t count[] = {5, 3};
   ASSERT_EQ(__ostSkipAheadStreamEx(far.get(), 2, count), 0);
-  EXPECT_EQ(drawn("--generator mrg32k3a --seed 7777777 --distribution uniform -n 20 --format raw"
-                  " --skip 55340232221128654853"),
-            uniform_bytes(far, 20));
+  EXPECT_EQ(
+      drawn("--generator mrg32k3a --seed 7777777 --skip 55340232221128654853 " + kUniform + "20"),
+      uniform_bytes(far, 20));
 }
 
-TEST_F(Random, SavedStreamsGoOn) {
-  for (const char* generator : {"mcg31m1", "r250", "mrg32k3a", "mcg59", "wh:9"}) {
-    SCOPED_TRACE(generator);
-    const std::string start = std::string("--generator ") + generator + " --seed 1,2,3 ";
-    const std::string form = "--distribution uniform --format raw -n ";
-    const std::string whole = drawn(start + form + "1500");
-    std::string parts = drawn(start + form + "1000 --save-stream " + path("s"));
-    // The file that is read may be the one that is written.
-    parts +=
-        drawn("--load-stream " + path("s") + " --save-stream " + path("s") + " " + form + "300");
-    parts += drawn("--load-stream " + path("s") + " " + form + "200");
-    EXPECT_EQ(parts, whole);
-  }
-  const Stream stream = new_stream(QOR_BRNG_MCG59);
-  drawn(kMcg59 + "--distribution uniform -n 0 --save-stream " + path("s"));
+std::string image_of(const Stream& stream) {
   std::string image(static_cast<size_t>(__ostGetStreamSize(stream.get())), '\0');
-  __ostSaveStreamM(stream.get(), image.data());
-  EXPECT_EQ(content(path("s")), image);
-  EXPECT_EQ(names(), "s ");
+  EXPECT_EQ(__ostSaveStreamM(stream.get(), image.data()), 0);
+  return image;
 }
 
-TEST_F(Random, StreamsGoOnAtAnotherLevel) {
-  std::vector<std::string> levels;
+TEST_F(Random, FilesOfStreamsAreTheirImages) {
+  drawn(kMcg59 + kUniform + "0 --save-stream s");
+  EXPECT_EQ(content("s"), image_of(new_stream(QOR_BRNG_MCG59)));
+  StreamState* abstract = nullptr;
+  uint32_t ring[2] = {};
+  __ostiNewAbstractStream(&abstract, 2, ring, [](auto...) { return 0; });
+  write("abstract", image_of(Stream(abstract)));
+  const Result refused = shell("qor random --load-stream abstract " + kUniform + "9");
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.err.find("qor: --load-stream: \"abstract\": is of an abstract stream"), 0u);
+}
+
+// The paths of the levels that are built and that this machine can run.
+std::vector<std::string> levels() {
+  std::vector<std::string> all;
   for (const auto& entry : fs::directory_iterator(QOR_BUILD_LIB "/../levels")) {
     const std::string level = entry.path().filename();
     if (level == "v3" && !__builtin_cpu_supports("x86-64-v3")) continue;
     if (level == "v4" && !__builtin_cpu_supports("x86-64-v4")) continue;
-    levels.push_back(entry.path());
+    all.push_back(entry.path());
   }
+  return all;
+}
+
+TEST_F(Random, StreamsGoOnAtAnotherLevel) {
   const auto at = [](const std::string& level) { setenv("LD_LIBRARY_PATH", level.c_str(), 1); };
   const std::string before = getenv("LD_LIBRARY_PATH") != nullptr ? getenv("LD_LIBRARY_PATH") : "";
-  const std::string form = "--distribution uniform --format raw -n ";
-  for (const char* generator : {"mcg31m1", "r250", "mrg32k3a", "mcg59", "wh:9"}) {
-    const std::string start = std::string("--generator ") + generator + " --seed 1,2,3 ";
-    const std::string whole = drawn(start + form + "20000");
-    for (const std::string& from : levels) {
-      at(from);
-      const std::string first = drawn(start + form + "13001 --save-stream " + path("s"));
-      for (const std::string& to : levels) {
-        if (to == from && levels.size() > 1) continue;
+  const std::vector<std::string> all = levels();
+  for (const std::string generator : kGenerators) {
+    const std::string start = "--generator " + generator + " --seed 1,2,3 " + kUniform;
+    const std::string whole = drawn(start + "20000");
+    for (const std::string& from : all) {
+      for (const std::string& to : all) {
+        if (to == from && all.size() > 1) continue;
+        at(from);
+        std::string parts = drawn(start + "13001 --save-stream s");
         at(to);
-        EXPECT_EQ(first + drawn("--load-stream " + path("s") + " " + form + "6999"), whole)
-            << generator << " from " << from << " to " << to;
+        // The file that is read may be the one that is written.
+        parts += drawn("--load-stream s --save-stream s " + kUniform + "999");
+        parts += drawn("--load-stream s " + kUniform + "6000");
+        EXPECT_TRUE(parts == whole) << generator << " from " << from << " to " << to;
       }
     }
   }
   at(before);
-}
-
-TEST_F(Random, PlotShowsTheValues) {
-  const std::string arguments =
-      "--generator mcg59 --seed 1 --distribution bernoulli --p 0.25 -n 1000";
-  const std::string values = drawn(arguments);
-  const auto ones = std::count(values.begin(), values.end(), '1');
-  const std::string plot = drawn(arguments + " --plot");
-  EXPECT_EQ(plot.find("1000 values from 0 to 1, mean 0." + std::to_string(ones)), 0u) << plot;
-  EXPECT_NE(plot.find("\n  0       " + std::to_string(1000 - ones)), std::string::npos) << plot;
-  EXPECT_NE(plot.find(" %  " + std::string(50, '#') + "\n"), std::string::npos) << plot;
-  // With a file, both.
-  EXPECT_EQ(drawn(arguments + " --plot -o " + path("values")), plot);
-  EXPECT_EQ(content(path("values")), values);
 }
 
 }  // namespace

@@ -18,33 +18,33 @@ void check(bool good, const char* what) {
   std::_Exit(1);
 }
 
-void* load(const char* path, Exp& exp) {
-  void* library = dlopen(path, RTLD_NOW);
+Exp load(const char* path, void*& library) {
+  library = dlopen(path, RTLD_NOW);
   check(library != nullptr, "the library does not load");
-  exp = reinterpret_cast<Exp>(dlsym(library, "_arkdExp"));
+  const auto exp = reinterpret_cast<Exp>(dlsym(library, "_arkdExp"));
   check(exp != nullptr, "_arkdExp is missing");
-  return library;
+  return exp;
 }
 
-bool works(Exp exp) {
+void use(Exp exp) {
   const double x = 0.0;
   double y = 0.0;
   exp(1, &x, &y);
-  return y == 1.0;
+  check(y == 1.0, "a wrong value");
 }
 
 // A thread that used the library outlives it.
 void unload_under_a_thread(const char* path) {
-  Exp exp = nullptr;
-  void* library = load(path, exp);
+  void* library = nullptr;
+  const Exp exp = load(path, library);
   std::atomic<int> stage{0};
   std::thread user([&] {
-    check(works(exp), "a thread gets a wrong value");
+    use(exp);
     stage = 1;
     while (stage != 2) std::this_thread::yield();
   });
   while (stage != 1) std::this_thread::yield();
-  check(works(exp), "the main thread gets a wrong value");
+  use(exp);
   dlclose(library);
   check(dlopen(path, RTLD_NOW | RTLD_NOLOAD) == nullptr, "the library stays loaded");
   stage = 2;
@@ -53,12 +53,12 @@ void unload_under_a_thread(const char* path) {
 
 // Leaves a thread at work; the process may now end.
 [[maybe_unused]] void end_inside_a_kernel(const char* path) {
-  Exp exp = nullptr;
-  load(path, exp);
+  void* library = nullptr;
+  const Exp exp = load(path, library);
   static std::atomic<bool> running{false};
   std::thread([exp] {
     for (;;) {
-      check(works(exp), "a thread gets a wrong value while the process ends");
+      use(exp);
       running = true;
     }
   }).detach();
