@@ -6,7 +6,7 @@
 #include "front/cli/csv.h"
 #include "front/cli/csv_reader.h"
 #include "front/cli/input_error.h"
-#include "tests/fuzz/fuzz_support.h"
+#include "tests/fuzz/memory_file.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "qor/streams.h"
-#include "tests/fuzz/fuzz_support.h"
+#include "tests/fuzz/memory_file.h"
 
 namespace {
 

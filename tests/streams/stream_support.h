@@ -3,8 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <fstream>
+#include <functional>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -16,6 +20,20 @@
 namespace qor::test {
 
 using Bytes = std::vector<unsigned char>;
+
+// Calls `use` with each line of a table of this folder but for its header.
+inline void for_each_line(const char* name, const std::function<void(std::istringstream&)>& use) {
+  std::ifstream table(std::string(QOR_SOURCE "/tests/streams/") + name);
+  int lines = 0;
+  for (std::string line; std::getline(table, line);) {
+    if (line[0] == '#') continue;
+    SCOPED_TRACE(line);
+    std::istringstream in(line);
+    use(in);
+    ++lines;
+  }
+  EXPECT_GT(lines, 10) << name;
+}
 
 struct DeleteStream {
   void operator()(StreamState* stream) const { __ostDeleteStream(&stream); }
@@ -77,17 +95,11 @@ std::vector<Real> reals_of(const Stream& stream, int32_t n, Real a, Real b) {
   return r;
 }
 
-// A block of the services with these bytes, as chunks want them.
-inline void* block_of(const Bytes& bytes) {
-  void* block = qor_serv_allocate(bytes.size(), 128);
-  if (!bytes.empty()) std::memcpy(block, bytes.data(), bytes.size());
-  return block;
-}
-
-// Adds a chunk of these bytes; returns their block.
+// Adds a chunk of these bytes; returns their block, one of the services as chunks want them.
 inline void* add_chunk(const Stream& stream, int32_t id, const Bytes& bytes,
                        const qor_shared_id* shared = nullptr) {
-  void* block = block_of(bytes);
+  void* block = qor_serv_allocate(bytes.size(), 128);
+  std::copy(bytes.begin(), bytes.end(), static_cast<unsigned char*>(block));
   EXPECT_EQ(__ostAddChunk(stream.get(), id, shared, block, static_cast<uint32_t>(bytes.size())), 0);
   return block;
 }

@@ -1,6 +1,6 @@
 // Abstract streams: rings of the test's numbers 0, 1, 2, ... and what their callback is asked.
 
-#include <limits>
+#include <cmath>
 
 #include "tests/streams/stream_support.h"
 
@@ -122,28 +122,22 @@ TEST(AbstractStreams, OtherTypesAndMethodsAreRefused) {
   }
 }
 
-template <class Element, class Entry, class... Bounds>
-void expect_arguments_tested(Entry entry, Bounds... bounds) {
-  Element ring[2];
-  const auto refill = feed<Element>;
-  EXPECT_EQ(answer_of(entry, 0, ring, bounds..., refill).what, "-3 alone");
-  EXPECT_EQ(answer_of(entry, 2, nullptr, bounds..., refill).what, "-3 alone");
-  EXPECT_EQ(answer_of(entry, 2, ring, bounds..., nullptr).what, "-3 alone");
-  const FailingAllocations failing(0);
-  EXPECT_EQ(answer_of(entry, 2, ring, bounds..., refill).what, "-4 null");
-}
-
 TEST(AbstractStreams, BadArguments) {
-  expect_arguments_tested<uint32_t>(__ostiNewAbstractStream);
-  expect_arguments_tested<double>(__ostdNewAbstractStream, 0.0, 1.0);
-  expect_arguments_tested<float>(__ostsNewAbstractStream, 0.0f, 1.0f);
-  double ring[2];
-  const auto made_between = [&](double low, double high) {
-    return answer_of(__ostdNewAbstractStream, 2, ring, low, high, feed<double>).what;
-  };
-  EXPECT_EQ(made_between(1, 1), "-3 alone");
-  EXPECT_EQ(made_between(2, 1), "-3 alone");
-  EXPECT_EQ(made_between(std::numeric_limits<double>::quiet_NaN(), 1), "0 made");
+  uint32_t w[2];
+  double d[2];
+  const auto words = [](auto... of) { return answer_of(__ostiNewAbstractStream, of...).what; };
+  const auto reals = [](auto... of) { return answer_of(__ostdNewAbstractStream, of...).what; };
+  EXPECT_EQ(words(0, w, feed<uint32_t>), "-3 alone");
+  EXPECT_EQ(words(2, nullptr, feed<uint32_t>), "-3 alone");
+  EXPECT_EQ(words(2, w, nullptr), "-3 alone");
+  EXPECT_EQ(reals(0, d, 0.0, 1.0, feed<double>), "-3 alone");
+  EXPECT_EQ(reals(2, nullptr, 0.0, 1.0, feed<double>), "-3 alone");
+  EXPECT_EQ(reals(2, d, 1.0, 1.0, feed<double>), "-3 alone");
+  EXPECT_EQ(reals(2, d, 2.0, 1.0, feed<double>), "-3 alone");
+  EXPECT_EQ(reals(2, d, std::nan(""), 1.0, feed<double>), "0 made");
+  EXPECT_EQ(reals(2, d, 0.0, 1.0, nullptr), "-3 alone");
+  const FailingAllocations failing(0);
+  EXPECT_EQ(words(2, w, feed<uint32_t>), "-4 null");
 }
 
 TEST(AbstractStreams, CopiesAndImagesShareTheRing) {

@@ -1,40 +1,29 @@
 // Images: what is saved, what loads, and what is refused; and files that cannot be read or written.
 
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 
+#include "tests/fuzz/memory_file.h"
 #include "tests/streams/stream_support.h"
 
 namespace {
 
 using namespace qor::test;
 
-// A file that goes with the test.
-class File {
- public:
-  explicit File(const Bytes& contents = {}) {
-    close(mkstemp(path.data()));
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(contents.data()),
-               static_cast<std::streamsize>(contents.size()));
-  }
-  ~File() { std::remove(path.c_str()); }
-  File(const File&) = delete;
-  File& operator=(const File&) = delete;
-  Bytes read() const {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  }
-  std::string path = "/tmp/qor_stream_XXXXXX";
-};
+// The name of the one file, with these contents now, and what it holds.
+std::string file_of(const Bytes& contents = {}) {
+  return qor::fuzz::file_of(contents.data(), contents.size());
+}
+Bytes contents_of(const std::string& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
 
 Answer load_file(const Bytes& image) {
-  return answer_of(__ostLoadStreamF, File(image).path.c_str(), -1);
+  return answer_of(__ostLoadStreamF, file_of(image).c_str(), -1);
 }
 
 Stream with_chunks(int32_t brng) {
@@ -46,26 +35,21 @@ Stream with_chunks(int32_t brng) {
 
 // A line of images.txt.
 struct Written {
-  std::string line, from_file, from_memory;
+  std::string from_file, from_memory;
   size_t saved_as = 0;
   Bytes image;
 };
 
 std::vector<Written> written_images() {
-  std::ifstream table(QOR_SOURCE "/tests/streams/images.txt");
   std::vector<Written> images;
-  for (Written w; std::getline(table, w.line);) {
-    if (w.line[0] == '#') continue;
-    std::istringstream in(w.line);
+  for_each_line("images.txt", [&](std::istringstream& in) {
+    Written& w = images.emplace_back();
     in >> w.from_file >> w.from_memory >> w.saved_as;
-    w.image.clear();
     for (std::string field; in >> field && field != "#";) {
       for (size_t k = 0; k < field.size(); k += 2)
         w.image.push_back(static_cast<unsigned char>(std::stoi(field.substr(k, 2), nullptr, 16)));
     }
-    images.push_back(w);
-  }
-  EXPECT_EQ(images.size(), 20u);
+  });
   return images;
 }
 
@@ -74,9 +58,9 @@ TEST(Images, StreamsGoOn) {
     const Stream stream = with_chunks(brng);
     words_of(stream, 77);
     const Bytes image = image_of(stream);
-    const File file;
-    ASSERT_EQ(__ostSaveStreamF(stream.get(), file.path.c_str(), -1), 0);
-    EXPECT_EQ(file.read(), image);
+    const std::string file = file_of();
+    ASSERT_EQ(__ostSaveStreamF(stream.get(), file.c_str(), -1), 0);
+    EXPECT_EQ(contents_of(file), image);
     EXPECT_EQ(ids_of(stream), (std::vector{2, 1}));
     const Stream loaded[] = {load_memory(image).stream, load_file(image).stream, copy_of(stream)};
     const Bytes next = words_of(stream, 50);
@@ -108,9 +92,8 @@ TEST(Images, WrittenByHandLoad) {
   const auto images = written_images();
   for (const Written& w : images) {
     if (w.saved_as == 0) continue;
-    SCOPED_TRACE(w.line);
     for (const Answer& loaded : {load_file(w.image), load_memory(w.image)}) {
-      ASSERT_EQ(loaded.what, "0 made");
+      ASSERT_EQ(loaded.what, "0 made") << testing::PrintToString(w.image);
       EXPECT_EQ(image_of(loaded.stream), images[w.saved_as - 1].image);
     }
   }
@@ -121,8 +104,9 @@ TEST(Images, WrittenByHandLoad) {
 TEST(Images, SpoiledOnesAreRefused) {
   for (const Written& w : written_images()) {
     if (w.saved_as != 0) continue;
-    EXPECT_EQ(load_file(w.image).what, w.from_file + " null") << w.line;
-    EXPECT_EQ(load_memory(w.image).what, w.from_memory + " null") << w.line;
+    EXPECT_EQ(load_file(w.image).what, w.from_file + " null") << testing::PrintToString(w.image);
+    EXPECT_EQ(load_memory(w.image).what, w.from_memory + " null")
+        << testing::PrintToString(w.image);
   }
 }
 
@@ -130,14 +114,14 @@ TEST(Images, ChunksWithoutBytes) {
   const Stream stream = new_stream(QOR_BRNG_MCG31M1), behind = new_stream(QOR_BRNG_MCG31M1);
   add_chunk(stream, 1, {});
   EXPECT_EQ(ids_of(load_memory(image_of(stream)).stream), std::vector{1});
-  const File file;
-  EXPECT_EQ(__ostSaveStreamF(stream.get(), file.path.c_str(), -1), -1102);
+  const std::string file = file_of();
+  EXPECT_EQ(__ostSaveStreamF(stream.get(), file.c_str(), -1), -1102);
   EXPECT_EQ(load_file(image_of(stream)).what, "-1103 null");
   // Only the last chunk's answer stands.
   add_chunk(behind, 2, {9});
   add_chunk(behind, 1, {});
-  EXPECT_EQ(__ostSaveStreamF(behind.get(), file.path.c_str(), -1), 0);
-  EXPECT_EQ(load_file(file.read()).what, "0 made");
+  EXPECT_EQ(__ostSaveStreamF(behind.get(), file.c_str(), -1), 0);
+  EXPECT_EQ(load_file(contents_of(file)).what, "0 made");
 }
 
 TEST(Images, SharedDataStaysShared) {
@@ -166,8 +150,8 @@ TEST(ImageFiles, FilesThatEndEarly) {
 TEST(ImageFiles, AllocationFailuresLeaveNothingBehind) {
   const Stream stream = with_chunks(QOR_BRNG_MCG31M1);
   const Bytes image = image_of(stream);
-  const File file(image);
-  const auto length = static_cast<int32_t>(file.path.size());
+  const std::string file = file_of(image);
+  const auto length = static_cast<int32_t>(file.size());
   for (long allowed = 0; allowed < 7; ++allowed) {
     const BlocksInBalance balance;
     const auto load = [allowed](auto... arguments) {
@@ -175,21 +159,20 @@ TEST(ImageFiles, AllocationFailuresLeaveNothingBehind) {
       return answer_of(arguments...).what;
     };
     // The name's block comes first, then the record and a payload and a chunk each.
-    EXPECT_EQ(load(__ostLoadStreamF, file.path.c_str(), length),
-              allowed < 6 ? "-4 null" : "0 made");
+    EXPECT_EQ(load(__ostLoadStreamF, file.c_str(), length), allowed < 6 ? "-4 null" : "0 made");
     EXPECT_EQ(load(__ostLoadStreamM, image.data()), allowed < 5 ? "-4 null" : "0 made");
   }
   const FailingAllocations failing(0);
-  EXPECT_EQ(__ostSaveStreamF(stream.get(), file.path.c_str(), length), -4);
+  EXPECT_EQ(__ostSaveStreamF(stream.get(), file.c_str(), length), -4);
 }
 
 TEST(ImageFiles, NamesOfGivenLength) {
-  const File file;
-  const auto length = static_cast<int32_t>(file.path.size());
-  const std::string longer = file.path + "xyz";
+  const std::string file = file_of();
+  const auto length = static_cast<int32_t>(file.size());
+  const std::string longer = file + "xyz";
   const Stream stream = new_stream(QOR_BRNG_MCG31M1);
   ASSERT_EQ(__ostSaveStreamF(stream.get(), longer.c_str(), length), 0);
-  EXPECT_EQ(file.read(), image_of(stream));
+  EXPECT_EQ(contents_of(file), image_of(stream));
   made(__ostLoadStreamF, longer.c_str(), length);
   EXPECT_EQ(__ostSaveStreamF(stream.get(), "", 0), -1101);
 }
@@ -203,13 +186,13 @@ TEST(ImageFiles, FilesThatCannotBeOpenedOrFilled) {
   // A large payload is written at once: what a limit cuts off fails there.
   const Stream large = new_stream(QOR_BRNG_MCG31M1);
   add_chunk(large, 1, Bytes(1 << 20));
-  const File file;
+  const std::string file = file_of();
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit limit{};
   ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
   const rlimit small{1 << 16, limit.rlim_max};
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  const int32_t status = __ostSaveStreamF(large.get(), file.path.c_str(), -1);
+  const int32_t status = __ostSaveStreamF(large.get(), file.c_str(), -1);
   setrlimit(RLIMIT_FSIZE, &limit);
   EXPECT_EQ(status, -1102);
 }

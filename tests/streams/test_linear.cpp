@@ -3,9 +3,6 @@
 
 #include <algorithm>
 #include <cfenv>
-#include <fstream>
-#include <functional>
-#include <sstream>
 
 #include "tests/streams/stream_support.h"
 
@@ -20,16 +17,15 @@ struct GoldenCase {
   uint64_t skip = 0;
   int32_t n = 0;
   float a = 0, b = 0;  // which hold what is written exactly
-  uint64_t first = 0, words = 0, doubles = 0, singles = 0, state = 0;
+  uint64_t words = 0, doubles = 0, singles = 0, state = 0;
 
-  explicit GoldenCase(const std::string& line) {
-    std::istringstream in(line);
-    std::string origin, seeds, leap;
-    in >> origin >> std::hex >> brng >> std::dec >> seeds >> leap >> skip >> n >> a >> b >> first >>
-        std::hex >> words >> doubles >> singles >> state;
+  explicit GoldenCase(std::istringstream& in) {
+    std::string origin, seeds, leap, first_word;
+    in >> origin >> std::hex >> brng >> std::dec >> seeds >> leap >> skip >> n >> a >> b >>
+        first_word >> std::hex >> words >> doubles >> singles >> state;
     EXPECT_TRUE(in);
-    std::istringstream values(seeds == "-" ? "" : seeds);
-    for (std::string value; std::getline(values, value, ',');)
+    std::istringstream values(seeds);
+    for (std::string value; seeds != "-" && std::getline(values, value, ',');)
       seed.push_back(static_cast<uint32_t>(std::stoul(value)));
     std::sscanf(leap.c_str(), "%d/%d", &leap_k, &leap_n);
   }
@@ -52,25 +48,15 @@ uint64_t hash(const std::vector<Value>& values) {
 }
 
 TEST(LinearGenerators, KnownAnswers) {
-  std::ifstream file(QOR_GOLDEN_STREAMS);
-  int cases = 0;
-  for (std::string line; std::getline(file, line);) {
-    if (line[0] == '#') continue;
-    SCOPED_TRACE(line);
-    const GoldenCase c(line);
+  for_each_line("golden.txt", [](std::istringstream& in) {
+    const GoldenCase c(in);
     const Stream words = c.stream(), doubles = c.stream(), singles = c.stream();
-    const Bytes w = words_of(words, c.n);
-    uint64_t first = 0;  // of a WH word, the first of its four
-    std::memcpy(&first, w.data(), row_of(words).wordBytes == 8 ? 8 : 4);
-    EXPECT_EQ(first, c.first);
-    EXPECT_EQ(hash(w), c.words);
+    EXPECT_EQ(hash(words_of(words, c.n)), c.words);
     EXPECT_EQ(hash(reals_of<double>(doubles, c.n, c.a, c.b)), c.doubles);
     EXPECT_EQ(hash(reals_of<float>(singles, c.n, c.a, c.b)), c.singles);
     for (const Stream* stream : {&words, &doubles, &singles})
       EXPECT_EQ(hash(state_of(*stream)), c.state);
-    ++cases;
-  }
-  EXPECT_GT(cases, 30);
+  });
 }
 
 constexpr int32_t kLong = 15'000;  // several rounds of every block form

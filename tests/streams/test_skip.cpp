@@ -1,4 +1,4 @@
-// Skip-ahead, leapfrog, and the arithmetic behind them.
+// Skip-ahead and the arithmetic behind it. Leapfrogs, and skips after them, stand in golden.txt.
 
 #include "tests/streams/stream_support.h"
 
@@ -18,19 +18,17 @@ TEST(Powers, EqualKnownOnes) {
   EXPECT_EQ(__ostiPowMod2P59(13, uint64_t{1} << 57), 1u);
 }
 
-// The state of MRG32K3A, and powers of its first component's matrix.
+// Of the matrix of MRG32K3A's first component, against the state.
 TEST(MatrixPowers, EqualSkips) {
   const uint32_t m = 4294967087, row[] = {m - 810728, 1403580, 0};
-  for (uint64_t e :
-       {uint64_t{0}, uint64_t{1}, uint64_t{2}, uint64_t{3}, uint64_t{1000}, ~uint64_t{0}}) {
+  for (uint64_t e : {uint64_t{0}, uint64_t{1}, uint64_t{2}, uint64_t{3}, ~uint64_t{0}}) {
     const Stream stream = new_stream(QOR_BRNG_MRG32K3A, {5, m - 1, 7});
     std::vector<uint32_t> v = {5, m - 1, 7}, w = v, expected(3);
     __ostSkipAheadStream(stream.get(), e);
     std::memcpy(expected.data(), state_of(stream).data(), 12);
     __ostiVect3PowMod(v.data(), row, m, e);
     EXPECT_EQ(v, expected) << e;
-    const uint64_t words[5] = {e};
-    EXPECT_EQ(__ostiVect3PowArrayMod(w.data(), row, m, 5, words), 0);
+    EXPECT_EQ(__ostiVect3PowArrayMod(w.data(), row, m, 1, &e), 0);
     EXPECT_EQ(w, expected) << e;
   }
 }
@@ -55,7 +53,7 @@ constexpr uint64_t kTop = uint64_t{1} << 63;
 TEST(SkipAhead, EqualsDrawing) {
   for (int32_t brng : {0x100000, 0x300000, 0x400000, QOR_BRNG_WH + 3}) {
     SCOPED_TRACE(brng);
-    for (int32_t count : {0, 1, 2, 3, 17, 1000, 4097}) {
+    for (int32_t count : {1, 4097}) {
       const Stream drawn = new_stream(brng);
       words_of(drawn, count);
       EXPECT_EQ(state_of(drawn), skipped(brng, {static_cast<uint64_t>(count)})) << count;
@@ -82,22 +80,6 @@ TEST(SkipAhead, ExtendedWithoutMemoryChangesNothing) {
     EXPECT_EQ(__ostSkipAheadStreamEx(stream.get(), 4, words), -4);
   }
   EXPECT_EQ(state_of(stream), skipped_ex({}));
-}
-
-TEST(Leapfrog, DealsTheSequenceOut) {
-  for (int32_t brng : {0x100000, 0x400000, QOR_BRNG_WH + 272}) {
-    SCOPED_TRACE(brng);
-    const Stream whole = new_stream(brng);
-    const Stream dealt[] = {new_stream(brng), new_stream(brng), new_stream(brng)};
-    for (int32_t k : {0, 1, 2}) EXPECT_EQ(__ostLeapfrogStream(dealt[k].get(), k, 3), 0);
-    for (int i = 0; i < 100; ++i) {
-      for (const Stream& part : dealt) ASSERT_EQ(words_of(part, 1), words_of(whole, 1)) << i;
-    }
-    // From then on a skip counts strided outputs.
-    __ostSkipAheadStream(dealt[0].get(), 10);
-    __ostSkipAheadStream(whole.get(), 30);
-    EXPECT_EQ(words_of(dealt[0], 1), words_of(whole, 1));
-  }
 }
 
 TEST(SkipAndLeapfrog, WhatIsNotOfferedIsRefused) {

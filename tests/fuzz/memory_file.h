@@ -1,4 +1,4 @@
-// What the fuzz targets share.
+// A file in memory, for what is read by name.
 #pragma once
 
 #include <sys/mman.h>
