@@ -1,5 +1,6 @@
 // Abstract streams: rings of the test's numbers 0, 1, 2, ... and what their callback is asked.
 
+#include <array>
 #include <cmath>
 
 #include "tests/streams/stream_support.h"
@@ -30,10 +31,19 @@ int32_t feed(StreamState*, int32_t* n, Element* buffer, int32_t* wanted, int32_t
   return count;
 }
 
-Stream ring_of(Words& buffer) {
+uint32_t words[64];
+double doubles[6];
+float singles[6];
+
+Stream ring_of(int32_t n) {
   feeder = {};
-  return made(__ostiNewAbstractStream, static_cast<int32_t>(buffer.size()), buffer.data(),
-              feed<uint32_t>);
+  return made(__ostiNewAbstractStream, n, words, feed<uint32_t>);
+}
+
+// Streams of all three kinds, in the order of their rows.
+std::array<Stream, 3> kinds() {
+  return {ring_of(6), made(__ostdNewAbstractStream, 6, doubles, -1.0, 2.0, feed<double>),
+          made(__ostsNewAbstractStream, 6, singles, -1.0f, 2.0f, feed<float>)};
 }
 
 Words draw(const Stream& stream, int32_t m, int32_t status = 0) {
@@ -43,10 +53,9 @@ Words draw(const Stream& stream, int32_t m, int32_t status = 0) {
 }
 
 TEST(AbstractStreams, DeliverTheRingInOrder) {
-  for (size_t n : {1u, 2u, 5u, 8u, 64u}) {
+  for (int32_t n : {1, 2, 5, 8, 64}) {
     for (int32_t at_most : {1, 2, 3, 7, 99}) {
-      Words buffer(n);
-      const Stream stream = ring_of(buffer);
+      const Stream stream = ring_of(n);
       feeder.at_most = at_most;
       uint32_t expected = 0;
       for (int32_t m : {0, 1, 3, 2, 7, 0, 1, 30, 5, 100, 4}) {
@@ -57,8 +66,7 @@ TEST(AbstractStreams, DeliverTheRingInOrder) {
 }
 
 TEST(AbstractStreams, AskForWhatTheCallLacks) {
-  Words buffer(4);
-  const Stream stream = ring_of(buffer);
+  const Stream stream = ring_of(4);
   draw(stream, 3);  // four come, one stays
   draw(stream, 7);  // six more
   draw(stream, 2);
@@ -69,8 +77,7 @@ TEST(AbstractStreams, AskForWhatTheCallLacks) {
 }
 
 TEST(AbstractStreams, FailuresLeaveTheState) {
-  Words buffer(4);
-  const Stream stream = ring_of(buffer);
+  const Stream stream = ring_of(4);
   draw(stream, 1);
   const auto before = state_of(stream);
   for (int32_t answer : {-1, 5}) {
@@ -82,36 +89,25 @@ TEST(AbstractStreams, FailuresLeaveTheState) {
   EXPECT_EQ(state_of(stream), before);
 }
 
-// Streams of all three kinds, in the order of their rows, and their rings.
-struct Kinds {
-  uint32_t words[6] = {};
-  double doubles[6] = {};
-  float singles[6] = {};
-  const Stream streams[3] = {made(__ostiNewAbstractStream, 6, words, feed<uint32_t>),
-                             made(__ostdNewAbstractStream, 6, doubles, -1.0, 2.0, feed<double>),
-                             made(__ostsNewAbstractStream, 6, singles, -1.0f, 2.0f, feed<float>)};
-};
-
 template <class Real>
 void expect_mapped(const Stream& stream) {
   feeder = {};
   const Real low = -1, high = 2, a = 10, b = 12;
-  const std::vector<Real> r = reals_of(stream, 9, a, b);
+  const auto r = reals_of(stream, 9, a, b);
   for (size_t k = 0; k < 9; ++k)
     EXPECT_EQ(r[k], (static_cast<Real>(k) - low) * ((b - a) / (high - low)) + a);
 }
 
 TEST(AbstractStreams, MapTheInterval) {
-  Kinds kinds;
-  expect_mapped<double>(kinds.streams[1]);
-  expect_mapped<float>(kinds.streams[2]);
+  expect_mapped<double>(kinds()[1]);
+  expect_mapped<float>(kinds()[2]);
 }
 
 TEST(AbstractStreams, OtherTypesAndMethodsAreRefused) {
-  Kinds kinds;
-  for (int own = 0; own < 3; ++own) {
-    StreamState* stream = kinds.streams[own].get();
-    const BrngProperties row = row_of(kinds.streams[own]);
+  const auto streams = kinds();
+  for (size_t own = 0; own < 3; ++own) {
+    StreamState* stream = streams[own].get();
+    const BrngProperties row = row_of(streams[own]);
     EXPECT_EQ(row.iBRng(stream, 0, nullptr), own == 0 ? 0 : -1122);
     EXPECT_EQ(row.dBRng(stream, 0, nullptr, 0, 1), own == 1 ? 0 : -1122);
     EXPECT_EQ(row.sBRng(stream, 0, nullptr, 0, 1), own == 2 ? 0 : -1122);
@@ -123,26 +119,23 @@ TEST(AbstractStreams, OtherTypesAndMethodsAreRefused) {
 }
 
 TEST(AbstractStreams, BadArguments) {
-  uint32_t w[2];
-  double d[2];
-  const auto words = [](auto... of) { return answer_of(__ostiNewAbstractStream, of...).what; };
+  const auto integers = [](auto... of) { return answer_of(__ostiNewAbstractStream, of...).what; };
   const auto reals = [](auto... of) { return answer_of(__ostdNewAbstractStream, of...).what; };
-  EXPECT_EQ(words(0, w, feed<uint32_t>), "-3 alone");
-  EXPECT_EQ(words(2, nullptr, feed<uint32_t>), "-3 alone");
-  EXPECT_EQ(words(2, w, nullptr), "-3 alone");
-  EXPECT_EQ(reals(0, d, 0.0, 1.0, feed<double>), "-3 alone");
+  EXPECT_EQ(integers(0, words, feed<uint32_t>), "-3 alone");
+  EXPECT_EQ(integers(2, nullptr, feed<uint32_t>), "-3 alone");
+  EXPECT_EQ(integers(2, words, nullptr), "-3 alone");
+  EXPECT_EQ(reals(0, doubles, 0.0, 1.0, feed<double>), "-3 alone");
   EXPECT_EQ(reals(2, nullptr, 0.0, 1.0, feed<double>), "-3 alone");
-  EXPECT_EQ(reals(2, d, 1.0, 1.0, feed<double>), "-3 alone");
-  EXPECT_EQ(reals(2, d, 2.0, 1.0, feed<double>), "-3 alone");
-  EXPECT_EQ(reals(2, d, std::nan(""), 1.0, feed<double>), "0 made");
-  EXPECT_EQ(reals(2, d, 0.0, 1.0, nullptr), "-3 alone");
+  EXPECT_EQ(reals(2, doubles, 1.0, 1.0, feed<double>), "-3 alone");
+  EXPECT_EQ(reals(2, doubles, 2.0, 1.0, feed<double>), "-3 alone");
+  EXPECT_EQ(reals(2, doubles, std::nan(""), 1.0, feed<double>), "0 made");
+  EXPECT_EQ(reals(2, doubles, 0.0, 1.0, nullptr), "-3 alone");
   const FailingAllocations failing(0);
-  EXPECT_EQ(words(2, w, feed<uint32_t>), "-4 null");
+  EXPECT_EQ(integers(2, words, feed<uint32_t>), "-4 null");
 }
 
 TEST(AbstractStreams, CopiesAndImagesShareTheRing) {
-  Words buffer(8);
-  const Stream stream = ring_of(buffer);
+  const Stream stream = ring_of(8);
   draw(stream, 2);
   const Stream copy = copy_of(stream);
   Bytes image = image_of(stream);
