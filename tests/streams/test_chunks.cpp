@@ -77,14 +77,15 @@ TEST(SharedData, EntriesByHand) {
 
 TEST(SharedData, ChunksStopSharingAtOneShortOfTheTable) {
   const BlocksInBalance balance;
-  const Stream stream = new_stream(QOR_BRNG_MCG31M1);
+  Stream first = new_stream(QOR_BRNG_MCG31M1);
+  const Stream others = new_stream(QOR_BRNG_MCG31M1);
   qor_shared_id id{1, 0};
   for (int32_t k = 1; k <= 128; ++k) {
     ++id.number;
-    add_chunk(stream, k, {7}, &id);
+    add_chunk(k == 1 ? first : others, k, {7}, &id);
     EXPECT_EQ(references_of(id), k < 128 ? 1u : 0u);
   }
-  EXPECT_EQ(first_byte(stream, 128), 7);
+  EXPECT_EQ(first_byte(others, 128), 7);
   // By hand there is room for one more.
   qor_shared_entry sentinel{}, *entry = &sentinel;
   EXPECT_EQ(__ostCreateGlobRODataTableEntry(&entry, &id, qor_serv_allocate(1, 128)), 0);
@@ -92,6 +93,10 @@ TEST(SharedData, ChunksStopSharingAtOneShortOfTheTable) {
   EXPECT_EQ(__ostCreateGlobRODataTableEntry(&entry, &id, nullptr), -3001);
   EXPECT_EQ(entry, &sentinel);
   __ostUnregisterGlobRODataReference(&id);
+  // When the first entry goes, the last that is left stays.
+  first.reset();
+  --id.number;
+  EXPECT_EQ(references_of(id), 1u);
 }
 
 TEST(SharedData, ThreadsShareOnePayload) {
