@@ -111,7 +111,7 @@ TEST(Images, ChunksWithoutBytes) {
 TEST(Images, SharedDataStaysShared) {
   const BlocksInBalance balance;
   const Stream stream = new_stream(QOR_BRNG_MCG31M1);
-  const qor_shared_id id{5, 5};
+  const qor_shared_id id{5, 6};
   const void* data = add_chunk(stream, 9, {1, 2, 3}, &id);
   Bytes image = image_of(stream);
   const Stream loaded = load_memory(image).stream;
