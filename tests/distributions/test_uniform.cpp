@@ -1,5 +1,6 @@
 // The uniform family on the generator's own output.
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -9,6 +10,7 @@
 namespace {
 
 using namespace qor::test;
+using Integers = std::vector<int32_t>;
 
 // A stream whose numbers the test gives, in order; the interval of the ring is 0 to 1.
 std::vector<double> numbers;
@@ -22,23 +24,23 @@ double ring[1];
 Stream stream_of(std::vector<double> given) {
   numbers = std::move(given);
   taken = 0;
-  StreamState* stream = nullptr;
-  EXPECT_EQ(__ostdNewAbstractStream(&stream, 1, ring, 0, 1, give), 0);
-  return Stream(stream);
+  return made(__ostdNewAbstractStream, 1, ring, 0.0, 1.0, give);
 }
 
 TEST(Uniform, IsTheGeneratorsOutput) {
   for (int32_t brng : linear_generators) {
     const Stream drawn = new_stream(brng), direct = new_stream(brng);
-    std::vector<double> d(3001), expected(3001);
+    std::vector<double> d(3001);
+    std::vector<float> s(3001);
     ASSERT_EQ(_ostdRngUniform(QOR_RNG_ACCURATE, drawn.get(), 3001, d.data(), -2, 5), 0);
-    row_of(direct).dBRng(direct.get(), 3001, expected.data(), -2, 5);
-    EXPECT_EQ(d, expected);
-    std::vector<float> s(3001), single(3001);
     ASSERT_EQ(_ostsRngUniform(0, drawn.get(), 3001, s.data(), -2, 5), 0);
-    row_of(direct).sBRng(direct.get(), 3001, single.data(), -2, 5);
-    EXPECT_EQ(s, single);
+    EXPECT_EQ(d, reals_of<double>(direct, 3001, -2, 5));
+    EXPECT_EQ(s, reals_of<float>(direct, 3001, -2, 5));
     EXPECT_EQ(state_of(drawn), state_of(direct));
+    // And the words.
+    Bytes words(500 * static_cast<size_t>(row_of(drawn).wordBytes));
+    ASSERT_EQ(_ostiRngUniformBits(3, drawn.get(), 500, words.data()), 0);
+    EXPECT_EQ(words, words_of(direct, 500));
   }
 }
 
@@ -58,103 +60,81 @@ TEST(Uniform, AccuracyFlagKeepsTheInterval) {
   EXPECT_TRUE(std::all_of(s.begin(), s.end(), [=](float v) { return v == a || v == b; }));
 }
 
+Integers integers(const Stream& stream, int32_t n, int32_t a, int32_t b, int32_t status = 0) {
+  Integers r(static_cast<size_t>(n), -7);
+  EXPECT_EQ(_ostiRngUniform(9, stream.get(), n, r.data(), a, b), status);
+  return r;
+}
+
 TEST(UniformInteger, IsTheFloor) {
   const std::vector<double> given = {0, 0.25, 1.0 / 3, 0.5, 0.999, 2.0 / 3};
-  std::vector<int32_t> r(6);
-  ASSERT_EQ(_ostiRngUniform(9, stream_of(given).get(), 6, r.data(), -4, 0), 0);
-  EXPECT_EQ(r, (std::vector<int32_t>{-4, -3, -3, -2, -1, -2}));
-  constexpr int32_t low = std::numeric_limits<int32_t>::min(),
-                    high = std::numeric_limits<int32_t>::max();
-  ASSERT_EQ(_ostiRngUniform(0, stream_of({0, 1e-10, 1 - 1e-10}).get(), 3, r.data(), low, high), 0);
-  EXPECT_EQ(r[0], low);
-  EXPECT_EQ(r[1], low);
-  EXPECT_EQ(r[2], high - 1);
+  EXPECT_EQ(integers(stream_of(given), 6, -4, 0), (Integers{-4, -3, -3, -2, -1, -2}));
+  using Limits = std::numeric_limits<int32_t>;
+  EXPECT_EQ(integers(stream_of({0, 1e-10, 1 - 1e-10}), 3, Limits::min(), Limits::max()),
+            (Integers{Limits::min(), Limits::min(), Limits::max() - 1}));
 }
 
 TEST(UniformInteger, TakesADoubleEach) {
   for (int32_t n : {0, 1, 1023, 1024, 1025, 5000}) {
     const Stream stream = new_stream(QOR_BRNG_MCG59), other = new_stream(QOR_BRNG_MCG59);
-    std::vector<int32_t> r(static_cast<size_t>(n));
-    std::vector<double> d(static_cast<size_t>(n));
-    ASSERT_EQ(_ostiRngUniform(0, stream.get(), n, r.data(), -50, 51), 0);
-    __ostdBRngMCG59(other.get(), n, d.data(), -50, 51);
+    Integers expected;
+    for (double u : reals_of<double>(other, n, -50, 51))
+      expected.push_back(static_cast<int32_t>(std::floor(u)));
+    EXPECT_EQ(integers(stream, n, -50, 51), expected);
     EXPECT_EQ(state_of(stream), state_of(other));
-    for (size_t i = 0; i < r.size(); ++i) ASSERT_EQ(r[i], static_cast<int32_t>(std::floor(d[i])));
   }
 }
 
 TEST(UniformInteger, StopsAtAFailureWithTheBlocksBefore) {
-  std::vector<double> given(1024 + 10, 0.5);
-  std::vector<int32_t> r(3000, -7);
-  EXPECT_EQ(_ostiRngUniform(0, stream_of(given).get(), 3000, r.data(), 0, 10), -1120);
+  const Integers r = integers(stream_of(std::vector<double>(1034, 0.5)), 3000, 0, 10, -1120);
   EXPECT_EQ(r[1023], 5);
   EXPECT_EQ(r[2999], -7);
 }
 
 TEST(Bernoulli, ComparesSingleUniforms) {
   for (double p : {0.0, 0.25, 1.0 / 3, 0.9, 1.0}) {
+    const Stream stream = new_stream(QOR_BRNG_MCG31M1), other = new_stream(QOR_BRNG_MCG31M1);
     for (int32_t n : {0, 1, 3, 4, 1000}) {
-      const Stream stream = new_stream(QOR_BRNG_MCG31M1), other = new_stream(QOR_BRNG_MCG31M1);
-      std::vector<int32_t> r(static_cast<size_t>(n));
-      std::vector<float> u(static_cast<size_t>(n));
+      Integers r(static_cast<size_t>(n)), expected;
       ASSERT_EQ(_ostiRngBernoulli(0, stream.get(), n, r.data(), p), 0);
-      __ostsBRngMCG31M1(other.get(), n, u.data(), 0, 1);
-      for (size_t i = 0; i < r.size(); ++i)
-        ASSERT_EQ(r[i], u[i] < static_cast<float>(p) ? 1 : 0) << p;
-      EXPECT_EQ(state_of(stream), state_of(other));
+      for (float u : reals_of<float>(other, n, 0, 1))
+        expected.push_back(u < static_cast<float>(p) ? 1 : 0);
+      EXPECT_EQ(r, expected) << p;
     }
   }
   int32_t r = -7;
   EXPECT_EQ(_ostiRngBernoulli(0, stream_of({}).get(), 1, &r, 0.5), -1122);
 }
 
-TEST(UniformBits, AreTheGeneratorsWords) {
-  for (int32_t brng : linear_generators) {
-    const Stream stream = new_stream(brng);
-    const auto expected = words_of(new_stream(brng), 500);
-    std::vector<unsigned char> got(expected.size());
-    ASSERT_EQ(_ostiRngUniformBits(3, stream.get(), 500, got.data()), 0);
-    EXPECT_EQ(got, expected);
-  }
-}
-
 TEST(UniformBits, NarrowedWordsOfMcg59) {
   for (int32_t n : {0, 1, 1000, 1024, 2047, 2048, 2049, 4096, 5000}) {
-    const Stream stream = new_stream(QOR_BRNG_MCG59), pairs = new_stream(QOR_BRNG_MCG59);
-    const Stream other = new_stream(QOR_BRNG_MCG59);
-    std::vector<uint64_t> words(2 * static_cast<size_t>(n) + 1), wide(static_cast<size_t>(n));
-    std::vector<uint32_t> narrow(static_cast<size_t>(n));
-    __ostiBRngMCG59(other.get(), n, words.data());
+    const Stream stream = new_stream(QOR_BRNG_MCG59), other = new_stream(QOR_BRNG_MCG59);
+    std::vector<uint32_t> narrow(3 * static_cast<size_t>(n)), expected;
     ASSERT_EQ(_ostiRngUniformBits32(0, stream.get(), n, narrow.data()), 0);
+    std::vector<uint64_t> wide(static_cast<size_t>(n)), words(narrow.size());
+    ASSERT_EQ(_ostiRngUniformBits64(0, stream.get(), n, wide.data()), 0);
+    std::memcpy(narrow.data() + n, wide.data(), 8 * wide.size());
+    __ostiBRngMCG59(other.get(), 3 * n, words.data());
+    for (uint64_t word : words) expected.push_back(static_cast<uint32_t>(word >> 27));
+    EXPECT_EQ(narrow, expected);
     EXPECT_EQ(state_of(stream), state_of(other));
-    __ostiBRngMCG59(other.get(), n, words.data() + n);
-    ASSERT_EQ(_ostiRngUniformBits64(0, pairs.get(), n, wide.data()), 0);
-    EXPECT_EQ(state_of(pairs), state_of(other));
-    for (size_t i = 0; i < narrow.size(); ++i) {
-      ASSERT_EQ(narrow[i], static_cast<uint32_t>(words[i] >> 27));
-      ASSERT_EQ(wide[i], (words[2 * i] >> 27) | (words[2 * i + 1] >> 27) << 32);
-    }
   }
 }
 
 TEST(UniformBits, OtherGeneratorsAreRefusedUntouched) {
-  for (int32_t brng : {0x100000, 0x200000, 0x300000, 0x500000, 0, 1, 2, 276}) {
-    const Stream stream = new_stream(brng);
-    const auto before = state_of(stream);
-    uint64_t r = 77;
-    EXPECT_EQ(_ostiRngUniformBits32(0, stream.get(), 1, reinterpret_cast<uint32_t*>(&r)), -1014);
-    EXPECT_EQ(_ostiRngUniformBits64(0, stream.get(), 1, &r), -1014);
-    EXPECT_EQ(r, 77u);
-    EXPECT_EQ(state_of(stream), before);
-  }
-  uint32_t narrow = 0;
-  EXPECT_EQ(_ostiRngUniformBits32(0, new_stream(3).get(), 1, &narrow), 0);
-  // Identifiers of the first numbering beyond the families, and registered rows.
+  uint64_t wide = 77;
+  uint32_t narrow = 77;
+  // Generators of narrower words, identifiers of the first numbering beyond the families, abstract
+  // and registered generators: the head alone says no.
   StreamState head{};
-  for (int32_t brng : {277, 278, 0x1100000, 0xA00000}) {
+  for (int32_t brng :
+       {0x100000, 0x200000, 0x300000, 0x500000, 0, 1, 2, 276, 277, 278, 0xA00000, 0x1100000}) {
     head.brng = brng;
-    EXPECT_EQ(_ostiRngUniformBits32(0, &head, 1, &narrow), -1014);
+    EXPECT_EQ(_ostiRngUniformBits32(0, &head, 1, &narrow), -1014) << brng;
+    EXPECT_EQ(_ostiRngUniformBits64(0, &head, 1, &wide), -1014) << brng;
   }
+  EXPECT_TRUE(narrow == 77 && wide == 77);
+  EXPECT_EQ(_ostiRngUniformBits32(0, new_stream(3).get(), 1, &narrow), 0);
 }
 
 }  // namespace

@@ -1,24 +1,17 @@
 // Any bytes read as CSV are either refused with a message or give rows that, written again, read
 // the same; and read row by row, a few bytes at a time, they give the same rows.
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cmath>
-#include <cstdint>
-#include <cstdlib>
 
 #include "front/cli/csv.h"
 #include "front/cli/csv_reader.h"
 #include "front/cli/input_error.h"
+#include "tests/fuzz/memory_file.h"
 
 namespace {
 
 using namespace qor::cli;
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
+using namespace qor::fuzz;
 
 std::string written(const std::vector<std::string>& fields) {
   std::vector<std::string> line;
@@ -44,24 +37,10 @@ void check(const Csv& csv) {
   }
 }
 
-// A file in memory that holds a text.
-class MemoryFile {
- public:
-  explicit MemoryFile(std::string_view text) : descriptor_(memfd_create("csv", 0)) {
-    require(write(descriptor_, text.data(), text.size()) == static_cast<ssize_t>(text.size()));
-  }
-  ~MemoryFile() { close(descriptor_); }
-  std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
- private:
-  int descriptor_;
-};
-
 // The rows of a text that is read in chunks; whether it is accepted.
 bool read_in_chunks(std::string_view text, size_t chunk, std::vector<Csv::Row>& rows) {
-  const MemoryFile file(text);
   try {
-    CsvReader reader(file.path(), chunk);
+    CsvReader reader(file_of(text.data(), text.size()), chunk);
     for (Csv::Row row; reader.next(row);) rows.push_back(row);
   } catch (const InputError&) {
     return false;

@@ -16,26 +16,24 @@ using qor::frame::no_option;
 using qor::frame::option_buffer_size;
 using qor::frame::OptionBits;
 
-const std::map<std::string_view, uint32_t> kKeywords = {
-    {"LA", 0x1},
-    {"HA", 0x2},
-    {"EP", 0x3},
-    {"DEFAULT_PRECISION", 0},
-    {"FLOAT_CONSISTENT", 0x10},
-    {"DOUBLE_CONSISTEN", 0x20},
-    {"RESTORE", 0x30},
-    {"ERRMODE_IGNORE", 0x100},
-    {"ERRMODE_ERRNO", 0x200},
-    {"ERRMODE_STDERR", 0x400},
-    {"ERRMODE_EXCEPT", 0x800},
-    {"ERRMODE_CALLBACK", 0x1000},
-    {"ERRMODE_NOERR", 0x2000},
-    {"ERRMODE_DEFAULT", 0x1A00},
-    {"TRAP_INVALID", 0x1000000},
-    {"TRAP_DIVBYZERO", 0x2000000},
-    {"TRAP_OVERFLOW", 0x4000000},
-    {"TRAP_UNDERFLOW", 0x8000000},
-};
+const std::map<std::string_view, uint32_t> kKeywords = {{"LA", 0x1},
+                                                        {"HA", 0x2},
+                                                        {"EP", 0x3},
+                                                        {"DEFAULT_PRECISION", 0},
+                                                        {"FLOAT_CONSISTENT", 0x10},
+                                                        {"DOUBLE_CONSISTEN", 0x20},
+                                                        {"RESTORE", 0x30},
+                                                        {"ERRMODE_IGNORE", 0x100},
+                                                        {"ERRMODE_ERRNO", 0x200},
+                                                        {"ERRMODE_STDERR", 0x400},
+                                                        {"ERRMODE_EXCEPT", 0x800},
+                                                        {"ERRMODE_CALLBACK", 0x1000},
+                                                        {"ERRMODE_NOERR", 0x2000},
+                                                        {"ERRMODE_DEFAULT", 0x1A00},
+                                                        {"TRAP_INVALID", 0x1000000},
+                                                        {"TRAP_DIVBYZERO", 0x2000000},
+                                                        {"TRAP_OVERFLOW", 0x4000000},
+                                                        {"TRAP_UNDERFLOW", 0x8000000}};
 
 // The tokens split at commas, each the prefix and a keyword that ends before the buffer does.
 OptionBits plain_reading(std::string_view text) {
