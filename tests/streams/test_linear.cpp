@@ -59,6 +59,16 @@ TEST(LinearGenerators, KnownAnswers) {
   });
 }
 
+// The published sequence of MRG32K3A: all initial values 12345.
+TEST(LinearGenerators, PublishedUniforms) {
+  const Stream stream = new_stream(QOR_BRNG_MRG32K3A, std::vector<uint32_t>(6, 12345));
+  double u[3];
+  ASSERT_EQ(__ostdBRngMRG32K3A(stream.get(), 3, u, 0, 1), 0);
+  EXPECT_NEAR(u[0], 0.127011122046577, 1e-9);
+  EXPECT_NEAR(u[1], 0.318527565396784, 1e-9);
+  EXPECT_NEAR(u[2], 0.309186015583104, 1e-9);
+}
+
 constexpr int32_t kLong = 15'000;  // several rounds of every block form
 
 // Draws kLong outputs of `bytes` bytes in calls of changing sizes, starting `offset` bytes past a
