@@ -97,9 +97,25 @@ void add_edges_of_quotients(Batch<T>& batch) {
   }
 }
 
+// All pairs of numbers where an exact function of two may change its way, and their neighbours.
 template <class T>
-Batch<T> edge_arguments(std::string_view base) {
+void add_pairs(Batch<T>& batch) {
+  using Limits = std::numeric_limits<T>;
+  std::vector<T> values;
+  for (const T x : {T(0), Limits::denorm_min(), Limits::min(), T(0.25), T(0.5), T(1), T(1.5),
+                    T(2.5), T(3), T(7), T(1e10), 1 / Limits::epsilon(), Limits::max()}) {
+    for (const T near : with_neighbours(x)) values.insert(values.end(), {near, -near});
+  }
+  for (const T a : values) {
+    for (const T b : values) add(batch, a, b);
+  }
+}
+
+template <class T>
+Batch<T> edge_arguments(const Row<T>& row) {
+  const std::string_view base = row.base;
   Batch<T> batch;
+  if (row.shape.inputs == 2 && row.bound(HA) == 0) add_pairs(batch);
   if (base == "Ln" || base == "Log2" || base == "Log10") add_edges_of_logarithms(batch);
   if (base == "Pow" || base == "Powr") add_edges_of_powers(batch);
   if (base == "Hypot") add_edges_of_hypot(batch);

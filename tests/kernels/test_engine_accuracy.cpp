@@ -67,7 +67,7 @@ TEST_P(EngineAccuracy, StaysBelowItsBound) {
     Arguments<T> arguments(row, 2);
     const double bound = row.bound(slot);
     expect_accurate(row, slot, arguments.hard(), bound);
-    expect_accurate(row, slot, edge_arguments<T>(row.base), bound);
+    expect_accurate(row, slot, edge_arguments(row), bound);
     for (int i = 0; i < 16; ++i) expect_accurate(row, slot, arguments.random(512), bound);
     if (row.kernels[slot] == row.kernels[HA]) {
       expect_accurate(row, slot, arguments_with_exact_results<T>(row.base), 0);

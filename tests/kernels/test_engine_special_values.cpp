@@ -96,20 +96,12 @@ class CaseRun {
   void expect(bool strided) {
     ASSERT_EQ(static_cast<int>(given_), row_.shape.numbers_in());
     ASSERT_EQ(static_cast<int>(case_.results.size()), row_.shape.outputs);
-    const size_t step = strided ? 2 : 1;
-    Call<T> call = call_on(row_, batch_);
-    Results<T> results;
-    for (size_t k = 0; k < 2; ++k) {
-      results[k].resize(step * batch_.in[0].size());
-      call.out[k] = results[k].data();
-    }
-    if (strided) call.out_inc = {2, 2};
     ReportLog log(case_.flush ? QOR_MODE_FLUSH_DENORMALS : 0);
     std::feclearexcept(FE_ALL_EXCEPT);
-    (strided ? row_.run_strided : row_.run)(slot_, call);
+    const Results<T> results = (strided ? run_strided<T> : run<T>)(row_, slot_, batch_);
     EXPECT_EQ(std::fetestexcept(case_.watched), case_.flags);
     for (size_t k = 0; k < case_.results.size(); ++k) {
-      expect_result(static_cast<int>(k), results[k][step * at_]);
+      expect_result(static_cast<int>(k), results[k][at_]);
     }
     const std::string base = case_.reporter.empty() ? std::string(row_.base) : case_.reporter;
     EXPECT_EQ(log.reports().size(), case_.code == 0 ? 0u : 1u);
