@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cfenv>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -12,6 +13,9 @@
 #include "tests/support/reports.h"
 
 namespace qor::test {
+
+// The IEEE flags that tests look at: all but inexact.
+inline constexpr int kFlags = FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW | FE_UNDERFLOW;
 
 struct Kernel {
   size_t row;  // in rows()

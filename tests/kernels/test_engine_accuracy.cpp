@@ -1,7 +1,7 @@
 // Values: against the reference at hard and random arguments, with no flag that they do not call
 // for; and what is reported on the way.
 
-#include <cfenv>
+#include <sstream>
 
 #include "tests/kernels/edge_arguments.h"
 
@@ -37,7 +37,7 @@ void expect_accurate(const Row<T>& row, int slot, const Batch<T>& batch, double 
   if (batch.in[0].empty()) return;
   std::feclearexcept(FE_ALL_EXCEPT);
   const Results<T> results = run(row, slot, batch);
-  const int flags = std::fetestexcept(FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW | FE_UNDERFLOW);
+  const int flags = std::fetestexcept(kFlags);
   int due = 0;
   const int parts = row.shape.output_parts;
   Value<T> value;
@@ -67,7 +67,9 @@ TEST_P(EngineAccuracy, StaysBelowItsBound) {
     Arguments<T> arguments(row, 2);
     const double bound = row.bound(slot);
     expect_accurate(row, slot, arguments.hard(), bound);
-    expect_accurate(row, slot, edge_arguments(row), bound);
+    // Where their reductions could lose it, logarithms keep more than they promise.
+    const bool keeps_more = row.base == "Log2" || row.base == "Log10";
+    expect_accurate(row, slot, edge_arguments(row), keeps_more ? 0.8 : bound);
     for (int i = 0; i < 16; ++i) expect_accurate(row, slot, arguments.random(512), bound);
     if (row.kernels[slot] == row.kernels[HA]) {
       expect_accurate(row, slot, arguments_with_exact_results<T>(row.base), 0);

@@ -2,7 +2,6 @@
 // to the results where a kernel sets its own.
 
 #include <algorithm>
-#include <cfenv>
 #include <iterator>
 
 #include "tests/kernels/engine.h"

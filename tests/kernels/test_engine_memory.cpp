@@ -125,18 +125,16 @@ template <class T>
 void expect_strided(const Row<T>& row, int slot, const Batch<T>& batch,
                     const std::array<int, 2>& in_inc, const std::array<int, 2>& out_inc) {
   Batch<T> seen = batch;  // an increment of 0 shows element 0 always
-  std::vector<Field<T>> in, out;
   Call<T> call = call_on(row, batch);
+  const int parts = row.shape.input_parts, parts_out = row.shape.output_parts;
+  Field<T> in[] = {{in_inc[0], parts}, {in_inc[1], parts}};
+  Field<T> out[] = {{out_inc[0], parts_out}, {out_inc[1], parts_out}};
   for (size_t k = 0; k < 2; ++k) {
-    in.emplace_back(in_inc[k], row.shape.input_parts);
-    out.emplace_back(out_inc[k], row.shape.output_parts);
-    const auto parts = static_cast<size_t>(row.shape.input_parts);
     for (size_t i = kStridedCount; i-- > 0 && k < static_cast<size_t>(row.shape.inputs);) {
-      std::copy_n(&batch.in[k][i * parts], parts, in[k].element(i));
-      if (in_inc[k] == 0) std::copy_n(&batch.in[k][0], parts, &seen.in[k][i * parts]);
+      const size_t at = i * static_cast<size_t>(parts);
+      std::copy_n(&batch.in[k][at], parts, in[k].element(i));
+      if (in_inc[k] == 0) std::copy_n(&batch.in[k][0], parts, &seen.in[k][at]);
     }
-  }
-  for (size_t k = 0; k < 2; ++k) {
     call.in[k] = in[k].origin;
     call.out[k] = out[k].origin;
   }

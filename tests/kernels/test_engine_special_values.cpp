@@ -1,17 +1,15 @@
 // Special values: the cases of special_values.txt through every kernel of their function,
 // contiguous and strided, with what is reported and which flags rise.
 
-#include <cfenv>
 #include <fstream>
 #include <optional>
 #include <sstream>
+#include <utility>
 
 #include "tests/kernels/engine.h"
 
 namespace qor::test {
 namespace {
-
-constexpr int kFlags = FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW | FE_UNDERFLOW;
 
 struct Case {
   int line = 0;

@@ -82,8 +82,7 @@ Arguments<T>::Arguments(const Row<T>& row, uint64_t seed) : row_(row), engine_(s
   edges_.insert(edges_.end(), changes.begin(), changes.end());
   for (double edge : branch_edges(row.name())) edges_.push_back(static_cast<T>(edge));
   std::sort(edges_.begin(), edges_.end());
-  const auto out_of_range = [](T x) { return !std::isfinite(x); };
-  edges_.erase(std::remove_if(edges_.begin(), edges_.end(), out_of_range), edges_.end());
+  std::erase_if(edges_, [](T x) { return !std::isfinite(x); });
 }
 
 template <class T>
