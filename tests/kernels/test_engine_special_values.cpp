@@ -35,7 +35,7 @@ std::optional<Case> parse(const std::string& text, int line) {
     if (word == "flush") {
       one.flush = true;
     } else if (word == "?") {
-      one.watched &= ~FE_UNDERFLOW;
+      one.watched = 0;
     } else if (std::isupper(word[0]) != 0) {
       one.reporter = word;
     } else {
