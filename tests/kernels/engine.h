@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cfenv>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -12,6 +13,9 @@
 #include "tests/support/reports.h"
 
 namespace qor::test {
+
+// The IEEE flags that tests look at: all but inexact.
+inline constexpr int kFlags = FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW | FE_UNDERFLOW;
 
 struct Kernel {
   size_t row;  // in rows()
@@ -49,15 +53,35 @@ class KernelTest : public testing::TestWithParam<Kernel> {
 #define QOR_FOR_ALL_KERNELS(Suite) \
   INSTANTIATE_TEST_SUITE_P(Rows, Suite, testing::ValuesIn(all_kernels()), kernel_name)
 
-// Elements `first` to `first` + n of a batch as a batch.
+// The strided kernel of a slot over a batch, into every second element.
 template <class T>
-Batch<T> piece(const Row<T>& row, const Batch<T>& batch, size_t first, size_t n) {
-  const auto parts = static_cast<size_t>(row.shape.input_parts);
-  Batch<T> part;
-  part.scalar = batch.scalar;
-  for (int k = 0; k < row.shape.inputs; ++k) {
-    const auto from = batch.in[k].begin() + static_cast<ptrdiff_t>(first * parts);
-    part.in[k].assign(from, from + static_cast<ptrdiff_t>(n * parts));
+Results<T> run_strided(const Row<T>& row, int slot, const Batch<T>& batch) {
+  Results<T> spread, results;
+  Call<T> call = call_on(row, batch);
+  call.out_inc = {2, 2};
+  const auto n = static_cast<size_t>(call.n), parts = static_cast<size_t>(row.shape.output_parts);
+  for (size_t k = 0; k < 2; ++k) {
+    spread[k].resize(2 * n * parts);
+    results[k].resize(n * parts);
+    call.out[k] = spread[k].data();
+  }
+  row.run_strided(slot, call);
+  for (size_t i = 0; i < n * parts; ++i) {
+    const size_t from = i / parts * 2 * parts + i % parts;
+    for (size_t k = 0; k < 2; ++k) results[k][i] = spread[k][from];
+  }
+  return results;
+}
+
+// Elements `first` to `first` + n of vectors whose elements have so many parts.
+template <class T>
+std::array<std::vector<T>, 2> piece(const std::array<std::vector<T>, 2>& vectors, int parts,
+                                    size_t first, size_t n) {
+  std::array<std::vector<T>, 2> part;
+  for (size_t k = 0; k < 2; ++k) {
+    if (vectors[k].empty()) continue;
+    const T* from = vectors[k].data() + first * static_cast<size_t>(parts);
+    part[k].assign(from, from + n * static_cast<size_t>(parts));
   }
   return part;
 }

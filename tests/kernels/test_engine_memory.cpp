@@ -11,54 +11,48 @@ constexpr size_t kLongest = 67;  // more than the longest block and a tail
 
 class EngineMemory : public KernelTest {};
 
-// Vectors of a call between guard pages; results are the inputs' own memory when `in_place`.
+// Where a call's vectors lie: at a guard page behind them or before them (then each so many
+// elements further than the last), the results in memory of their own or the inputs'.
+struct Place {
+  bool at_end = false, in_place = false;
+  size_t shift = 0;
+};
+
+// Vectors of a call between guard pages.
 template <class T>
 class GuardedCall {
  public:
-  GuardedCall(const Row<T>& row, size_t most)
-      : row_(row),
-        numbers_(most *
-                 static_cast<size_t>(std::max(row.shape.input_parts, row.shape.output_parts))) {}
+  explicit GuardedCall(const Row<T>& row) : row_(row) {}
 
-  // Runs the kernel on a batch whose vectors all start (or end) at a guard page.
+  // Runs the kernel on a batch in its place.
   testing::AssertionResult matches(int slot, const Batch<T>& batch, const Results<T>& expected,
-                                   bool at_end, bool in_place) {
+                                   const Place& place) {
     Call<T> call = call_on(row_, batch);
     std::array<T*, 2> in{};
     for (size_t k = 0; k < 2; ++k) {
       const size_t n = batch.in[k].size(), m = expected[k].size();
-      in[k] = at_end ? in_[k].last(n) : in_[k].first();
+      in[k] = place.at_end ? in_[k].last(n) : in_[k].first() + place.shift * (k + 1);
       std::copy_n(batch.in[k].data(), n, in[k]);
       call.in[k] = in[k];
-      call.out[k] = at_end ? out_[k].last(m) : out_[k].first();
+      call.out[k] = place.at_end ? out_[k].last(m) : out_[k].first() + place.shift * (k + 3);
     }
-    if (in_place) call.out[0] = in[static_cast<size_t>(row_.shape.inputs - 1)];
+    if (place.in_place) call.out[0] = in[static_cast<size_t>(row_.shape.inputs - 1)];
     row_.run(slot, call);
     for (size_t k = 0; k < static_cast<size_t>(row_.shape.outputs); ++k) {
       if (auto result = same_bits(call.out[k], expected[k]); !result) {
-        return result << " in output " << k << ", n = " << call.n;
+        return result << " in output " << k << ", n = " << call.n << ", shift " << place.shift
+                      << (place.in_place ? ", in place" : "");
       }
     }
     return testing::AssertionSuccess();
   }
 
  private:
+  static constexpr size_t kNumbers = 2 * kLongest;  // elements of two parts, or all shifts
   const Row<T>& row_;
-  size_t numbers_;
-  Guarded<T> in_[2]{Guarded<T>(numbers_), Guarded<T>(numbers_)};
-  Guarded<T> out_[2]{Guarded<T>(numbers_), Guarded<T>(numbers_)};
+  Guarded<T> in_[2]{Guarded<T>(kNumbers), Guarded<T>(kNumbers)};
+  Guarded<T> out_[2]{Guarded<T>(kNumbers), Guarded<T>(kNumbers)};
 };
-
-template <class T>
-Results<T> piece_of_results(const Row<T>& row, const Results<T>& results, size_t first, size_t n) {
-  Results<T> part;
-  const auto parts = static_cast<size_t>(row.shape.output_parts);
-  for (size_t k = 0; k < static_cast<size_t>(row.shape.outputs); ++k) {
-    const auto from = results[k].begin() + static_cast<ptrdiff_t>(first * parts);
-    part[k].assign(from, from + static_cast<ptrdiff_t>(n * parts));
-  }
-  return part;
-}
 
 // Every length from every start: no element outside is touched, all come out as in the whole run.
 TEST_P(EngineMemory, EveryLengthStaysInsideItsVectors) {
@@ -67,16 +61,15 @@ TEST_P(EngineMemory, EveryLengthStaysInsideItsVectors) {
     const Batch<T> batch = mixed_batch(row, 2 * kLongest);
     const Results<T> expected = run(row, slot, batch);
     const bool in_place_fits = row.shape.input_parts == row.shape.output_parts;
-    GuardedCall<T> call(row, kLongest);
+    GuardedCall<T> call(row);
     for (size_t n = 0; n <= kLongest; ++n) {
       const size_t first = (n * 29) % kLongest;  // every element at many places
-      const Batch<T> part = piece(row, batch, first, n);
-      const Results<T> part_expected = piece_of_results(row, expected, first, n);
+      const Batch<T> part{piece(batch.in, row.shape.input_parts, first, n), batch.scalar};
+      const Results<T> part_expected = piece(expected, row.shape.output_parts, first, n);
       for (bool at_end : {false, true}) {
         for (bool in_place : {false, true}) {
           if (in_place && !in_place_fits) continue;
-          ASSERT_TRUE(call.matches(slot, part, part_expected, at_end, in_place))
-              << (in_place ? " in place" : "");
+          ASSERT_TRUE(call.matches(slot, part, part_expected, {at_end, in_place}));
         }
       }
     }
@@ -89,21 +82,9 @@ TEST_P(EngineMemory, AlignmentChangesNothing) {
     using T = typename std::decay_t<decltype(row)>::Real;
     const Batch<T> batch = mixed_batch(row, kLongest);
     const Results<T> expected = run(row, slot, batch);
+    GuardedCall<T> call(row);
     for (size_t shift = 0; shift < 64 / sizeof(T); ++shift) {
-      Batch<T> shifted = batch;
-      Results<T> results;
-      Call<T> call = call_on(row, batch);
-      for (size_t k = 0; k < 2; ++k) {
-        const size_t offset = shift * (k + 1);
-        shifted.in[k].insert(shifted.in[k].begin(), offset, T(0));
-        call.in[k] = shifted.in[k].data() + offset;
-        results[k].resize(expected[k].size() + 3 * shift);
-        call.out[k] = results[k].data() + 3 * shift;
-      }
-      row.run(slot, call);
-      for (size_t k = 0; k < static_cast<size_t>(row.shape.outputs); ++k) {
-        ASSERT_TRUE(same_bits(call.out[k], expected[k])) << "shift " << shift;
-      }
+      ASSERT_TRUE(call.matches(slot, batch, expected, {false, false, shift}));
     }
   });
 }
@@ -144,18 +125,16 @@ template <class T>
 void expect_strided(const Row<T>& row, int slot, const Batch<T>& batch,
                     const std::array<int, 2>& in_inc, const std::array<int, 2>& out_inc) {
   Batch<T> seen = batch;  // an increment of 0 shows element 0 always
-  std::vector<Field<T>> in, out;
   Call<T> call = call_on(row, batch);
+  const int parts = row.shape.input_parts, parts_out = row.shape.output_parts;
+  Field<T> in[] = {{in_inc[0], parts}, {in_inc[1], parts}};
+  Field<T> out[] = {{out_inc[0], parts_out}, {out_inc[1], parts_out}};
   for (size_t k = 0; k < 2; ++k) {
-    in.emplace_back(in_inc[k], row.shape.input_parts);
-    out.emplace_back(out_inc[k], row.shape.output_parts);
-    const auto parts = static_cast<size_t>(row.shape.input_parts);
     for (size_t i = kStridedCount; i-- > 0 && k < static_cast<size_t>(row.shape.inputs);) {
-      std::copy_n(&batch.in[k][i * parts], parts, in[k].element(i));
-      if (in_inc[k] == 0) std::copy_n(&batch.in[k][0], parts, &seen.in[k][i * parts]);
+      const size_t at = i * static_cast<size_t>(parts);
+      std::copy_n(&batch.in[k][at], parts, in[k].element(i));
+      if (in_inc[k] == 0) std::copy_n(&batch.in[k][0], parts, &seen.in[k][at]);
     }
-  }
-  for (size_t k = 0; k < 2; ++k) {
     call.in[k] = in[k].origin;
     call.out[k] = out[k].origin;
   }

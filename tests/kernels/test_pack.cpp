@@ -14,113 +14,88 @@
 namespace qor::test {
 namespace {
 
+constexpr int kSlot = 1;
+
 template <class E>
-struct Movers {
-  void (*pack_i)(int64_t, const E*, int64_t, E*, int32_t);
-  void (*pack_m)(int64_t, const E*, const void*, E*, int32_t);
-  void (*pack_v)(int64_t, const E*, const void*, E*, int32_t);
-  void (*unpack_i)(int64_t, const E*, E*, int64_t, int32_t);
-  void (*unpack_m)(int64_t, const E*, E*, const void*, int32_t);
-  void (*unpack_v)(int64_t, const E*, E*, const void*, int32_t);
+struct Movers;
+
+#define QOR_MOVERS(E, t)                                                       \
+  template <>                                                                  \
+  struct Movers<E> {                                                           \
+    static auto pack_i() { return qor_ark_kernel_##t##PackI_ttab[kSlot]; }     \
+    static auto pack_m() { return qor_ark_kernel_##t##PackM_ttab[kSlot]; }     \
+    static auto pack_v() { return qor_ark_kernel_##t##PackV_ttab[kSlot]; }     \
+    static auto unpack_i() { return qor_ark_kernel_##t##UnpackI_ttab[kSlot]; } \
+    static auto unpack_m() { return qor_ark_kernel_##t##UnpackM_ttab[kSlot]; } \
+    static auto unpack_v() { return qor_ark_kernel_##t##UnpackV_ttab[kSlot]; } \
+  };
+QOR_MOVERS(float, s)
+QOR_MOVERS(double, d)
+QOR_MOVERS(qor_complex_float, c)
+QOR_MOVERS(qor_complex_double, z)
+#undef QOR_MOVERS
+
+// What a pack does, one element after the other; an unpack does it the other way.
+struct Move {
+  int64_t to, from;  // elements
 };
 
-constexpr int kSlot = 1;
-constexpr int kCells = 400, kMiddle = 200;
-
 template <class E>
-class Pack : public testing::Test {
+class Pack : public testing::Test, protected Movers<E> {
  protected:
-  using Buffer = std::vector<unsigned char>;
-
-  static Movers<E> movers();
-
-  // Random bytes: among them signalling NaN, which a mover must not touch.
-  static Buffer random_cells() {
+  // `pack` and `unpack` take the source and the target.
+  template <class PackCall, class UnpackCall>
+  static void check(const std::vector<Move>& moves, PackCall pack, UnpackCall unpack) {
+    constexpr size_t kCells = 400;
     std::mt19937 random(6);
-    Buffer bytes(kCells * sizeof(E) + 1);
+    // Random bytes: among them signalling NaN, which a mover must not touch.
+    std::vector<unsigned char> bytes(kCells * sizeof(E));
     for (auto& byte : bytes) byte = static_cast<unsigned char>(random());
-    return bytes;
-  }
-
-  static void move(Buffer& bytes, int64_t to, int64_t from) {
-    std::memcpy(bytes.data() + to * int64_t{sizeof(E)}, bytes.data() + from * int64_t{sizeof(E)},
-                sizeof(E));
-  }
-
-  // Runs a mover on cells from `source` and `target` on and compares with the definition.
-  template <class Kernel, class Definition>
-  static void check(Kernel kernel, Definition definition) {
-    const std::pair<int, int> places[] = {{kMiddle, 320},         {kMiddle, 90},
-                                          {kMiddle, kMiddle},     {kMiddle, 201},
-                                          {kMiddle, kMiddle - 1}, {kMiddle, 203}};
-    for (const auto& [source, target] : places) {
-      SCOPED_TRACE(testing::Message() << "from cell " << source << " to " << target);
-      Buffer expected = random_cells(), actual = expected;
-      definition(expected, source, target);
-      E* cells = reinterpret_cast<E*>(actual.data());
-      kernel(cells + source, cells + target);
-      ASSERT_EQ(actual, expected);
+    for (const int64_t target : {320, 90, 200, 201, 199, 203}) {
+      constexpr int64_t kSource = 200;
+      for (const bool packs : {true, false}) {
+        SCOPED_TRACE(testing::Message() << (packs ? "pack" : "unpack") << " to cell " << target);
+        std::vector<unsigned char> expected = bytes, actual = bytes;
+        for (const auto& [dense, spread] : moves) {
+          const int64_t to = target + (packs ? dense : spread);
+          const int64_t from = kSource + (packs ? spread : dense);
+          std::memcpy(&expected[static_cast<size_t>(to) * sizeof(E)],
+                      &expected[static_cast<size_t>(from) * sizeof(E)], sizeof(E));
+        }
+        E* cells = reinterpret_cast<E*>(actual.data());
+        packs ? pack(cells + kSource, cells + target) : unpack(cells + kSource, cells + target);
+        ASSERT_EQ(actual, expected);
+      }
     }
   }
 };
 
-template <>
-Movers<float> Pack<float>::movers() {
-  return {qor_ark_kernel_sPackI_ttab[kSlot],   qor_ark_kernel_sPackM_ttab[kSlot],
-          qor_ark_kernel_sPackV_ttab[kSlot],   qor_ark_kernel_sUnpackI_ttab[kSlot],
-          qor_ark_kernel_sUnpackM_ttab[kSlot], qor_ark_kernel_sUnpackV_ttab[kSlot]};
-}
-template <>
-Movers<double> Pack<double>::movers() {
-  return {qor_ark_kernel_dPackI_ttab[kSlot],   qor_ark_kernel_dPackM_ttab[kSlot],
-          qor_ark_kernel_dPackV_ttab[kSlot],   qor_ark_kernel_dUnpackI_ttab[kSlot],
-          qor_ark_kernel_dUnpackM_ttab[kSlot], qor_ark_kernel_dUnpackV_ttab[kSlot]};
-}
-template <>
-Movers<qor_complex_float> Pack<qor_complex_float>::movers() {
-  return {qor_ark_kernel_cPackI_ttab[kSlot],   qor_ark_kernel_cPackM_ttab[kSlot],
-          qor_ark_kernel_cPackV_ttab[kSlot],   qor_ark_kernel_cUnpackI_ttab[kSlot],
-          qor_ark_kernel_cUnpackM_ttab[kSlot], qor_ark_kernel_cUnpackV_ttab[kSlot]};
-}
-template <>
-Movers<qor_complex_double> Pack<qor_complex_double>::movers() {
-  return {qor_ark_kernel_zPackI_ttab[kSlot],   qor_ark_kernel_zPackM_ttab[kSlot],
-          qor_ark_kernel_zPackV_ttab[kSlot],   qor_ark_kernel_zUnpackI_ttab[kSlot],
-          qor_ark_kernel_zUnpackM_ttab[kSlot], qor_ark_kernel_zUnpackV_ttab[kSlot]};
-}
-
 using Elements = testing::Types<float, double, qor_complex_float, qor_complex_double>;
 TYPED_TEST_SUITE(Pack, Elements);
 
-constexpr int64_t kIncrements[] = {1, 2, 3, 0, -1, -3};
 constexpr int64_t kCounts[] = {0, 1, 2, 7, 8, 23, -4};
 
 TYPED_TEST(Pack, ByIncrement) {
   using E = TypeParam;
-  const auto m = this->movers();
   for (const int64_t n : kCounts) {
-    for (const int64_t inc : kIncrements) {
+    for (const int64_t inc : {1, 2, 3, 0, -1, -3}) {
       SCOPED_TRACE(testing::Message() << n << " elements, increment " << inc);
-      for (const int32_t flag : {1, 0}) {
-        // Of 32-bit arguments only the low words count.
-        const int64_t high = flag == 1 ? int64_t{0x7654} << 32 : 0;
-        const auto wide = [high](int64_t x) { return high | (high == 0 ? x : x & 0xFFFFFFFF); };
-        this->check([&](const E* a, E* y) { m.pack_i(wide(n), a, wide(inc), y, flag); },
-                    [&](auto& cells, int64_t a, int64_t y) {
-                      for (int64_t i = 0; i < n; ++i) this->move(cells, y + i, a + i * inc);
-                    });
-        this->check([&](const E* a, E* y) { m.unpack_i(wide(n), a, y, wide(inc), flag); },
-                    [&](auto& cells, int64_t a, int64_t y) {
-                      for (int64_t i = 0; i < n; ++i) this->move(cells, y + i * inc, a + i);
-                    });
-      }
+      std::vector<Move> moves;
+      for (int64_t i = 0; i < n; ++i) moves.push_back({i, i * inc});
+      this->check(
+          moves, [&](const E* a, E* y) { this->pack_i()(n, a, inc, y, 0); },
+          [&](const E* a, E* y) { this->unpack_i()(n, a, y, inc, 0); });
+      // Of 32-bit arguments only the low words count.
+      const auto wide = [](int64_t x) { return (int64_t{0x7654} << 32) | (x & 0xFFFFFFFF); };
+      this->check(
+          moves, [&](const E* a, E* y) { this->pack_i()(wide(n), a, wide(inc), y, 1); },
+          [&](const E* a, E* y) { this->unpack_i()(wide(n), a, y, wide(inc), 1); });
     }
   }
 }
 
 TYPED_TEST(Pack, ByMask) {
   using E = TypeParam;
-  const auto m = this->movers();
   std::mt19937 random(7);
   for (const int64_t n : kCounts) {
     for (const unsigned kept_of_4 : {0u, 1u, 3u, 4u}) {
@@ -128,21 +103,16 @@ TYPED_TEST(Pack, ByMask) {
       // Any value but zero counts, also one whose low word is zero.
       for (auto& word : mask) word = random() % 4 < kept_of_4 ? int64_t{-1} << (random() % 20) : 0;
       const std::vector<int32_t> mask32(mask.begin(), mask.end());
-      mask[3] = kept_of_4 == 4 ? int64_t{1} << 40 : mask[3];
+      if (kept_of_4 == 4) mask[3] = int64_t{1} << 40;
+      std::vector<Move> moves;
+      for (int64_t i = 0; i < n; ++i) {
+        if (mask[static_cast<size_t>(i)] != 0) moves.push_back({std::ssize(moves), i});
+      }
       for (const int32_t flag : {1, 7}) {
         const void* words = flag == 1 ? static_cast<const void*>(mask32.data()) : mask.data();
-        this->check([&](const E* a, E* y) { m.pack_m(n, a, words, y, flag); },
-                    [&](auto& cells, int64_t a, int64_t y) {
-                      for (int64_t i = 0; i < n; ++i) {
-                        if (mask[static_cast<size_t>(i)] != 0) this->move(cells, y++, a + i);
-                      }
-                    });
-        this->check([&](const E* a, E* y) { m.unpack_m(n, a, y, words, flag); },
-                    [&](auto& cells, int64_t a, int64_t y) {
-                      for (int64_t i = 0; i < n; ++i) {
-                        if (mask[static_cast<size_t>(i)] != 0) this->move(cells, y + i, a++);
-                      }
-                    });
+        this->check(
+            moves, [&](const E* a, E* y) { this->pack_m()(n, a, words, y, flag); },
+            [&](const E* a, E* y) { this->unpack_m()(n, a, y, words, flag); });
       }
     }
   }
@@ -150,37 +120,23 @@ TYPED_TEST(Pack, ByMask) {
 
 TYPED_TEST(Pack, ByIndex) {
   using E = TypeParam;
-  const auto m = this->movers();
   std::mt19937 random(8);
   std::vector<int64_t> index(32);
   for (auto& i : index) i = static_cast<int64_t>(random() % 12) - 4;  // repeated, and negative
   const std::vector<int32_t> index32(index.begin(), index.end());
   for (const int64_t n : kCounts) {
+    std::vector<Move> moves;
+    for (int64_t i = 0; i < n; ++i) moves.push_back({i, index[static_cast<size_t>(i)]});
     for (const int32_t flag : {1, 0}) {
       const void* words = flag == 1 ? static_cast<const void*>(index32.data()) : index.data();
-      this->check([&](const E* a, E* y) { m.pack_v(n, a, words, y, flag); },
-                  [&](auto& cells, int64_t a, int64_t y) {
-                    for (int64_t i = 0; i < n; ++i) {
-                      this->move(cells, y + i, a + index[static_cast<size_t>(i)]);
-                    }
-                  });
-      this->check([&](const E* a, E* y) { m.unpack_v(n, a, y, words, flag); },
-                  [&](auto& cells, int64_t a, int64_t y) {
-                    for (int64_t i = 0; i < n; ++i) {
-                      this->move(cells, y + index[static_cast<size_t>(i)], a + i);
-                    }
-                  });
+      this->check(
+          moves, [&](const E* a, E* y) { this->pack_v()(n, a, words, y, flag); },
+          [&](const E* a, E* y) { this->unpack_v()(n, a, y, words, flag); });
     }
   }
 }
 
-TEST(PackRows, SharedKernelsAndFlagOfTheEntries) {
-  const auto address = [](auto* kernel) { return reinterpret_cast<void*>(kernel); };
-  for (int slot = 0; slot < 3; ++slot) {
-    EXPECT_EQ(address(qor_ark_kernel_dPackM_ttab[slot]), address(qor_ark_kernel_cPackM_ttab[slot]));
-    EXPECT_EQ(address(qor_ark_kernel_dUnpackM_ttab[slot]),
-              address(qor_ark_kernel_cUnpackM_ttab[slot]));
-  }
+TEST(PackRows, FlagOfTheEntries) {
   const double a[4] = {1, 2, 3, 4};
   const int32_t index[4] = {3, 2, 1, 0};
   double y[4] = {};

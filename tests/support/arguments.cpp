@@ -6,24 +6,6 @@
 namespace qor::test {
 namespace {
 
-enum class Class { nan, zero, denormal, normal, infinite };
-
-template <class T>
-Class class_of(T y) {
-  switch (std::fpclassify(y)) {
-    case FP_NAN:
-      return Class::nan;
-    case FP_ZERO:
-      return Class::zero;
-    case FP_SUBNORMAL:
-      return Class::denormal;
-    case FP_INFINITE:
-      return Class::infinite;
-    default:
-      return Class::normal;
-  }
-}
-
 // The last number before the class of the result changes, for every change that a walk in half
 // binades sees.
 template <class T>
@@ -32,13 +14,13 @@ std::vector<T> class_edges(const Reference& reference) {
   const auto class_at = [&](int64_t position) {
     const T x = at_position<T>(position);
     value.compute(reference, &x, 1);
-    return class_of(value.rounded(0));
+    return std::fpclassify(value.rounded(0));
   };
   constexpr int64_t kStep = int64_t{1} << (format_of<T>.digits - 2);
   std::vector<T> edges;
-  Class before = class_at(-last_position<T>);
+  int before = class_at(-last_position<T>);
   for (int64_t i = -last_position<T>; i < last_position<T>; i += kStep) {
-    const Class after = class_at(i + kStep);
+    const int after = class_at(i + kStep);
     if (after != before) {
       int64_t left = i, right = i + kStep;
       while (right - left > 1) {
@@ -100,8 +82,7 @@ Arguments<T>::Arguments(const Row<T>& row, uint64_t seed) : row_(row), engine_(s
   edges_.insert(edges_.end(), changes.begin(), changes.end());
   for (double edge : branch_edges(row.name())) edges_.push_back(static_cast<T>(edge));
   std::sort(edges_.begin(), edges_.end());
-  const auto out_of_range = [](T x) { return !std::isfinite(x); };
-  edges_.erase(std::remove_if(edges_.begin(), edges_.end(), out_of_range), edges_.end());
+  std::erase_if(edges_, [](T x) { return !std::isfinite(x); });
 }
 
 template <class T>
