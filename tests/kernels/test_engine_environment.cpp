@@ -85,6 +85,37 @@ TEST_P(EngineEnvironment, ComesBackAndDoesNotMatter) {
 
 QOR_FOR_ALL_KERNELS(EngineEnvironment);
 
+// The x87 flags that Expm1 leaves when `pending` ones are up at entry.
+uint16_t x87_flags_after(uint16_t pending, const std::vector<double>& a) {
+  struct {
+    uint16_t control, none, status, rest[11];
+  } environment;
+  asm volatile("fnstenv %0" : "=m"(environment) : : "memory");
+  environment.status = pending;
+  asm volatile("fldenv %0" : : "m"(environment) : "memory");
+  std::vector<double> y(a.size() + 1);
+  _arkdExpm1(static_cast<int32_t>(a.size()), a.data(), y.data());
+  uint16_t status;
+  asm volatile("fnstsw %0\n\tfnclex" : "=a"(status) : : "memory");
+  return status & kStatus;
+}
+
+// The control word changes, so what was pending is lost, and what the arithmetic raises is up.
+TEST(X87Flags, OfExpm1ComeFromItsArguments) {
+  constexpr int kInvalid = 0x01, kX87DivideByZero = 0x04, kInexact = 0x20;
+  const std::vector<double> vectors[] = {{},    {0.0},   {0x1p-60},  {0x1p-54},  {0.01}, {-20.0},
+                                         {300}, {710.0}, {0.0, 0.5}, {0.5, 0.0}, {-50.0}};
+  for (const auto& a : vectors) {
+    const uint16_t raised = x87_flags_after(0, a);
+    for (const int pending : {kInexact, kX87DivideByZero, kInexact | kInvalid}) {
+      EXPECT_EQ(x87_flags_after(static_cast<uint16_t>(pending), a), raised)
+          << pending << " before " << testing::PrintToString(a);
+    }
+  }
+  EXPECT_EQ(x87_flags_after(0, {0.01}), kInexact);
+  EXPECT_EQ(x87_flags_after(0, {0.0}), 0);
+}
+
 // With nobody to hear of errors the values are the same, and the scalar routine of the exponentials
 // (which raises the flags of overflow and underflow) is not called.
 template <class T>
