@@ -20,7 +20,7 @@
 #include "bench/least_times.h"
 #include "bench/run_levels.h"
 #include "bench/vector_math/peers.h"
-#include "tests/support/evaluate.h"
+#include "reference/evaluate.h"
 #include "tools/page.h"
 
 namespace {
@@ -28,8 +28,8 @@ namespace {
 using qor::bench::add;
 using qor::bench::LeastTimes;
 using qor::bench::number;
-using qor::test::Call;
-using qor::test::Row;
+using qor::reference::Call;
+using qor::reference::Row;
 using qor::tools::PageLine;
 
 constexpr const char* kHead =
@@ -55,12 +55,12 @@ constexpr size_t kLong = size_t{1} << 20;
 // Vectors that a benchmark works on; they live as long as the program.
 template <class T>
 struct Vectors {
-  qor::test::Batch<T> batch;
-  qor::test::Results<T> results;
+  qor::reference::Batch<T> batch;
+  qor::reference::Results<T> results;
   Call<T> call;
 
-  explicit Vectors(const Row<T>& row) : batch(qor::test::Arguments<T>(row).ordinary(kCount)) {
-    call = qor::test::call_on(row, batch);
+  explicit Vectors(const Row<T>& row) : batch(qor::reference::Arguments<T>(row).ordinary(kCount)) {
+    call = qor::reference::call_on(row, batch);
     for (size_t k = 0; k < results.size(); ++k) {
       results[k].resize(kCount * static_cast<size_t>(row.shape.output_parts));
       call.out[k] = results[k].data();
@@ -152,7 +152,7 @@ void run_level(const qor::bench::Options& options, const std::string& only) {
   std::istringstream list(only);
   for (std::string name; std::getline(list, name, ',');) names.insert(name);
   const auto for_all = [&](auto action) {
-    for (const auto& any : qor::test::rows()) {
+    for (const auto& any : qor::reference::rows()) {
       std::visit(
           [&](const auto& row) {
             if (only.empty() || names.contains(row.name())) action(row);

@@ -19,7 +19,7 @@
 
 namespace {
 
-using qor::test::Row;
+using qor::reference::Row;
 using qor::tools::Measurement;
 using qor::tools::PageLine;
 
@@ -162,7 +162,7 @@ int main(int count, char** words) {
     return 0;
   }
   _arkSetMode(QOR_MODE_ERRORS_IGNORE);
-  for (const auto& any : qor::test::rows()) {
+  for (const auto& any : qor::reference::rows()) {
     std::visit([&](const auto& row) { measure(options, row); }, any);
   }
   return 0;

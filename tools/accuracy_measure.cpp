@@ -12,13 +12,13 @@
 #include <vector>
 
 #include "qor/vector_math.h"
-#include "tests/support/evaluate.h"
+#include "reference/evaluate.h"
 
 namespace qor::tools {
 
-using test::Batch;
-using test::Row;
-using test::Value;
+using reference::Batch;
+using reference::Row;
+using reference::Value;
 
 void Measurement::add(const Measurement& other) {
   if (other.worst > worst) {
@@ -36,11 +36,11 @@ namespace {
 // The same for complex elements, whose two parts are judged by themselves.
 template <class T>
 Measurement measure_batch(const Row<T>& row, int slot, const Batch<T>& batch) {
-  const test::Results<T> results = test::run(row, slot, batch);
+  const reference::Results<T> results = reference::run(row, slot, batch);
   Value<T> value;
   Measurement found;
-  for (int i = 0; i < test::count_of(row, batch); ++i) {
-    const auto numbers = test::numbers_of(row, batch, i);
+  for (int i = 0; i < reference::count_of(row, batch); ++i) {
+    const auto numbers = reference::numbers_of(row, batch, i);
     value.compute(*row.reference, numbers.data(), row.shape.numbers_in());
     for (int k = 0; k < row.shape.outputs * row.shape.output_parts; ++k) {
       const int parts = row.shape.output_parts;
@@ -70,8 +70,9 @@ inline double quick_error(float y, double r) {
   if (std::isinf(y)) return std::fabs(r) > surely_beyond ? 0 : std::nan("");
   const auto image = std::bit_cast<int64_t>(r);
   const auto biased = (image >> 52) & 0x7FF;
-  const int64_t exponent = std::max<int64_t>(biased - 1022, test::format_of<float>.min_exponent);
-  if (exponent > test::format_of<float>.max_exponent) return std::nan("");
+  const int64_t exponent =
+      std::max<int64_t>(biased - 1022, reference::format_of<float>.min_exponent);
+  if (exponent > reference::format_of<float>.max_exponent) return std::nan("");
   const double per_ulp = std::bit_cast<double>((1023 + 24 - exponent) << 52);
   return std::fabs(static_cast<double>(y) - r) * per_ulp;
 }
@@ -114,7 +115,7 @@ void sweep_pieces(const Row<float>& row, int slot, std::atomic<uint64_t>& next, 
     for (uint64_t i = 0; i < kPiece; ++i) {
       batch.in[0][i] = std::bit_cast<float>(static_cast<uint32_t>(first + i));
     }
-    const auto results = test::run(row, slot, batch);
+    const auto results = reference::run(row, slot, batch);
     for (int k = 0; k < row.shape.outputs; ++k) {
       for (uint64_t i = 0; i < kPiece; ++i) sweep.add(batch.in[0][i], k, results[k][i]);
     }
@@ -131,7 +132,7 @@ void sweep_pieces(const Row<float>& row, int slot, std::atomic<uint64_t>& next, 
 template <class T>
 Measurement measure_sample(const Row<T>& row, int slot, uint64_t count) {
   constexpr uint64_t kBatch = 4096;
-  test::Arguments<T> arguments(row);
+  reference::Arguments<T> arguments(row);
   Measurement found = measure_batch(row, slot, arguments.hard());
   for (uint64_t done = 0; done < count; done += kBatch) {
     found.add(measure_batch(row, slot, arguments.random(kBatch)));

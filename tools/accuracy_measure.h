@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "tests/support/rows.h"
+#include "reference/rows.h"
 
 namespace qor::tools {
 
@@ -21,10 +21,10 @@ struct Measurement {
 
 // At the hard arguments and at `count` random ones, the same in every run.
 template <class T>
-Measurement measure_sample(const test::Row<T>& row, int slot, uint64_t count);
+Measurement measure_sample(const reference::Row<T>& row, int slot, uint64_t count);
 
 // At all 2^32 arguments of a function of one float with values in double for each of its outputs,
 // on this many threads. Progress goes to standard error when that is a terminal.
-Measurement measure_all(const test::Row<float>& row, int slot, int threads);
+Measurement measure_all(const reference::Row<float>& row, int slot, int threads);
 
 }  // namespace qor::tools

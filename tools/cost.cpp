@@ -20,12 +20,12 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/evaluate.h"
+#include "reference/evaluate.h"
 #include "tools/levels.h"
 
 namespace {
 
-using qor::test::Row;
+using qor::reference::Row;
 
 // Figures that are given: rows by name, and round fillers by their value.
 constexpr std::string_view kGivenRows[] = {
@@ -66,9 +66,9 @@ template <class T>
 double cycles_per_element(const Row<T>& row, int slot) {
   constexpr size_t kCount = 1024;
   constexpr int kRepetitions = 3000;
-  const auto batch = qor::test::Arguments<T>(row).ordinary(kCount);
-  auto results = qor::test::run(row, slot, batch);
-  auto call = qor::test::call_on(row, batch);
+  const auto batch = qor::reference::Arguments<T>(row).ordinary(kCount);
+  auto results = qor::reference::run(row, slot, batch);
+  auto call = qor::reference::call_on(row, batch);
   for (size_t k = 0; k < results.size(); ++k) call.out[k] = results[k].data();
   const double scale = cycles_per_tick();
   return scale * least_ticks(kRepetitions, [&] { row.run(slot, call); }) / kCount;
@@ -79,7 +79,7 @@ void print_figures(const Row<T>& row) {
   if (!is_open(row.name(), row.costs[0])) return;
   std::map<char, double> by_kernel;
   std::printf("%s", row.name().c_str());
-  for (int slot = 0; slot < qor::test::slots; ++slot) {
+  for (int slot = 0; slot < qor::reference::slots; ++slot) {
     const auto [figure, fresh] = by_kernel.emplace(row.kernels[static_cast<size_t>(slot)], 0.0);
     if (fresh) figure->second = cycles_per_element(row, slot);
     std::printf(" %.2f", figure->second);
@@ -106,7 +106,7 @@ std::string with_figures(const std::string& list, const std::vector<std::string>
     if (found == figures.end()) continue;
     size_t first = line.find(')');
     const size_t end = first;
-    for (int field = 0; field < qor::test::slots; ++field) first = line.rfind(',', first - 1);
+    for (int field = 0; field < qor::reference::slots; ++field) first = line.rfind(',', first - 1);
     line.replace(first + 2, end - first - 2, found->second);
   }
   return output.str();
@@ -131,7 +131,7 @@ int main(int count, char** words) {
     }
   }
   if (measure) {
-    for (const auto& any : qor::test::rows()) {
+    for (const auto& any : qor::reference::rows()) {
       std::visit([](const auto& row) { print_figures(row); }, any);
     }
     return 0;

@@ -4,7 +4,7 @@
 #include <map>
 #include <sstream>
 
-#include "tests/support/rows.h"
+#include "reference/rows.h"
 #include "tools/section.h"
 
 namespace qor::tools {
@@ -12,7 +12,7 @@ namespace {
 
 std::map<std::string, size_t> table_order() {
   std::map<std::string, size_t> order;
-  for (const test::AnyRow& any : test::rows()) {
+  for (const reference::AnyRow& any : reference::rows()) {
     const std::string name = std::visit([](const auto& row) { return row.name(); }, any);
     order.emplace(name, order.size());
   }

@@ -7,7 +7,7 @@
 namespace qor::bench {
 
 template <int register_bytes, class T>
-void apply(void* function, int inputs, const test::Call<T>& call) {
+void apply(void* function, int inputs, const reference::Call<T>& call) {
   typedef T V [[gnu::vector_size(register_bytes)]];
   constexpr int kLanes = register_bytes / static_cast<int>(sizeof(T));
   const auto load = [](const T* from) {
@@ -24,7 +24,7 @@ void apply(void* function, int inputs, const test::Call<T>& call) {
   }
 }
 
-template void apply<QOR_REGISTER_BYTES>(void*, int, const test::Call<float>&);
-template void apply<QOR_REGISTER_BYTES>(void*, int, const test::Call<double>&);
+template void apply<QOR_REGISTER_BYTES>(void*, int, const reference::Call<float>&);
+template void apply<QOR_REGISTER_BYTES>(void*, int, const reference::Call<double>&);
 
 }  // namespace qor::bench

@@ -7,8 +7,8 @@
 namespace qor::bench {
 namespace {
 
-using test::Call;
-using test::Row;
+using reference::Call;
+using reference::Row;
 
 // What a level is to libmvec and SLEEF.
 struct Level {

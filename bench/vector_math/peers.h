@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/rows.h"
+#include "reference/rows.h"
 
 namespace qor::bench {
 
 template <class T>
 struct Peer {
   std::string library;
-  std::function<void(const test::Call<T>& call)> run;
+  std::function<void(const reference::Call<T>& call)> run;
 };
 
 inline constexpr const char* peer_libraries[] = {"libm", "libmvec", "SLEEF", "compiler"};
@@ -21,11 +21,11 @@ inline constexpr const char* peer_libraries[] = {"libm", "libmvec", "SLEEF", "co
 // ones), and for functions of an operator or an instruction the loop that the compiler vectorises
 // for the level. Counts are multiples of a register's.
 template <class T>
-std::vector<Peer<T>> peers_of(const test::Row<T>& row, const std::string& level);
+std::vector<Peer<T>> peers_of(const reference::Row<T>& row, const std::string& level);
 
 // A vector function of a library, registers of this many bytes in and out.
 template <int register_bytes, class T>
-void apply(void* function, int inputs, const test::Call<T>& call);
+void apply(void* function, int inputs, const reference::Call<T>& call);
 
 // The compiler's own loop of a function at a level, null where there is none.
 using Loop = void (*)(int32_t n, const void* a, const void* b, void* y);

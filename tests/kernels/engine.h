@@ -9,10 +9,12 @@
 #include <vector>
 
 #include "qor/vector_math.h"
-#include "tests/support/evaluate.h"
+#include "reference/evaluate.h"
 #include "tests/support/reports.h"
 
 namespace qor::test {
+
+using namespace reference;
 
 // The IEEE flags that tests look at: all but inexact.
 inline constexpr int kFlags = FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW | FE_UNDERFLOW;

@@ -3,9 +3,9 @@
 
 #include <type_traits>
 
-#include "tests/support/rows.h"
+#include "reference/rows.h"
 
-namespace qor::test {
+namespace qor::reference {
 
 // Elements of a vector of numbers.
 template <class E, class T>
@@ -89,4 +89,4 @@ struct Signature<void (*)(int32_t, const T*, const T*, T, T, T, T, T*), T> {
   }
 };
 
-}  // namespace qor::test
+}  // namespace qor::reference

@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <initializer_list>
 
-namespace qor::test {
+namespace qor::reference {
 
 // The format that results are rounded to.
 struct Format {
@@ -95,4 +95,4 @@ class Value {
 extern template class Value<float>;
 extern template class Value<double>;
 
-}  // namespace qor::test
+}  // namespace qor::reference

@@ -8,9 +8,9 @@
 #include <random>
 #include <vector>
 
-#include "tests/support/rows.h"
+#include "reference/rows.h"
 
-namespace qor::test {
+namespace qor::reference {
 
 // The numbers of a type in their order as integers: neighbours differ by 1, both zeros are 0.
 inline int64_t position(float x) {
@@ -81,4 +81,4 @@ extern template class Arguments<double>;
 // Where the kernels of a row change their way, from the kernels' own limits.
 std::vector<double> branch_edges(std::string_view row);
 
-}  // namespace qor::test
+}  // namespace qor::reference

@@ -4,9 +4,9 @@
 #include "kernels/exp_limits.h"
 #include "kernels/log_limits.h"
 #include "kernels/root_limits.h"
-#include "tests/support/arguments.h"
+#include "reference/arguments.h"
 
-namespace qor::test {
+namespace qor::reference {
 namespace {
 
 namespace limits = kernels::limits;
@@ -75,4 +75,4 @@ std::vector<double> branch_edges(std::string_view row) {
   return {};
 }
 
-}  // namespace qor::test
+}  // namespace qor::reference

@@ -1,9 +1,9 @@
-#include "tests/support/arguments.h"
+#include "reference/arguments.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace qor::test {
+namespace qor::reference {
 namespace {
 
 // The last number before the class of the result changes, for every change that a walk in half
@@ -234,4 +234,4 @@ Batch<T> Arguments<T>::ordinary(size_t count) {
 template class Arguments<float>;
 template class Arguments<double>;
 
-}  // namespace qor::test
+}  // namespace qor::reference

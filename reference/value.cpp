@@ -4,9 +4,9 @@
 #include <cmath>
 #include <limits>
 
-#include "tests/support/reference.h"
+#include "reference/reference.h"
 
-namespace qor::test {
+namespace qor::reference {
 namespace {
 
 // The sign of a NaN included, which functions that copy signs look at.
@@ -82,4 +82,4 @@ double Value<T>::error(int k, T computed) const {
 template class Value<float>;
 template class Value<double>;
 
-}  // namespace qor::test
+}  // namespace qor::reference

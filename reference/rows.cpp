@@ -1,13 +1,13 @@
-#include "tests/support/rows.h"
+#include "reference/rows.h"
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 
 #include "qor/vector_math.h"
-#include "tests/support/signature.h"
+#include "reference/signature.h"
 
-namespace qor::test {
+namespace qor::reference {
 namespace {
 
 template <class T>
@@ -89,4 +89,4 @@ std::string reported_name(std::string_view row, bool strided) {
   return std::string("v").append(row).append(strided && carries ? "I" : "");
 }
 
-}  // namespace qor::test
+}  // namespace qor::reference

@@ -9,9 +9,9 @@
 #include <variant>
 #include <vector>
 
-#include "tests/support/reference.h"
+#include "reference/reference.h"
 
-namespace qor::test {
+namespace qor::reference {
 
 inline constexpr int slots = 3;  // LA, HA, EP
 inline constexpr int LA = 0, HA = 1, EP = 2;
@@ -65,4 +65,4 @@ const std::vector<AnyRow>& rows();
 // The names that a row's kernels report: that of the strided one carries the I only in some rows.
 std::string reported_name(std::string_view row, bool strided);
 
-}  // namespace qor::test
+}  // namespace qor::reference

@@ -5,9 +5,9 @@
 #include <bit>
 #include <cmath>
 
-#include "tests/support/arguments.h"
+#include "reference/arguments.h"
 
-namespace qor::test {
+namespace qor::reference {
 
 template <class T>
 using Results = std::array<std::vector<T>, 2>;
@@ -63,4 +63,4 @@ bool equal_results(T x, T y) {
   return x == y && std::signbit(x) == std::signbit(y);
 }
 
-}  // namespace qor::test
+}  // namespace qor::reference

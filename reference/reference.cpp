@@ -1,8 +1,8 @@
-#include "tests/support/reference.h"
+#include "reference/reference.h"
 
 #include <cmath>
 
-namespace qor::test {
+namespace qor::reference {
 namespace {
 
 using Out = mpfr_ptr const*;
@@ -224,4 +224,4 @@ const Reference LinearFrac{linear_fraction, 6.0, 5.0, kSilent, nullptr, nullptr,
 
 }  // namespace references
 
-}  // namespace qor::test
+}  // namespace qor::reference
