@@ -36,6 +36,10 @@ using I = typename Lanes<T>::I;
 template <class T>
 using Pair = lanes::Two<V<T>>;
 
+// Registers a step; the paths of float are short enough for two.
+template <class T>
+inline constexpr int registers = std::is_same_v<T, float> ? 2 : 1;
+
 // ---- Parts ----------------------------------------------------------------------------------
 
 // Images of 1 and of the parts of a number.
