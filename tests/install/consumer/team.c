@@ -1,5 +1,10 @@
-/* The default team of threads, as a program finds it beside the library. */
+/* The default team of threads, as a program finds it beside the library; with all headers, as C. */
+#include <qor/distributions.h>
+#include <qor/fitting.h>
+#include <qor/services.h>
+#include <qor/statistics.h>
 #include <qor/team.h>
+#include <qor/vector_math.h>
 #include <stdio.h>
 
 static void mark(int64_t item, int64_t thread_index, int64_t threads, void* marks) {
