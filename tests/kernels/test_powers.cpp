@@ -1,9 +1,15 @@
-// Powx: what only it has. (The paths of its exponents: special_values.txt.)
+// Powers: what no other function has. (The paths of Powx by its exponent: special_values.txt.)
 
 #include "tests/kernels/engine.h"
 
 namespace qor::test {
 namespace {
+
+TEST(Pow, OfDoublesHasAKernelOfItsOwnForHighAccuracy) {
+  EXPECT_EQ(qor_ark_kernel_dPow_ttab[LA], qor_ark_kernel_dPow_ttab[EP]);
+  EXPECT_NE(qor_ark_kernel_dPow_ttab[LA], qor_ark_kernel_dPow_ttab[HA]);
+  EXPECT_NE(qor_ark_kernel_dPowI_ttab[LA], qor_ark_kernel_dPowI_ttab[HA]);
+}
 
 TEST(Powx, OfAnExponentOfZeroDoesNotReadItsVector) {
   for (const double zero : {0.0, -0.0}) {
