@@ -54,7 +54,10 @@ struct Abs : Simple<T, 1> {
   using typename Simple<T, 1>::V;
   static constexpr Environment environment{X87::masks, Mxcsr::mask};
 
-  V core(V x) const { return x * lanes::with_sign(lanes::all(T{1}), x); }
+  V core(V argument) const {
+    const V x = lanes::loaded_once(argument);
+    return x * lanes::with_sign(lanes::all(T{1}), x);
+  }
 };
 
 }  // namespace

@@ -105,7 +105,9 @@ inline V half_away(V x) {
   constexpr T half = T{1} / 2;
   if constexpr (lanes::has_round) {
     constexpr T below_half = half - std::numeric_limits<T>::epsilon() / 4;
-    return lanes::round_to<Direction::to_zero>(x + lanes::with_sign(lanes::all(below_half), x));
+    const V once = lanes::loaded_once(x);
+    return lanes::round_to<Direction::to_zero>(once +
+                                               lanes::with_sign(lanes::all(below_half), once));
   }
   const Shifted<V> s = shift(x);
   return s.finish(s.nearest + one_where<V>(s.magnitude - s.nearest == half));

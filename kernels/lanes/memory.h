@@ -19,6 +19,14 @@ inline typename Lanes<T>::V load(const T* from) {
   return x;
 }
 
+// x in a register. g++ may give each operation that takes x a load of its own, and those that cross
+// a cache line then cost more than the operations.
+template <class V>
+inline V loaded_once(V x) {
+  asm("" : "+v"(x));
+  return x;
+}
+
 template <class T>
 inline void store(T* to, typename Lanes<T>::V x) {
   std::memcpy(to, &x, sizeof x);
