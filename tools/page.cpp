@@ -61,17 +61,18 @@ void write_page(const std::string& path, const std::string& title, const char* h
     }
   }
   const auto order = table_order();
-  std::erase_if(lines, [&](const PageLine& line) {
-    return line.size() != titles.size() || !order.contains(line[0]);
-  });
-  std::stable_sort(lines.begin(), lines.end(), [&](const PageLine& a, const PageLine& b) {
-    return std::pair(order.at(a[0]), a[2]) < std::pair(order.at(b[0]), b[2]);
-  });
+  // By function and level; of these in the order that they have.
+  std::multimap<std::pair<size_t, std::string>, PageLine> sorted;
+  for (const PageLine& line : lines) {
+    if (line.size() == titles.size() && order.contains(line[0])) {
+      sorted.emplace(std::pair(order.at(line[0]), line[2]), line);
+    }
+  }
   std::string text = head;
   const auto add = [&](const PageLine& line) { text.append(to_text(line)).append("\n"); };
   add(titles);
   add(PageLine(titles.size(), "---"));
-  for (const PageLine& line : lines) add(line);
+  for (const auto& [key, line] : sorted) add(line);
   write_section(path, title, text);
 }
 
