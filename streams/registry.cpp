@@ -50,7 +50,8 @@ constexpr BrngProperties kRows[] = {
 };
 constexpr auto kRowCount = static_cast<int32_t>(std::size(kRows));
 
-struct Table {
+// Seen from outside it is an array, which callers may take to be aligned as the ABI has arrays.
+struct alignas(16) Table {
   BrngProperties rows[QOR_BRNG_ROWS];
 };
 
