@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "tests/fitting/spline_case.h"
-#include "tests/fitting/teams.h"
+#include "tests/support/teams.h"
 #include "tests/support/services_interposer.h"
 
 namespace qor::test {

@@ -1,7 +1,7 @@
 // Interpolation and integration on teams: the same bits with every team, statuses from any member.
 
 #include "tests/fitting/pieces.h"
-#include "tests/fitting/teams.h"
+#include "tests/support/teams.h"
 
 #ifdef QOR_HAS_TEAM
 #include <atomic>

@@ -2,11 +2,10 @@
 #pragma once
 
 #include <algorithm>
-#include <thread>
 #include <vector>
 
-#include "qor/thread_hook.h"
 #include "tests/statistics/api.h"
+#include "tests/support/teams.h"
 
 namespace qor::test {
 
@@ -185,21 +184,11 @@ void expect_near(const Results<Real>& results, const Values& values, const Asked
 // ---- Teams of threads --------------------------------------------------------------------------
 
 inline int64_t offered_threads = 1;
-inline int64_t last_team_size = 0;  // of a team that ran in order
+inline int64_t last_team_size = 0;  // of a team that told it
 
-using TeamRunner = void (*)(int64_t, void*, qor_team_routine);
-
-inline void run_team_in_order(int64_t threads, void* context, qor_team_routine routine) {
+inline void run_team_and_tell_its_size(int64_t threads, void* context, qor_team_routine routine) {
   last_team_size = threads;
-  for (int64_t t = 0; t < threads; ++t) routine(t, 0, threads, context);
-}
-inline void run_team_in_reverse(int64_t threads, void* context, qor_team_routine routine) {
-  for (int64_t t = threads; t-- > 0;) routine(t, 0, threads, context);
-}
-inline void run_team_on_threads(int64_t threads, void* context, qor_team_routine routine) {
-  std::vector<std::thread> team;
-  for (int64_t t = 0; t < threads; ++t) team.emplace_back(routine, t, 0, threads, context);
-  for (std::thread& member : team) member.join();
+  run_members<run_in_order>(threads, context, routine);
 }
 
 // A hook that offers so many threads; the last one made tells how many all of them offer.

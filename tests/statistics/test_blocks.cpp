@@ -27,7 +27,8 @@ TYPED_TEST(Blocks, Threads) {
     SCOPED_TRACE(::testing::PrintToString(c));
     const auto s = small_sample<TypeParam>(25000, 3, weighted);
     std::vector<Results<TypeParam>> results;
-    for (const TeamRunner run : {run_team_in_order, run_team_in_reverse, run_team_on_threads}) {
+    for (const TeamRunner run :
+         {run_team_and_tell_its_size, run_members<run_in_reverse>, run_members<run_on_threads>}) {
       const ThreadHook hook = team_hook(threads, run);
       results.push_back(compute(s, {.method = method, .hook = &hook}));
     }
@@ -52,7 +53,7 @@ TYPED_TEST(Blocks, SizeOfTheTeam) {
                         {1, 30000, mean, 0}, {47, 2000, mean, 2}, {48, 2000, mean, 3},
                         {8192, 3, mean, 3},  {8192, 2, cov, 0},   {24576, 2, cov, 3},
                         {99999, 1, mean, 5}};
-  const ThreadHook hook = team_hook(5, run_team_in_order);
+  const ThreadHook hook = team_hook(5, run_team_and_tell_its_size);
   for (const auto& [n, p, mask, members] : cases) {
     const std::vector<Real> x(static_cast<size_t>(n * p), Real{1});
     std::vector<Real> means(static_cast<size_t>(p)), matrix(4);

@@ -151,7 +151,7 @@ TYPED_TEST(Edges, SavedMeans) {
 TYPED_TEST(Edges, MemoryEnds) {
   using Real = TypeParam;
   const auto s = small_sample<Real>(25000, 3, true);
-  const ThreadHook team = team_hook(3, run_team_in_order);
+  const ThreadHook team = team_hook(3, run_members<run_in_order>);
   const int32_t indices[3] = {1, 1, 0};
   for (const uint64_t method : {kOnePass, kFast, kGiven, kSums}) {
     const uint64_t mask =

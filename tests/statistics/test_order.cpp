@@ -1,9 +1,9 @@
 // Quantiles, order statistics and sorting against the sorted values: by selection and by sorting,
 // with the same bits, in all layouts, on all teams.
 
-#include "tests/fitting/teams.h"
 #include "tests/statistics/api.h"
 #include "tests/statistics/patterns.h"
+#include "tests/support/teams.h"
 
 namespace qor::test {
 namespace {

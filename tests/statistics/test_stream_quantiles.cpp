@@ -1,8 +1,8 @@
 // Streaming quantiles: the rank error, the independence of blocks and teams, the state's life.
 
-#include "tests/fitting/teams.h"
 #include "tests/statistics/api.h"
 #include "tests/statistics/patterns.h"
+#include "tests/support/teams.h"
 
 namespace qor::test {
 namespace {

@@ -43,6 +43,13 @@ constexpr ThreadHook hook_of(ItemRunner run) {
   return {run, run, nullptr, nullptr, thread_count<Threads>};
 }
 
+// A team whose members are run as items.
+using TeamRunner = void (*)(int64_t, void*, qor_team_routine);
+template <ItemRunner run>
+void run_members(int64_t threads, void* context, qor_team_routine routine) {
+  run(threads, threads, context, routine);
+}
+
 // Every runner with 1, 2, 3 and 7 threads.
 inline std::vector<ThreadHook> test_hooks() {
   std::vector<ThreadHook> hooks;
