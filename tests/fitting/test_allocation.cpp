@@ -4,27 +4,15 @@
 #include <functional>
 
 #include "tests/fitting/spline_case.h"
-#include "tests/support/teams.h"
 #include "tests/support/services_interposer.h"
+#include "tests/support/teams.h"
 
 namespace qor::test {
 namespace {
 
-// Runs with the first, the second ... allocation failing until none fails; how many there were.
-long failures_survived(const std::function<int()>& run) {
-  const long before = live_blocks();
-  for (long failing = 0;; ++failing) {
-    int status;
-    bool reached;
-    {
-      const FailingAllocations guard(failing);
-      status = run();
-      reached = guard.asked() > failing;
-    }
-    EXPECT_EQ(live_blocks(), before);
-    EXPECT_EQ(status, reached ? QOR_DF_NO_MEMORY : QOR_DF_OK);
-    if (!reached || status != QOR_DF_NO_MEMORY) return failing;
-  }
+// How many allocations of the call failed and were told, one after the other.
+long survived(const std::function<int()>& call) {
+  return failures_survived(QOR_DF_NO_MEMORY, [&] { return call; });
 }
 
 template <class Real>
@@ -43,7 +31,7 @@ TYPED_TEST(Allocation, OfTasks) {
     qor_df_kernel_DeleteTask(&task);
     return status;
   };
-  EXPECT_EQ(failures_survived(make_and_delete), 3);
+  EXPECT_EQ(survived(make_and_delete), 3);
   const Task<Real> task(20, x, 1, 2, y);
   ASSERT_EQ(task.spline(4, 5, c), 0);
   const std::function<int()> replacements[] = {
@@ -51,7 +39,7 @@ TYPED_TEST(Allocation, OfTasks) {
       [&] { return A::edit_pointer(task, QOR_DF_SCOEFF, c); }, [&] { return task.spline(4, 5, c); },
       [&] { return qor_df_kernel_iEditVal(task, QOR_DF_X_HINT, 1); }};
   for (const auto& edit : replacements) {
-    EXPECT_EQ(failures_survived(edit), 1);
+    EXPECT_EQ(survived(edit), 1);
     EXPECT_EQ(entry_of(task, QOR_DF_Y, 1), y + 20);
     EXPECT_EQ(entry_of(task, QOR_DF_SCOEFF, 0), c);
   }
@@ -78,7 +66,7 @@ TYPED_TEST(Allocation, OfKernels) {
       EXPECT_EQ(c[0] == 77, status != 0);
       return status;
     };
-    EXPECT_EQ(failures_survived(construct), shape.is(Kind::linear) ? 0 : 1);
+    EXPECT_EQ(survived(construct), shape.is(Kind::linear) ? 0 : 1);
   }
 }
 
@@ -93,7 +81,7 @@ TYPED_TEST(Allocation, OfSearchAndResults) {
     const auto search = [&] {
       return task.search({0, 3}, cell.data(), {.hint = 4, .nsite = nsite});
     };
-    EXPECT_EQ(failures_survived(search), nsite - 4096);
+    EXPECT_EQ(survived(search), nsite - 4096);
   }
   const ThreadHook hook = hook_of<3>(run_in_order);
   for (const int64_t layout : {16, 32, 256}) {
@@ -103,9 +91,9 @@ TYPED_TEST(Allocation, OfSearchAndResults) {
     const auto integrate = [&] {
       return task.integrate(site, site, r.data(), {.layout = layout, .hook = &hook});
     };
-    EXPECT_EQ(failures_survived(interpolate), layout == 16 ? 0 : 1);
+    EXPECT_EQ(survived(interpolate), layout == 16 ? 0 : 1);
     if (layout == 256) continue;
-    EXPECT_EQ(failures_survived(integrate), layout == 16 ? 0 : 1);
+    EXPECT_EQ(survived(integrate), layout == 16 ? 0 : 1);
   }
 }
 

@@ -156,7 +156,7 @@ TYPED_TEST(Edges, MemoryEnds) {
   for (const uint64_t method : {kOnePass, kFast, kGiven, kSums}) {
     const uint64_t mask =
         method == kSums ? QOR_SS_ESTIMATE_MEAN | QOR_SS_ESTIMATE_CORRELATION : kAll;
-    const long failures = failures_survived([&] {
+    const long failures = failures_survived(QOR_SS_NO_MEMORY, [&] {
       auto results = std::make_shared<Results<Real>>(3);
       auto task = std::make_shared<Task<Real>>(3, s.n, QOR_SS_BY_OBSERVATION, s.rows.data(),
                                                s.weights.data());

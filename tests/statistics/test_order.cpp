@@ -245,7 +245,7 @@ TYPED_TEST(OrderAllocation, OfEstimators) {
   task.set_number(QOR_SS_SORTED_OUTPUT_STORAGE, QOR_SS_BY_OBSERVATION);
   const auto failures = [&](auto entry, uint64_t estimates, uint64_t method) {
     return failures_survived(
-        [&] { return [&] { return entry(task, estimates, method, nullptr); }; });
+        QOR_SS_NO_MEMORY, [&] { return [&] { return entry(task, estimates, method, nullptr); }; });
   };
   const uint64_t extremes = QOR_SS_ESTIMATE_MIN | QOR_SS_ESTIMATE_MAX;
   EXPECT_EQ(failures(A::min_max, extremes, QOR_SS_METHOD_FAST), 0);

@@ -2,6 +2,8 @@
 // that a test can make an allocation fail, count blocks and read what was printed.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -26,6 +28,27 @@ class FailingAllocations {
 
 // Blocks of qor_serv_allocate that live now.
 long live_blocks();
+
+// Runs what prepare() makes with the first, the second ... allocation failing until none fails:
+// each failure has the status `no_memory`, success 0, and nothing is lost. Returns how many there
+// were.
+template <class Prepare>
+long failures_survived(int no_memory, Prepare prepare) {
+  for (long failing = 0;; ++failing) {
+    const long before = live_blocks();
+    bool reached;
+    int status;
+    {
+      auto run = prepare();
+      const FailingAllocations guard(failing);
+      status = run();
+      reached = guard.asked() > failing;
+    }
+    EXPECT_EQ(live_blocks(), before);
+    EXPECT_EQ(status, reached ? no_memory : 0);
+    if (!reached || status != no_memory) return failing;
+  }
+}
 
 // Messages printed since the last call.
 std::vector<PrintedMessage> take_printed_messages();
