@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <string>
 #include <thread>
 
 #include "qor/vector_math.h"
+#include "tests/support/tables.h"
 
 namespace {
 
@@ -23,16 +23,11 @@ uint32_t first_mode(const std::string& value) {
 }
 
 TEST(Mode, FirstValueFromTheEnvironment) {
-  std::ifstream table(QOR_SOURCE "/tests/frame/modes.txt");
-  int cases = 0;
-  for (std::string line; std::getline(table, line);) {
-    if (line.empty() || line[0] == '#') continue;
+  for (const auto& [place, line] : qor::test::table_lines("frame/modes.txt", 30)) {
     const size_t quote = line.find('"');
     const std::string value = line.substr(quote + 1, line.size() - quote - 2);
-    EXPECT_EQ(first_mode(value), std::stoul(line, nullptr, 16)) << value;
-    ++cases;
+    EXPECT_EQ(first_mode(value), std::stoul(line, nullptr, 16)) << place;
   }
-  EXPECT_GT(cases, 30);
 }
 
 TEST(Mode, ValueLengthLimit) {

@@ -5,11 +5,11 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "qor/vector_math.h"
+#include "tests/support/tables.h"
 
 namespace {
 
@@ -28,15 +28,12 @@ const char* symbol(const std::string& name) {
 
 // The file holds every name of the finished table, in order.
 TEST(Rows, StandInTableOrder) {
-  std::ifstream file(QOR_SOURCE "/tests/frame/table_order.txt");
+  const auto names = qor::test::table_lines("frame/table_order.txt");
   auto row = kRows.begin();
-  int names = 0;
-  for (std::string line; std::getline(file, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    ++names;
+  for (const auto& [place, line] : names) {
     if (row != kRows.end() && *row == line) ++row;
   }
-  EXPECT_EQ(names, 440);
+  EXPECT_EQ(names.size(), 440u);
   EXPECT_TRUE(row == kRows.end()) << *row << " is unknown, or stands before its place";
 }
 

@@ -1,31 +1,29 @@
 // Special values: the cases of special_values.txt through every kernel of their function,
 // contiguous and strided, with what is reported and which flags rise.
 
-#include <fstream>
-#include <optional>
 #include <sstream>
 #include <utility>
 
 #include "tests/kernels/engine.h"
+#include "tests/support/tables.h"
 
 namespace qor::test {
 namespace {
 
 struct Case {
-  int line = 0;
-  std::string function;
+  std::string place, function;
   std::vector<std::string> arguments, results;
   int code = 0, flags = 0, watched = kFlags;
   std::string reporter;
   bool flush = false;
 };
 
-std::optional<Case> parse(const std::string& text, int line) {
-  std::istringstream stream(text.substr(0, text.find('#')));
+Case parse(const TableLine& line) {
+  std::istringstream stream(line.text.substr(0, line.text.find('#')));
   Case one;
-  one.line = line;
-  if (!(stream >> one.function)) return std::nullopt;
+  one.place = line.place;
   std::string word;
+  stream >> one.function;
   while (stream >> word && word != "->") one.arguments.push_back(word);
   while (stream >> word && word != ":") one.results.push_back(word);
   stream >> one.code;
@@ -49,10 +47,8 @@ std::optional<Case> parse(const std::string& text, int line) {
 
 std::vector<Case> read_cases() {
   std::vector<Case> cases;
-  std::ifstream file(QOR_SOURCE "/tests/kernels/special_values.txt");
-  int number = 0;
-  for (std::string line; std::getline(file, line);) {
-    if (auto one = parse(line, ++number)) cases.push_back(*one);
+  for (const TableLine& line : table_lines("kernels/special_values.txt")) {
+    cases.push_back(parse(line));
   }
   return cases;
 }
@@ -141,14 +137,12 @@ class EngineSpecialValues : public KernelTest {};
 // Inside whole registers of any level, and in a tail.
 TEST_P(EngineSpecialValues, AreTheirCases) {
   static const std::vector<Case> cases = read_cases();
-  ASSERT_FALSE(cases.empty());
   with_row([](const auto& row, int slot) {
     for (const Case& one : cases) {
       const bool both = one.function[0] == '*';
       if (both ? one.function.substr(1) != row.base : one.function != row.name()) continue;
       for (const bool strided : {false, true}) {
-        SCOPED_TRACE(testing::Message()
-                     << "special_values.txt:" << one.line << (strided ? " strided" : ""));
+        SCOPED_TRACE(one.place + (strided ? " strided" : ""));
         CaseRun(row, slot, one, 35, 17).expect(strided);
         CaseRun(row, slot, one, 3, 1).expect(strided);
       }

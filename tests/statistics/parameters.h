@@ -1,27 +1,14 @@
 // The table of parameters.txt, and the fields of the record that it names.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "statistics/task.h"
+#include "tests/support/tables.h"
 
 namespace qor::test {
-
-// The lines of a text table beside this file, without comments and empty ones.
-inline std::vector<std::istringstream> table_lines(const std::string& name) {
-  std::ifstream file(QOR_SOURCE "/tests/statistics/" + name);
-  std::vector<std::istringstream> lines;
-  for (std::string text; std::getline(file, text);) {
-    if (!text.empty() && text[0] != '#') lines.emplace_back(text);
-  }
-  EXPECT_FALSE(lines.empty()) << name;
-  return lines;
-}
 
 struct Parameter {
   int64_t code;
@@ -35,7 +22,8 @@ struct Parameter {
 inline const std::vector<Parameter>& parameters() {
   static std::vector<Parameter> all;
   if (all.empty()) {
-    for (std::istringstream& line : table_lines("parameters.txt")) {
+    for (const auto& [place, text] : table_lines("statistics/parameters.txt")) {
+      std::istringstream line(text);
       Parameter& p = all.emplace_back();
       line >> p.code >> p.kind >> p.place >> p.null_status >> p.name >> p.whole;
     }

@@ -32,7 +32,8 @@ std::vector<uint64_t> masks(const std::string& list) {
 
 std::vector<Call> read_calls(const std::string& table) {
   std::vector<Call> calls;
-  for (std::istringstream& line : table_lines(table)) {
+  for (const auto& [place, text] : table_lines("statistics/" + table)) {
+    std::istringstream line(text);
     std::string first, entry, estimates, methods, value;
     int status;
     line >> first;

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 #include <functional>
 #include <memory>
 #include <sstream>
@@ -16,24 +15,11 @@
 #include "qor/services.h"
 #include "qor/streams.h"
 #include "tests/support/services_interposer.h"
+#include "tests/support/tables.h"
 
 namespace qor::test {
 
 using Bytes = std::vector<unsigned char>;
-
-// Calls `use` with each line of a table of this folder but for its header.
-inline void for_each_line(const char* name, const std::function<void(std::istringstream&)>& use) {
-  std::ifstream table(std::string(QOR_SOURCE "/tests/streams/") + name);
-  int lines = 0;
-  for (std::string line; std::getline(table, line);) {
-    if (line[0] == '#') continue;
-    SCOPED_TRACE(line);
-    std::istringstream in(line);
-    use(in);
-    ++lines;
-  }
-  EXPECT_GT(lines, 10) << name;
-}
 
 struct DeleteStream {
   void operator()(StreamState* stream) const { __ostDeleteStream(&stream); }

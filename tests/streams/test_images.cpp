@@ -36,7 +36,9 @@ Stream with_chunks(int32_t brng) {
 // Loads the images of images.txt: the sound ones, which it saves again, or those that are refused.
 void load_written_images(bool sound) {
   std::vector<Bytes> images;
-  for_each_line("images.txt", [&](std::istringstream& in) {
+  for (const auto& [place, text] : table_lines("streams/images.txt", 10)) {
+    SCOPED_TRACE(place);
+    std::istringstream in(text);
     std::string from_file, from_memory;
     size_t saved_as = 0;
     in >> from_file >> from_memory >> saved_as;
@@ -45,7 +47,7 @@ void load_written_images(bool sound) {
       for (size_t k = 0; k < field.size(); k += 2)
         image.push_back(static_cast<unsigned char>(std::stoi(field.substr(k, 2), nullptr, 16)));
     }
-    if (sound != (saved_as != 0)) return;
+    if (sound != (saved_as != 0)) continue;
     const Answer file = load_file(image), memory = load_memory(image);
     EXPECT_EQ(file.what, from_file + (sound ? " made" : " null"));
     EXPECT_EQ(memory.what, from_memory + (sound ? " made" : " null"));
@@ -53,7 +55,7 @@ void load_written_images(bool sound) {
       if (*loaded == nullptr) continue;
       EXPECT_EQ(image_of(*loaded), images.at(saved_as - 1));
     }
-  });
+  }
 }
 
 TEST(Images, StreamsGoOn) {

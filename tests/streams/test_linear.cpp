@@ -48,7 +48,9 @@ uint64_t hash(const std::vector<Value>& values) {
 }
 
 TEST(LinearGenerators, KnownAnswers) {
-  for_each_line("golden.txt", [](std::istringstream& in) {
+  for (const auto& [place, text] : table_lines("streams/golden.txt", 10)) {
+    SCOPED_TRACE(place);
+    std::istringstream in(text);
     const GoldenCase c(in);
     const Stream words = c.stream(), doubles = c.stream(), singles = c.stream();
     EXPECT_EQ(hash(words_of(words, c.n)), c.words);
@@ -56,7 +58,7 @@ TEST(LinearGenerators, KnownAnswers) {
     EXPECT_EQ(hash(reals_of<float>(singles, c.n, c.a, c.b)), c.singles);
     for (const Stream* stream : {&words, &doubles, &singles})
       EXPECT_EQ(hash(state_of(*stream)), c.state);
-  });
+  }
 }
 
 // The published sequence of MRG32K3A: all initial values 12345.

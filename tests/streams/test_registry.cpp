@@ -7,7 +7,9 @@ namespace {
 using namespace qor::test;
 
 TEST(Registry, IdentifiersDecodeToRowAndMember) {
-  for_each_line("identifiers.txt", [](std::istringstream& in) {
+  for (const auto& [place, text] : table_lines("streams/identifiers.txt", 10)) {
+    SCOPED_TRACE(place);
+    std::istringstream in(text);
     int32_t id = 0, numbering = 0, expected[2] = {}, valid = 0, row = 99, sub = 99;
     std::string made;
     in >> std::hex >> id >> std::dec >> numbering >> expected[0] >> expected[1] >> valid >> made;
@@ -18,7 +20,7 @@ TEST(Registry, IdentifiersDecodeToRowAndMember) {
     EXPECT_EQ(__ostIsBrngValid(table, row, sub), valid);
     EXPECT_EQ(answer_of(__ostNewStreamEx, id, 0, nullptr).what,
               made == "0" ? "0 made" : "-1000 alone");
-  });
+  }
 }
 
 TEST(Registry, TablesHoldTheSameRows) {
