@@ -17,12 +17,12 @@
 
 #include "bench/run_levels.h"
 #include "qor/statistics.h"
-#include "tests/support/statistics_entries.h"
+#include "reference/statistics_entries.h"
 #include "tools/section.h"
 
 namespace {
 
-using qor::test::Api;
+using qor::reference::Api;
 
 constexpr double kOrders[] = {0.05, 0.25, 0.5, 0.75, 0.95};
 constexpr int64_t kOrderCount = std::size(kOrders);

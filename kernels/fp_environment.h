@@ -50,8 +50,8 @@ inline uint16_t control_word() {
   return word;
 }
 inline void set_control_word(uint16_t word) { asm volatile("fldcw %0" : : "m"(word) : "memory"); }
-// Without pending flags there is nothing to clear, and to look is ten times cheaper. Neither is
-// there with none but those that the kernel is to raise anyway.
+// Without pending flags there is nothing to clear, and to look is ten times cheaper. Nor is there
+// when all that are pending are certain to be raised again.
 inline void clear_x87_flags(uint16_t to_be_raised) {
   constexpr uint16_t pending = 0x80FF;
   uint16_t status;

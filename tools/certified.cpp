@@ -3,7 +3,7 @@
 //   certified                          prints the section
 //   certified --write docs/accuracy.md writes it there
 
-#include "tests/support/certified.h"
+#include "reference/certified.h"
 
 #include <cmath>
 #include <cstdio>
@@ -16,8 +16,8 @@
 
 namespace {
 
-using qor::test::CertifiedSet;
-using qor::test::matching_digits;
+using qor::reference::CertifiedSet;
+using qor::reference::matching_digits;
 
 constexpr const char* kTitle = "Summary statistics";
 constexpr const char* kHead =
@@ -102,7 +102,7 @@ int main(int count, char** arguments) {
     std::fprintf(stderr, "certified: the only option is --write FILE\n");
     return 2;
   }
-  const auto sets = qor::test::certified_sets(QOR_EXAMPLE_DATA "/strd");
+  const auto sets = qor::reference::certified_sets(QOR_EXAMPLE_DATA "/strd");
   if (sets.empty()) {
     std::fprintf(stderr, "certified: no data sets in %s\n", QOR_EXAMPLE_DATA "/strd");
     return 2;

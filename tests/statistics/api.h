@@ -9,12 +9,13 @@
 #include <tuple>
 #include <vector>
 
+#include "reference/statistics_entries.h"
 #include "statistics/task.h"
 #include "tests/support/services_interposer.h"
-#include "tests/support/statistics_entries.h"
 
 namespace qor::test {
 
+using reference::Api;
 using Precisions = ::testing::Types<double, float>;
 
 // A task over data, with integers of either width that live here.

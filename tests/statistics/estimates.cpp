@@ -46,7 +46,7 @@ Sum power_sum(const Sample<Real>& s, int64_t j, Number mean, int power) {
 }  // namespace
 
 template <class Real>
-Values reference(const Sample<Real>& s, uint64_t method) {
+Values exact_values(const Sample<Real>& s, uint64_t method) {
   Values v;
   for (const Estimate& e : estimates) v.emplace_back(e.values(s.p));
   const Number w = sum_of(s, [](int64_t) { return 1; }).value,
@@ -113,8 +113,8 @@ void expect_near(const Results<Real>& results, const Values& values, const Asked
   }
 }
 
-template Values reference<double>(const Sample<double>&, uint64_t);
-template Values reference<float>(const Sample<float>&, uint64_t);
+template Values exact_values<double>(const Sample<double>&, uint64_t);
+template Values exact_values<float>(const Sample<float>&, uint64_t);
 template void expect_near<double>(const Results<double>&, const Values&, const Asked&, double);
 template void expect_near<float>(const Results<float>&, const Values&, const Asked&, double);
 

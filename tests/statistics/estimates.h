@@ -174,7 +174,7 @@ struct Value {
 // Of all estimates in their order: element (j, k) of a matrix at j * p + k.
 using Values = std::vector<std::vector<Value>>;
 template <class Real>
-Values reference(const Sample<Real>& sample, uint64_t method);
+Values exact_values(const Sample<Real>& sample, uint64_t method);
 
 // Compares the estimates asked for with their values: errors up to `ulps` units of each one's size.
 template <class Real>

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "reference/certified.h"
 #include "tests/statistics/estimates.h"
-#include "tests/support/certified.h"
 
 namespace qor::test {
 namespace {
@@ -26,7 +26,7 @@ TYPED_TEST(Basic, AllTogether) {
     ++turn;
     for (const uint64_t method : kMethods) {
       SCOPED_TRACE(::testing::PrintToString(c) + " method " + std::to_string(method));
-      const Values wanted = reference(s, method);
+      const Values wanted = exact_values(s, method);
       Asked asked{.method = method, .layout = layout, .storage = kStorages[turn % 3]};
       asked.wide = turn % 2 == 0;
       Results<Real> results = compute(s, asked);
@@ -52,7 +52,7 @@ TYPED_TEST(Basic, OneByOne) {
   for (const auto& c : combinations(kBools, kMethods, kBools)) {
     const auto& [weighted, method, cut] = c;
     const auto s = small_sample<TypeParam>(150, 5, weighted);
-    const Values wanted = reference(s, method);
+    const Values wanted = exact_values(s, method);
     TypeParam weight = 0;
     for (int64_t i = 0; i < s.n; ++i) weight += s.weight(i);
     for (const auto& [storage, mask] : combinations(kStorages, masks)) {
@@ -75,7 +75,7 @@ TYPED_TEST(Basic, LargeData) {
     SCOPED_TRACE(::testing::PrintToString(c));
     const auto s = small_sample<TypeParam>(30011, 6, weighted);
     const Asked asked{.method = method, .layout = layout, .storage = QOR_SS_MATRIX_UPPER};
-    expect_near(compute(s, asked), reference(s, method), asked, kUlps);
+    expect_near(compute(s, asked), exact_values(s, method), asked, kUlps);
   }
 }
 
@@ -131,14 +131,14 @@ TYPED_TEST(Basic, WithoutNumbers) {
 // but the doubles next to them.
 TEST(Certified, OnePass) {
   const double deviation_digits[] = {14.5, 13.2, 15, 14.5, 9.44, 8.2};
-  const auto sets = certified_sets(QOR_EXAMPLE_DATA "/strd");
+  const auto sets = reference::certified_sets(QOR_EXAMPLE_DATA "/strd");
   ASSERT_EQ(sets.size(), std::size(deviation_digits));
   for (size_t i = 0; i < sets.size(); ++i) {
     const auto& [name, y, mean, deviation] = sets[i];
     auto results = compute<double>({static_cast<int64_t>(y.size()), 1, y},
                                    {.mask = QOR_SS_ESTIMATE_CENTRAL_2});
-    EXPECT_GE(matching_digits(results.of(QOR_SS_MEAN)[0], mean), 14.5) << name;
-    EXPECT_GE(matching_digits(std::sqrt(results.of(QOR_SS_CENTRAL_2)[0]), deviation),
+    EXPECT_GE(reference::matching_digits(results.of(QOR_SS_MEAN)[0], mean), 14.5) << name;
+    EXPECT_GE(reference::matching_digits(std::sqrt(results.of(QOR_SS_CENTRAL_2)[0]), deviation),
               deviation_digits[i])
         << name;
   }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace qor::test {
+namespace qor::reference {
 
 struct CertifiedSet {
   std::string name;
@@ -18,4 +18,4 @@ std::vector<CertifiedSet> certified_sets(const std::string& folder);
 // Decimal digits that agree, from 0 to 15.
 double matching_digits(double value, double certified);
 
-}  // namespace qor::test
+}  // namespace qor::reference

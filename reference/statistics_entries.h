@@ -3,7 +3,7 @@
 
 #include "qor/statistics.h"
 
-namespace qor::test {
+namespace qor::reference {
 
 template <class Real>
 struct Api;
@@ -36,4 +36,4 @@ QOR_STATISTICS_ENTRIES(double, d)
 QOR_STATISTICS_ENTRIES(float, s)
 #undef QOR_STATISTICS_ENTRIES
 
-}  // namespace qor::test
+}  // namespace qor::reference

@@ -1,11 +1,11 @@
-#include "tests/support/certified.h"
+#include "reference/certified.h"
 
 #include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <sstream>
 
-namespace qor::test {
+namespace qor::reference {
 namespace {
 
 std::vector<double> read_column(const std::string& path) {
@@ -46,4 +46,4 @@ double matching_digits(double value, double certified) {
   return error == 0 ? 15 : std::min(15.0, -std::log10(error));
 }
 
-}  // namespace qor::test
+}  // namespace qor::reference
