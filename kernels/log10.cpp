@@ -15,7 +15,7 @@ template <class T>
 struct Log10 : Unary<T> {
   static constexpr const char* name = std::is_same_v<T, float> ? "vsLog10" : "vdLog10";
   using Base = log_vector::Decimal<T>;
-  static constexpr int registers = log_vector::registers<T>;
+  static constexpr int registers = log_vector::registers;
   using typename Unary<T>::V;
 
   V core(V x) const { return log_vector::logarithm<Base>(x); }

@@ -15,7 +15,7 @@ template <class T>
 struct Log2 : Unary<T> {
   static constexpr const char* name = std::is_same_v<T, float> ? "vsLog2" : "vdLog2";
   using Base = log_vector::Binary<T>;
-  static constexpr int registers = log_vector::registers<T>;
+  static constexpr int registers = log_vector::registers;
   using typename Unary<T>::V;
 
   V core(V x) const { return log_vector::logarithm<Base>(x); }
