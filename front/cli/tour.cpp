@@ -81,7 +81,7 @@ std::string markets(const std::string& folder) {
   for (const char* name : {"DAX", "SMI", "CAC", "FTSE"}) {
     table.add(index_line(closes, name, round_trip));
   }
-  return format("Four stock indices, %zu daily closes, %.1f to %.1f\n\n", closes.rows.size(),
+  return format("Four stock indices, %zu daily closes, %.1f to %.1f\n\n", closes.rows(),
                 time.front(), time.back()) +
          table.text() +
          format(
@@ -109,10 +109,12 @@ std::string counted(const Reports& reports) {
 std::string first(const Csv& days, const Reports& reports) {
   if (reports.list().empty()) return "";
   const ErrorContext& report = reports.list().front();
-  const auto& fields = days.rows[static_cast<size_t>(report.index)].fields;
-  return format("%s/%s: %g -> %s", fields[column_index(days, "Month")].c_str(),
-                fields[column_index(days, "Day")].c_str(), report.arg1,
-                shortest(report.result1).c_str());
+  const auto cell = [&](const char* name) {
+    const size_t row = static_cast<size_t>(report.index);
+    return std::string(days.cell(row, column_index(days, name)).text);
+  };
+  return cell("Month") + "/" + cell("Day") +
+         format(": %g -> %s", report.arg1, shortest(report.result1).c_str());
 }
 
 double median(Values x) {
@@ -148,7 +150,7 @@ std::string errors(const std::string& folder) {
                first(days, reports)});
   }
   return format("What the error machinery saw on New York's air, %zu days of 1973\n\n",
-                days.rows.size()) +
+                days.rows()) +
          table.text() +
          "\n  A missing value is a quiet NaN: it passes through, and nothing is reported.\n\n";
 }
