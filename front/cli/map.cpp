@@ -133,7 +133,7 @@ std::string more_help() {
 const Command map_command = {
     .name = "map",
     .summary = "applies a function to columns of a CSV file and writes CSV",
-    .operands = {"FUNCTION", "FILE.csv"},
+    .operands = {{"FUNCTION"}, {"FILE.csv", FileUse::read}},
     .options = {{"--columns", "A,B", "columns to work on; all when not given"},
                 {"--accuracy",
                  "la|ha|ep",

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <numeric>
 
 #include "front/cli/commands.h"
@@ -169,9 +170,30 @@ std::string kernels() {
          table.text();
 }
 
+std::string folder_of_data(const Arguments& arguments) {
+  return arguments.has("--data") ? arguments.option("--data", "") : data_folder();
+}
+
+// The plots, and all that may be read.
+std::vector<NamedFile> files(const Arguments& arguments) {
+  namespace fs = std::filesystem;
+  std::vector<NamedFile> all;
+  for (const char* plot : {kCarbonDioxidePlot, kMercuryPlot}) {
+    all.push_back({"--plots", fs::path(arguments.option("--plots", "")) / plot, FileUse::written});
+  }
+  const fs::path data = folder_of_data(arguments);
+  for (const fs::path& folder : {data, data / "strd"}) {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
+      if (entry.path().extension() != ".csv") continue;
+      all.push_back({"--data", entry.path(), FileUse::read});
+    }
+  }
+  return all;
+}
+
 void run(const Arguments& arguments, Output& output) {
-  const std::string folder =
-      arguments.has("--data") ? arguments.option("--data", "") : data_folder();
+  const std::string folder = folder_of_data(arguments);
   const std::string plots = arguments.option("--plots", "");
   output.out = "qor_ark_base " QOR_VERSION "\n  library  " + library_file() + "\n  data     " +
                folder + "\n\n" + markets(folder) + errors(folder) +
@@ -190,6 +212,7 @@ const Command tour_command = {
                  " installed"},
                 {"--plots", "FOLDER", "where to write plots; the current folder when not given"}},
     .run = run,
+    .more_files = files,
 };
 
 }  // namespace qor::cli
