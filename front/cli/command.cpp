@@ -84,7 +84,8 @@ Arguments parse_arguments(const Command& command, std::span<const std::string> w
     }
   }
   const size_t given = arguments.operands.size();
-  if (given < command.operands.size()) refuse(command, command.operands[given] + " is missing");
+  if (given < command.operands.size())
+    refuse(command, command.operands[given].name + " is missing");
   if (given > command.operands.size()) {
     refuse(command, quoted(arguments.operands[command.operands.size()]) +
                         ": more arguments than are accepted");
@@ -99,7 +100,7 @@ Arguments parse_arguments(const Command& command, std::span<const std::string> w
 
 std::string usage(const Command& command) {
   std::string line = "usage: qor " + std::string(command.name);
-  for (const std::string& operand : command.operands) line += " " + operand;
+  for (const Operand& operand : command.operands) line += " " + operand.name;
   for (const Option& option : command.options) {
     line += option.required ? " " + form(option) : " [" + form(option) + "]";
   }

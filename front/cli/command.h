@@ -9,6 +9,14 @@
 
 namespace qor::cli {
 
+// What becomes of a file that is named.
+enum class FileUse { none, read, written };
+
+struct Operand {
+  std::string name;
+  FileUse use = FileUse::none;  // of the file that it names, where it names one
+};
+
 // An option --name VALUE (or --name=VALUE), or a flag --name, given at most once.
 struct Option {
   std::string_view name;   // with its dashes
@@ -16,6 +24,8 @@ struct Option {
   std::string_view help;
   std::vector<std::string> choices = {};  // what is accepted; empty: any text
   bool required = false;
+  FileUse use = FileUse::none;     // of the file that its value names, where it names one
+  std::string_view replaces = {};  // the option whose file, read before, the written one may be
 };
 
 // The arguments of one call, checked against what its command declares.
@@ -44,13 +54,21 @@ struct Output {
   std::vector<File> files;  // written first: if one cannot be, nothing follows
 };
 
+struct NamedFile {
+  std::string name;  // of the option or operand
+  std::string path;
+  FileUse use;
+};
+
 struct Command {
   std::string_view name;
   std::string_view summary;  // one line
-  std::vector<std::string> operands;
+  std::vector<Operand> operands;
   std::vector<Option> options;
   void (*run)(const Arguments& arguments, Output& output);  // bad input: throws InputError
   std::string (*more_help)() = nullptr;
+  // The files that no value names by itself.
+  std::vector<NamedFile> (*more_files)(const Arguments& arguments) = nullptr;
 };
 
 // Checks what follows the command's name on the command line.

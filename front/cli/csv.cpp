@@ -1,14 +1,11 @@
 #include "front/cli/csv.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <limits>
-#include <system_error>
+#include <optional>
 
-#include "front/cli/csv_scanner.h"
+#include "front/cli/csv_reader.h"
 #include "front/cli/input_error.h"
 #include "front/cli/text.h"
 
@@ -22,57 +19,32 @@ bool is_missing(std::string_view text) {
 
 // The number of a field, NaN when it is missing; none when the text is no number.
 std::optional<double> parse_field(std::string_view text) {
-  if (is_missing(trimmed(text))) return std::numeric_limits<double>::quiet_NaN();
-  return parse_number(text);
+  const auto value = parse_number(text);
+  if (value || !is_missing(trimmed(text))) return value;
+  return std::numeric_limits<double>::quiet_NaN();
 }
 
 }  // namespace
 
-Csv parse_csv(std::string_view text, const std::string& file) {
-  CsvScanner scanner(text, file);
-  Csv csv;
-  csv.file = file;
-  Csv::Row row;
-  if (!scanner.next(row)) row.fields.clear();
-  csv.header = header_of(std::move(row), file);
-  while (scanner.next(row)) {
-    check_width(csv, row);
-    csv.rows.push_back(std::move(row));
+void Csv::add(const CsvRow& row) {
+  if (ends_.empty()) ends_.push_back(0);
+  for (const std::string_view field : row.fields) {
+    text_ += field;
+    ends_.push_back(text_.size());
   }
-  return csv;
+  lines_.push_back(row.line);
 }
 
-void refuse_unreadable(const std::string& file) {
-  const int reason = errno;
-  throw InputError(file + ": " + std::generic_category().message(reason) +
-                   "; a CSV file that can be read is accepted");
+CsvCell Csv::cell(size_t row, size_t column) const {
+  const size_t* const end = &ends_[row * header.size() + column + 1];
+  return {lines_[row], column, std::string_view(text_).substr(end[-1], end[0] - end[-1])};
 }
 
 Csv read_csv(const std::string& file) {
-  std::ifstream in(file, std::ios::binary);
-  if (!in) refuse_unreadable(file);
-  std::string text;
-  try {
-    text.assign(std::istreambuf_iterator<char>(in), {});
-  } catch (const std::ios_base::failure&) {
-    refuse_unreadable(file);
-  }
-  return parse_csv(text, file);
-}
-
-std::vector<std::string> header_of(CsvHead::Row row, const std::string& file) {
-  if (row.fields.empty()) {
-    throw InputError(file + ": the file is empty; a header line and rows of data are accepted");
-  }
-  for (std::string& name : row.fields) name = std::string(trimmed(name));
-  return std::move(row.fields);
-}
-
-void check_width(const CsvHead& csv, const CsvHead::Row& row) {
-  if (row.fields.size() == csv.header.size()) return;
-  throw InputError(csv.file + ", line " + std::to_string(row.line) + ": " +
-                   std::to_string(row.fields.size()) + " fields; " +
-                   std::to_string(csv.header.size()) + " are accepted, as in the header");
+  CsvReader reader(file);
+  Csv csv(reader.head());
+  for (CsvRow row; reader.next(row);) csv.add(row);
+  return csv;
 }
 
 size_t column_index(const CsvHead& csv, std::string_view name) {
@@ -87,26 +59,25 @@ size_t column_index(const CsvHead& csv, std::string_view name) {
   return static_cast<size_t>(found - csv.header.begin());
 }
 
-void refuse_cell(const CsvHead& csv, const CsvHead::Row& row, size_t column,
-                 std::string_view what) {
-  throw InputError(csv.file + ", line " + std::to_string(row.line) + ", column " +
-                   quoted(csv.header[column]) + ": " + quoted(row.fields[column]) +
-                   std::string(what));
+void refuse_cell(const CsvHead& csv, const CsvCell& cell, std::string_view what) {
+  throw InputError(csv.file + ", line " + std::to_string(cell.line) + ", column " +
+                   quoted(csv.header[cell.column]) + ": " + quoted(cell.text) + std::string(what));
 }
 
-double number(const CsvHead& csv, const CsvHead::Row& row, size_t column) {
-  const auto value = parse_field(row.fields[column]);
+double number(const CsvHead& csv, const CsvCell& cell) {
+  const auto value = parse_field(cell.text);
   if (!value) {
-    refuse_cell(csv, row, column,
+    refuse_cell(csv, cell,
                 " is not a number that a double holds; numbers, NA and empty fields are accepted");
   }
   return *value;
 }
 
 std::vector<double> numbers(const Csv& csv, size_t column) {
-  std::vector<double> values(csv.rows.size());
-  std::ranges::transform(csv.rows, values.begin(),
-                         [&](const Csv::Row& row) { return number(csv, row, column); });
+  std::vector<double> values(csv.rows());
+  for (size_t row = 0; row < values.size(); ++row) {
+    values[row] = number(csv, csv.cell(row, column));
+  }
   return values;
 }
 

@@ -2,25 +2,43 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
 #include "front/cli/input_error.h"
+#include "front/cli/text.h"
 
 namespace qor::cli {
+namespace {
+
+// For the reason in errno.
+[[noreturn]] void refuse_unreadable(const std::string& file) {
+  throw InputError(file + ": " + std::generic_category().message(errno) +
+                   "; a CSV file that can be read is accepted");
+}
+
+}  // namespace
 
 CsvReader::CsvReader(const std::string& file, size_t chunk)
     : head_{file, {}},
       stream_(std::fopen(file.c_str(), "rb"), std::fclose),
       chunk_(chunk),
-      scanner_({}, head_.file) {
+      scanner_(head_.file) {
   if (!stream_) refuse_unreadable(file);
-  Csv::Row row;
-  next_of_any_width(row);
-  head_.header = header_of(std::move(row), file);
+  CsvRow row;
+  if (!next_of_any_width(row)) {
+    throw InputError(file + ": the file is empty; a header line and rows of data are accepted");
+  }
+  for (const std::string_view name : row.fields) head_.header.emplace_back(trimmed(name));
 }
 
-bool CsvReader::next(Csv::Row& row) {
+bool CsvReader::next(CsvRow& row) {
   if (!next_of_any_width(row)) return false;
-  check_width(head_, row);
-  return true;
+  if (row.fields.size() == head_.header.size()) return true;
+  throw InputError(head_.file + ", line " + std::to_string(row.line) + ": " +
+                   std::to_string(row.fields.size()) + " fields; " +
+                   std::to_string(head_.header.size()) + " are accepted, as in the header");
 }
 
 uint64_t CsvReader::total_bytes() const {
@@ -29,61 +47,25 @@ uint64_t CsvReader::total_bytes() const {
   return known ? static_cast<uint64_t>(status.st_size) : 0;
 }
 
-bool CsvReader::next_of_any_width(Csv::Row& row) {
-  while (!scanner_.next(row)) {
-    if (!refill()) return false;
+bool CsvReader::next_of_any_width(CsvRow& row) {
+  while (!scanner_.next(text_, at_end_, row)) {
+    if (at_end_) return false;
+    read_more();
   }
   return true;
 }
 
-// Gives the scanner more whole rows; false when there are none.
-bool CsvReader::refill() {
-  buffer_.erase(0, complete_);
-  complete_ = 0;
-  while (complete_ == 0 && !at_end_) {
-    if (buffer_.size() > kMostRow) {
-      throw InputError(head_.file + ", line " + std::to_string(scanner_.line()) +
-                       ": a row that goes on for more than " + std::to_string(kMostRow) +
-                       " bytes; shorter ones are accepted");
-    }
-    read_chunk();
-  }
-  scanner_ =
-      CsvScanner(std::string_view(buffer_).substr(0, complete_), head_.file, scanner_.line());
-  return complete_ > 0;
-}
-
-void CsvReader::read_chunk() {
-  const size_t before = buffer_.size();
-  buffer_.resize(before + chunk_);
-  const size_t count = std::fread(buffer_.data() + before, 1, chunk_, stream_.get());
+void CsvReader::read_more() {
+  // A row that goes on is scanned again from its start: as much again makes that twice at most.
+  const size_t kept = text_.size();
+  const size_t wanted = kept < kChunk ? chunk_ : kept;
+  std::ranges::copy(text_, buffer_.begin());
+  if (buffer_.size() < kept + wanted) buffer_.resize(kept + wanted);
+  const size_t count = std::fread(buffer_.data() + kept, 1, wanted, stream_.get());
   if (std::ferror(stream_.get()) != 0) refuse_unreadable(head_.file);
-  buffer_.resize(before + count);
-  const bool marked = bytes_ == 0 && buffer_.starts_with(kByteOrderMark);
+  text_ = std::span(buffer_).first(kept + count);
   bytes_ += count;
-  find_row_ends(before + (marked ? kByteOrderMark.size() : 0));
-  if (count < chunk_) {
-    at_end_ = true;
-    complete_ = buffer_.size();
-  }
-}
-
-void CsvReader::find_row_ends(size_t from) {
-  for (size_t i = from; i < buffer_.size(); ++i) {
-    const char c = buffer_[i];
-    if (place_ == Place::quoted) {
-      if (c == '"') place_ = Place::quote_in_quoted;
-    } else if (c == '"' && place_ != Place::plain) {
-      place_ = Place::quoted;  // opened, or a doubled quote
-    } else if (c == ',') {
-      place_ = Place::field_start;
-    } else if (c == '\n') {
-      place_ = Place::field_start;
-      complete_ = i + 1;
-    } else {
-      place_ = Place::plain;
-    }
-  }
+  at_end_ = count < wanted;
 }
 
 }  // namespace qor::cli

@@ -1,34 +1,43 @@
-// Cuts the text of a CSV file into rows of fields.
+// Cuts the text of a CSV file into rows, where it lies.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "front/cli/csv.h"
 
 namespace qor::cli {
 
+// The rows follow from the bytes of the file alone, however it is cut: what bytes yet to come could
+// change is not decided before they are there.
 class CsvScanner {
  public:
-  // `line`, the file's that the text starts with, and `file` are for messages; a byte order mark is
-  // skipped in line 1. Both texts must outlive the scanner.
-  CsvScanner(std::string_view text, const std::string& file, size_t line = 1);
+  static constexpr size_t kMostRow = size_t{1} << 26;  // bytes, the line's end included
 
-  bool next(Csv::Row& row);  // false at the end
-  size_t line() const { return line_; }
+  explicit CsvScanner(const std::string& file) : file_(&file) {}  // for messages; must stay
+
+  // Takes the next row off the front of the text, with what is skipped before it, and gives its
+  // fields as views into the text (where a quote in quotes becomes a single one). False when the
+  // text ends before the row does: to go on, what is left of it and more is needed. `whole`: there
+  // is no more.
+  bool next(std::span<char>& text, bool whole, CsvRow& row);
 
  private:
-  char peek() const { return at_ < text_.size() ? text_[at_] : '\n'; }
-  size_t line_end() const;  // its length, 0 when there is none at this position
-  void end_line();
-  std::string plain_field();
-  std::string quoted_field();
+  struct Extent {
+    size_t bytes, lines;
+  };
+
+  bool skip_to_row(std::span<char>& text, bool whole);
+  Extent scan(std::string_view text, bool whole, CsvRow& row);
+  size_t quoted_field(std::string_view text, size_t at, bool whole, CsvRow& row, size_t& lines);
   [[noreturn]] void fail(size_t line, const std::string& what) const;
 
-  std::string_view text_;
   const std::string* file_;
-  size_t at_ = 0;
-  size_t line_;
+  bool at_start_ = true;         // of the file, where the byte order mark may be
+  size_t line_ = 1;              // at the front of the text
+  std::vector<size_t> doubled_;  // fields of the row that have doubled quotes
 };
 
 }  // namespace qor::cli

@@ -71,8 +71,8 @@ std::vector<int64_t> derivative_orders(const std::string& text) {
 
 void require_finite(const Csv& csv, size_t row, const std::string& column, double value) {
   if (std::isfinite(value)) return;
-  throw InputError(csv.file + format(", line %zu, column ", csv.rows[row].line) + quoted(column) +
-                   ": " + shortest(value) + "; finite numbers are accepted");
+  throw InputError(csv.file + format(", line %zu, column ", csv.line(row)) + quoted(column) + ": " +
+                   shortest(value) + "; finite numbers are accepted");
 }
 
 struct ColumnNames {
@@ -91,16 +91,16 @@ Points points_of(const Csv& csv, const ColumnNames& names, std::string& notes) {
   std::vector<size_t> left_out;
   for (size_t i = 0; i < x.size(); ++i) {
     if (std::isnan(x[i]) || std::isnan(y[i]) || std::isnan(slopes[i])) {
-      left_out.push_back(csv.rows[i].line);
+      left_out.push_back(csv.line(i));
       continue;
     }
     require_finite(csv, i, names.x, x[i]);
     require_finite(csv, i, names.y, y[i]);
     if (with_slopes) require_finite(csv, i, names.slopes, slopes[i]);
     if (!points.x.empty() && !(x[i] > points.x.back())) {
-      throw InputError(csv.file + format(", line %zu, column ", csv.rows[i].line) +
-                       quoted(names.x) + ": " + shortest(x[i]) + " is not above " +
-                       shortest(points.x.back()) + " before it; increasing values are accepted");
+      throw InputError(csv.file + format(", line %zu, column ", csv.line(i)) + quoted(names.x) +
+                       ": " + shortest(x[i]) + " is not above " + shortest(points.x.back()) +
+                       " before it; increasing values are accepted");
     }
     points.x.push_back(x[i]);
     points.y.push_back(y[i]);

@@ -1,5 +1,8 @@
 // qor: the kernels at work on files, from the command line.
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <deque>
 #include <exception>
@@ -8,6 +11,7 @@
 
 #include "front/cli/command.h"
 #include "front/cli/commands.h"
+#include "front/cli/files_given.h"
 #include "front/cli/input_error.h"
 #include "front/cli/output_file.h"
 #include "front/cli/text.h"
@@ -53,7 +57,18 @@ void run(std::span<const std::string> words, Output& output) {
     output.out = help(command);
     return;
   }
-  command.run(parse_arguments(command, words.subspan(1)), output);
+  const Arguments arguments = parse_arguments(command, words.subspan(1));
+  check_files(command, arguments);
+  command.run(arguments, output);
+}
+
+// Closed ones are made to fail: the number of none of the three may be that of a file that is
+// opened later.
+void hold_standard_descriptors() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(descriptor, F_GETFD) >= 0) continue;
+    open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
 }
 
 // Returns whether all of it went out.
@@ -75,6 +90,7 @@ void write(const std::vector<Output::File>& files) {
 
 int main(int count, char** values) {
   using namespace qor::cli;
+  hold_standard_descriptors();
   Output output;
   try {
     const std::vector<std::string> words(values + (count > 0 ? 1 : 0), values + count);
@@ -87,7 +103,8 @@ int main(int count, char** values) {
     std::fprintf(stderr, "qor: %s\n", error.what());
     return kFailed;
   }
-  if (!write(stdout, output.out)) {
+  // Some file systems tell only at the end that a write failed.
+  if (!write(stdout, output.out) || std::fclose(stdout) != 0) {
     std::perror("qor: standard output");
     return kFailed;
   }

@@ -96,7 +96,7 @@ std::string describe(const Function& function, const Csv& csv, const Result& res
                                     ? csv_field(report.arg1)
                                     : csv_field(report.arg1) + "," + csv_field(report.arg2);
   return format("row %d (line %zu), column %s: %s(%s) = %s: code %d, %s\n", report.index + 1,
-                csv.rows[static_cast<size_t>(report.index)].line, result.columns.c_str(),
+                csv.line(static_cast<size_t>(report.index)), result.columns.c_str(),
                 function.name.c_str(), arguments.c_str(), shortest(report.result1).c_str(),
                 report.code, std::string(meaning(report.code)).c_str());
 }
@@ -111,7 +111,7 @@ void run(const Arguments& arguments, Output& output) {
   }
   const ModeScope mode(accuracy_of(arguments));
   const std::vector<Result> results = evaluate_all(function, csv, columns);
-  output.out = csv_of(function, results, csv.rows.size());
+  output.out = csv_of(function, results, csv.rows());
   if (arguments.option("--errors", "ignore") == "ignore") return;
   for (const Result& result : results) {
     for (const ErrorContext& report : result.reports) {
@@ -133,7 +133,7 @@ std::string more_help() {
 const Command map_command = {
     .name = "map",
     .summary = "applies a function to columns of a CSV file and writes CSV",
-    .operands = {"FUNCTION", "FILE.csv"},
+    .operands = {{"FUNCTION"}, {"FILE.csv", FileUse::read}},
     .options = {{"--columns", "A,B", "columns to work on; all when not given"},
                 {"--accuracy",
                  "la|ha|ep",

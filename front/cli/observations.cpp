@@ -24,7 +24,8 @@ bool ObservationReader::next(size_t most, Observations& block) {
     if (weighted_) {
       const double weight = value(variables);
       if (weight < 0) {
-        refuse_cell(csv_.head(), row_, columns_.back(), "; weights of at least 0 are accepted");
+        refuse_cell(csv_.head(), row_.cell(columns_.back()),
+                    "; weights of at least 0 are accepted");
       }
       block.weights.push_back(weight);
     }
@@ -34,15 +35,15 @@ bool ObservationReader::next(size_t most, Observations& block) {
 }
 
 double ObservationReader::value(size_t place) {
-  const size_t column = columns_[place];
-  const double value = number(csv_.head(), row_, column);
+  const CsvCell cell = row_.cell(columns_[place]);
+  const double value = number(csv_.head(), cell);
   if (std::isnan(value)) {
     Missing& missing = missing_[place];
     if (missing.lines.size() <= kMostLines) missing.lines.push_back(row_.line);
     ++missing.cells;
     ++missing_cells_;
   } else if (std::isinf(value)) {
-    refuse_cell(csv_.head(), row_, column, "; finite numbers are accepted");
+    refuse_cell(csv_.head(), cell, "; finite numbers are accepted");
   }
   return value;
 }

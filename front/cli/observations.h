@@ -42,7 +42,7 @@ class ObservationReader {
   bool weighted_;
   std::vector<Missing> missing_;  // beside columns_
   uint64_t missing_cells_ = 0;
-  Csv::Row row_;
+  CsvRow row_;
 };
 
 }  // namespace qor::cli

@@ -1,7 +1,6 @@
 #include "front/cli/output_file.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -9,7 +8,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -20,18 +18,11 @@
 namespace qor::cli {
 namespace {
 
+constexpr int kMostNames = 100;  // tried for a file that is not finished
+
 std::string reason() { return std::generic_category().message(errno); }
 
-// Where a chain of symbolic links ends, so that the file is replaced and not the link.
-std::string followed(const std::string& path) {
-  char* const real = realpath(path.c_str(), nullptr);
-  if (real == nullptr) return path;
-  const std::string result = real;
-  std::free(real);
-  return result;
-}
-
-// The names of files that are not finished, for an interruption to remove.
+// The names of files that are not finished, for what ends the run to remove.
 std::array<std::atomic<const char*>, 4> unfinished;
 
 void remove_unfinished(int signal) {
@@ -49,32 +40,59 @@ void swap_unfinished(const char* old, const char* fresh) {
     const char* expected = old;
     if (name.compare_exchange_strong(expected, fresh)) break;
   }
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU, SIGXFSZ}) {
     if (std::signal(signal, remove_unfinished) == SIG_IGN) std::signal(signal, SIG_IGN);
   }
+}
+
+// Another descriptor of what is open for writing; -1 with errno when it is not.
+int duplicated(int descriptor) {
+  const int flags = fcntl(descriptor, F_GETFL);
+  if (flags < 0) return -1;
+  if ((flags & O_ACCMODE) == O_RDONLY) {
+    errno = EBADF;
+    return -1;
+  }
+  return fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
 }
 
 }  // namespace
 
 OutputFile::OutputFile() : name_("standard output"), descriptor_(STDOUT_FILENO) {}
 
-OutputFile::OutputFile(std::string_view option, const std::string& path)
-    : name_(path), target_(followed(path)) {
-  struct stat there {};
-  const bool exists = stat(path.c_str(), &there) == 0;
-  if (exists && !S_ISREG(there.st_mode)) {
-    descriptor_ = open(target_.c_str(), O_WRONLY | O_CLOEXEC);
-  } else if (!path.empty() && (!exists || access(target_.c_str(), W_OK) == 0)) {
-    // A file that may not be written has not come here: it is not replaced either.
-    temporary_ = target_ + ".qor-" + std::to_string(getpid());
-    descriptor_ = open(temporary_.c_str(), O_WRONLY | O_CLOEXEC | O_CREAT | O_EXCL, 0666);
-    if (descriptor_ >= 0) swap_unfinished(nullptr, temporary_.c_str());
-    if (exists && descriptor_ >= 0) fchmod(descriptor_, there.st_mode & 07777);
+OutputFile::OutputFile(std::string_view option, const std::string& path) : name_(path) {
+  const FilePlace place = place_of(path);
+  if (place.is_replaced()) {
+    descriptor_ = create(place);
+  } else if (place.descriptor >= 0) {
+    descriptor_ = duplicated(place.descriptor);
+  } else if (place.error == 0) {
+    descriptor_ = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  } else {
+    errno = place.error;
   }
   if (descriptor_ < 0) {
     throw InputError(std::string(option) + ": " + quoted(path) + ": " + reason() +
                      "; a file that can be written is accepted");
   }
+}
+
+// Opens a new file beside the one whose place it will take; its descriptor, or -1 with errno.
+int OutputFile::create(const FilePlace& place) {
+  // A file that may not be written has not come here: it is not replaced either.
+  if (place.status && access(place.path.c_str(), W_OK) != 0) return -1;
+  int descriptor = -1;
+  // A run that was killed may have left a file of this name.
+  for (int i = 0; i < kMostNames; ++i) {
+    temporary_ = place.path + ".qor-" + std::to_string(getpid()) + "-" + std::to_string(i);
+    descriptor = open(temporary_.c_str(), O_WRONLY | O_CLOEXEC | O_CREAT | O_EXCL, 0666);
+    if (descriptor >= 0 || errno != EEXIST) break;
+  }
+  if (descriptor < 0) return -1;
+  target_ = place.path;
+  swap_unfinished(nullptr, temporary_.c_str());
+  if (place.status) fchmod(descriptor, place.status->st_mode & 07777);
+  return descriptor;
 }
 
 OutputFile::~OutputFile() {

@@ -4,11 +4,13 @@
 #include <string>
 #include <string_view>
 
+#include "front/cli/file_place.h"
+
 namespace qor::cli {
 
 // A file that takes the place of the one of its name only when all has been written: until then it
 // has another name in the same folder, and it goes when it is given up. What is no plain file (a
-// device, a pipe) and standard output are written as they are.
+// device, a pipe) and what is open (standard output, /dev/fd/3) are written as they are.
 //
 // A place where no file can be written is an InputError that names the option; a failure to write
 // is a std::runtime_error.
@@ -24,6 +26,7 @@ class OutputFile {
   void commit();  // writes nothing more; the file now has its name
 
  private:
+  int create(const FilePlace& place);
   [[noreturn]] void fail() const;
   void close();
 

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <limits>
 #include <new>
 #include <optional>
@@ -51,19 +50,6 @@ Stream stream_of(const Arguments& arguments) {
   if (arguments.has("--leapfrog")) leapfrog(stream, arguments.option("--leapfrog", ""));
   if (arguments.has("--skip")) skip_ahead(stream, arguments.option("--skip", ""));
   return stream;
-}
-
-// One file cannot be two things.
-void require_other_file(const Arguments& arguments, std::string_view option) {
-  namespace fs = std::filesystem;
-  if (!arguments.has("-o") || !arguments.has(option)) return;
-  const std::string out = arguments.option("-o", ""), other = arguments.option(option, "");
-  std::error_code error;
-  const bool same =
-      fs::weakly_canonical(out, error) == fs::weakly_canonical(other, error) && !error;
-  if (same && !fs::is_character_file(out, error)) {
-    refuse_value("-o", out, "another file than that of " + std::string(option));
-  }
 }
 
 // What the run is to do, checked as far as it can be before anything is written.
@@ -139,8 +125,6 @@ void run(const Arguments& arguments, Output& output) {
                  "csv on a terminal; for bytes, -o FILE or a pipe");
   }
   try_out(task);
-  require_other_file(arguments, "--save-stream");
-  require_other_file(arguments, "--load-stream");
   std::optional<OutputFile> values, image;
   if (arguments.has("--save-stream")) {
     image.emplace("--save-stream", arguments.option("--save-stream", ""));
@@ -164,7 +148,8 @@ std::string more_help() {
          "After --leapfrog, --skip counts what the stream still delivers.\n"
          "Distributions, by name and type:\n" +
          describe_distributions() +
-         "Files get their names when all is written; until then what was there stays.\n";
+         "Files get their names when all is written; until then what was there stays, so that\n"
+         "--save-stream may name the file of --load-stream.\n";
 }
 
 }  // namespace
@@ -189,10 +174,20 @@ const Command random_command = {
           "csv|npy|raw",
           "csv when not given; raw: the bytes of the values, little-endian",
           {"csv", "npy", "raw"}},
-         {"-o", "FILE", "where the values go; standard output when not given"},
+         {.name = "-o",
+          .value = "FILE",
+          .help = "where the values go; standard output when not given",
+          .use = FileUse::written},
          {"--plot", "", "prints a histogram; the values then go to -o only"},
-         {"--save-stream", "FILE", "writes the stream as it is after the drawing"},
-         {"--load-stream", "FILE", "goes on with a stream that was saved"}},
+         {.name = "--save-stream",
+          .value = "FILE",
+          .help = "writes the stream as it is after the drawing",
+          .use = FileUse::written,
+          .replaces = "--load-stream"},
+         {.name = "--load-stream",
+          .value = "FILE",
+          .help = "goes on with a stream that was saved",
+          .use = FileUse::read}},
     .run = run,
     .more_help = more_help,
 };

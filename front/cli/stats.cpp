@@ -116,7 +116,7 @@ std::string more_help() {
 const Command stats_command = {
     .name = "stats",
     .summary = "describes columns of a CSV file of any length: moments, quantiles, covariances",
-    .operands = {"FILE.csv"},
+    .operands = {{"FILE.csv", FileUse::read}},
     .options = {{"--columns", "A,B", "columns to describe; all but the weights when not given"},
                 {"--weights", "COL", "column of the observations' weights"},
                 {"--method",

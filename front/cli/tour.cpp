@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <numeric>
 
 #include "front/cli/commands.h"
@@ -81,7 +82,7 @@ std::string markets(const std::string& folder) {
   for (const char* name : {"DAX", "SMI", "CAC", "FTSE"}) {
     table.add(index_line(closes, name, round_trip));
   }
-  return format("Four stock indices, %zu daily closes, %.1f to %.1f\n\n", closes.rows.size(),
+  return format("Four stock indices, %zu daily closes, %.1f to %.1f\n\n", closes.rows(),
                 time.front(), time.back()) +
          table.text() +
          format(
@@ -109,10 +110,12 @@ std::string counted(const Reports& reports) {
 std::string first(const Csv& days, const Reports& reports) {
   if (reports.list().empty()) return "";
   const ErrorContext& report = reports.list().front();
-  const auto& fields = days.rows[static_cast<size_t>(report.index)].fields;
-  return format("%s/%s: %g -> %s", fields[column_index(days, "Month")].c_str(),
-                fields[column_index(days, "Day")].c_str(), report.arg1,
-                shortest(report.result1).c_str());
+  const auto cell = [&](const char* name) {
+    const size_t row = static_cast<size_t>(report.index);
+    return std::string(days.cell(row, column_index(days, name)).text);
+  };
+  return cell("Month") + "/" + cell("Day") +
+         format(": %g -> %s", report.arg1, shortest(report.result1).c_str());
 }
 
 double median(Values x) {
@@ -148,7 +151,7 @@ std::string errors(const std::string& folder) {
                first(days, reports)});
   }
   return format("What the error machinery saw on New York's air, %zu days of 1973\n\n",
-                days.rows.size()) +
+                days.rows()) +
          table.text() +
          "\n  A missing value is a quiet NaN: it passes through, and nothing is reported.\n\n";
 }
@@ -167,9 +170,30 @@ std::string kernels() {
          table.text();
 }
 
+std::string folder_of_data(const Arguments& arguments) {
+  return arguments.has("--data") ? arguments.option("--data", "") : data_folder();
+}
+
+// The plots, and all that may be read.
+std::vector<NamedFile> files(const Arguments& arguments) {
+  namespace fs = std::filesystem;
+  std::vector<NamedFile> all;
+  for (const char* plot : {kCarbonDioxidePlot, kMercuryPlot}) {
+    all.push_back({"--plots", fs::path(arguments.option("--plots", "")) / plot, FileUse::written});
+  }
+  const fs::path data = folder_of_data(arguments);
+  for (const fs::path& folder : {data, data / "strd"}) {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
+      if (entry.path().extension() != ".csv") continue;
+      all.push_back({"--data", entry.path(), FileUse::read});
+    }
+  }
+  return all;
+}
+
 void run(const Arguments& arguments, Output& output) {
-  const std::string folder =
-      arguments.has("--data") ? arguments.option("--data", "") : data_folder();
+  const std::string folder = folder_of_data(arguments);
   const std::string plots = arguments.option("--plots", "");
   output.out = "qor_ark_base " QOR_VERSION "\n  library  " + library_file() + "\n  data     " +
                folder + "\n\n" + markets(folder) + errors(folder) +
@@ -188,6 +212,7 @@ const Command tour_command = {
                  " installed"},
                 {"--plots", "FOLDER", "where to write plots; the current folder when not given"}},
     .run = run,
+    .more_files = files,
 };
 
 }  // namespace qor::cli

@@ -85,7 +85,7 @@ std::string carbon_dioxide(const std::string& folder, const std::filesystem::pat
   return format("Carbon dioxide, %zu months: a natural spline\n\n", time.size()) + table.text() +
          "\n  Means are integrals over the year, growth the derivative of a spline through "
          "them.\n" +
-         add_plot(plot, plots / "qor_tour_co2.svg", output);
+         add_plot(plot, plots / kCarbonDioxidePlot, output);
 }
 
 // ---- Mercury --------------------------------------------------------------------------------
@@ -121,7 +121,7 @@ std::string mercury(const std::string& folder, const std::filesystem::path& plot
              "\n  The heat is R T^2 times the derivative (Clausius and Clapeyron). Exchanging the"
              " axes,\n  mercury boils at %.1f degrees C.\n",
              at(inverse, logarithms({kAtmosphere})[0])) +
-         add_plot(plot, plots / "qor_tour_mercury.svg", output);
+         add_plot(plot, plots / kMercuryPlot, output);
 }
 
 }  // namespace

@@ -81,20 +81,21 @@ std::string certified(const std::string& folder) {
   TextTable table({"set", "n", "mean, certified", "one pass", "fast", "deviation, certified",
                    "one pass", "fast"});
   const size_t name = column_index(csv, "dataset"), n = column_index(csv, "n");
-  for (size_t i = 0; i < csv.rows.size(); ++i) {
-    const auto& fields = csv.rows[i].fields;
+  for (size_t i = 0; i < csv.rows(); ++i) {
+    const std::string set(csv.cell(i, name).text);
     const auto agreed = [&](bool fast) -> Digits {
       const SummaryFigures f =
-          describe(folder + "/strd/" + fields[name] + ".csv", {"y"}, {fast, {}, false, 1});
+          describe(folder + "/strd/" + set + ".csv", {"y"}, {fast, {}, false, 1});
       return {digits(f.mean[0], means[i]), digits(f.deviation[0], deviations[i])};
     };
     const Digits one_pass = agreed(false), fast = agreed(true);
     if (one_pass.mean < kDigitsOfMeans) {
-      throw std::runtime_error("the mean of " + fields[name] + " is not the certified one");
+      throw std::runtime_error("the mean of " + set + " is not the certified one");
     }
-    table.add({fields[name], fields[n], format("%.15g", means[i]), format("%.1f", one_pass.mean),
-               format("%.1f", fast.mean), format("%.15g", deviations[i]),
-               format("%.1f", one_pass.deviation), format("%.1f", fast.deviation)});
+    table.add({set, std::string(csv.cell(i, n).text), format("%.15g", means[i]),
+               format("%.1f", one_pass.mean), format("%.1f", fast.mean),
+               format("%.15g", deviations[i]), format("%.1f", one_pass.deviation),
+               format("%.1f", fast.deviation)});
   }
   return "Certified data sets: digits, of 15, that agree with the certified ones\n\n" +
          table.text() +

@@ -1,10 +1,9 @@
 #include "front/cli/tour_streams.h"
 
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
-#include <filesystem>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
@@ -18,21 +17,19 @@ namespace {
 
 constexpr int32_t kMany = 1'000'000;
 
-// A file in the folder for temporary ones that goes with its scope.
+// A file in memory, of which nothing is left however the run ends.
 class ScratchFile {
  public:
-  ScratchFile() : path_(std::filesystem::temp_directory_path() / "qor_stream_XXXXXX") {
-    const int descriptor = mkstemp(path_.data());
-    if (descriptor < 0) throw std::system_error(errno, std::generic_category(), path_);
-    close(descriptor);
+  ScratchFile() : descriptor_(memfd_create("stream", MFD_CLOEXEC)) {
+    if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), "memfd_create");
   }
-  ~ScratchFile() { unlink(path_.c_str()); }
+  ~ScratchFile() { close(descriptor_); }
   ScratchFile(const ScratchFile&) = delete;
   ScratchFile& operator=(const ScratchFile&) = delete;
-  const std::string& path() const { return path_; }
+  std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
 
  private:
-  std::string path_;
+  int descriptor_;
 };
 
 void require(int32_t status, const char* what) {

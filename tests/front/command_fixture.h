@@ -11,6 +11,8 @@
 #include <sstream>
 #include <string>
 
+#include "front/cli/csv.h"
+
 namespace qor::test {
 
 namespace fs = std::filesystem;
@@ -59,6 +61,11 @@ class Command : public testing::Test {
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
+  }
+  // A text of CSV as the command reads it.
+  static cli::Csv table_of(const std::string& text) {
+    write("../table.csv", text);
+    return cli::read_csv("../table.csv");
   }
 
  private:

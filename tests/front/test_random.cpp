@@ -1,6 +1,5 @@
 // qor random: the values are the library's, in every form and at every level.
 
-#include "front/cli/csv.h"
 #include "qor/distributions.h"
 #include "tests/front/command_fixture.h"
 #include "tests/streams/stream_support.h"
@@ -81,7 +80,7 @@ TEST_F(Random, EveryGeneratorByItsName) {
 }
 
 TEST_F(Random, CsvReadsBackExactly) {
-  const auto csv = qor::cli::parse_csv(drawn(kMcg59 + "--distribution uniform -n 20000"), "out");
+  const auto csv = table_of(drawn(kMcg59 + "--distribution uniform -n 20000"));
   EXPECT_EQ(csv.header, std::vector<std::string>{"uniform"});
   EXPECT_EQ(bytes_of(numbers(csv, 0)), uniform_bytes(new_stream(QOR_BRNG_MCG59), 20000));
 }

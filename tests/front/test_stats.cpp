@@ -11,7 +11,15 @@
 namespace {
 
 using namespace qor::cli;
-using Stats = qor::test::Command;
+
+class Stats : public qor::test::Command {
+ protected:
+  // A figure of a column in CSV output.
+  static double figure(const std::string& out, size_t row, const std::string& name) {
+    const Csv csv = table_of(out.substr(0, out.find("\n\n")));
+    return numbers(csv, column_index(csv, name)).at(row);
+  }
+};
 
 struct Figure {
   const char* name;  // in CSV
@@ -132,12 +140,6 @@ TEST_F(Stats, BlocksOfAnyLengthGiveTheSame) {
   }
 }
 
-// A figure of a column in CSV output.
-double figure(const std::string& out, size_t row, const std::string& name) {
-  const Csv csv = parse_csv(out.substr(0, out.find("\n\n")), "out");
-  return numbers(csv, column_index(csv, name)).at(row);
-}
-
 TEST_F(Stats, AFileOfManyBlocks) {
   const Sample sample(200'000);
   const SummaryFigures expected = sample.figures(true);
@@ -152,7 +154,7 @@ TEST_F(Stats, AFileOfManyBlocks) {
         expect_close(figure(out, j, name), (expected.*values)[j], name);
       }
     }
-    const Csv matrix = parse_csv(out.substr(out.find("\n\n") + 2), "matrix");
+    const Csv matrix = table_of(out.substr(out.find("\n\n") + 2));
     EXPECT_EQ(matrix.header, (std::vector<std::string>{"covariance", "a", "b"}));
     expect_close(numbers(matrix, 2).at(0), expected.covariance[1], "covariance");
   };
