@@ -17,18 +17,19 @@ qor_shared_entry entries[kCapacity];
 int32_t entries_in_use = 0;
 
 // Held for a search of the table at most, so that a waiting thread may spin.
-std::atomic<int32_t> lock_word{0};
-
 class TableLock {
  public:
   TableLock() {
-    for (int32_t free = 0; !lock_word.compare_exchange_weak(free, 1, std::memory_order_acquire);
+    for (int32_t free = 0; !word_.compare_exchange_weak(free, 1, std::memory_order_acquire);
          free = 0) {
     }
   }
-  ~TableLock() { lock_word.store(0, std::memory_order_release); }
+  ~TableLock() { word_.store(0, std::memory_order_release); }
   TableLock(const TableLock&) = delete;
   TableLock& operator=(const TableLock&) = delete;
+
+ private:
+  std::atomic_ref<int32_t> word_{*qor_serv_process_lock(QOR_SERV_SHARED_DATA_LOCK)};
 };
 
 bool same(const qor_shared_id& a, const qor_shared_id& b) {
@@ -143,7 +144,7 @@ int32_t __ostUnregisterGlobRODataReference(const qor_shared_id* id) {
 int32_t __ostGenerateNewGlobalRODataTableEntryId(qor_shared_id* id, int32_t x) {
   const TableLock lock;
   do {
-    *id = {__builtin_ia32_rdtsc(), static_cast<uint64_t>(int64_t{x})};
+    *id = {qor::services::time_stamp(), static_cast<uint64_t>(int64_t{x})};
   } while (find(*id) != nullptr);
   return QOR_STREAM_OK;
 }

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "tests/streams/stream_support.h"
+#include "tests/support/forks.h"
 
 namespace {
 
@@ -128,6 +129,14 @@ TEST(SharedData, ThreadsShareOnePayload) {
   EXPECT_EQ(references_of(id), 1u);
   source.reset();
   EXPECT_EQ(references_of(id), 0u);
+}
+
+TEST(SharedData, ForkedChildrenFindTheTableFree) {
+  const qor_shared_id id = new_id();
+  const Stream source = new_stream(QOR_BRNG_MCG31M1);
+  add_chunk(source, 9, {42}, &id);
+  const auto share = [&] { copy_of(source); };
+  expect_children_to_end(share, share);
 }
 
 }  // namespace
