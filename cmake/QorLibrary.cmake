@@ -5,6 +5,10 @@
 
 set(QOR_BUILD_LIB ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
 
+# Any BLAS with the Fortran symbols; OpenBLAS, of the OpenMP flavour, keeps to the thread of a team
+# that calls it.
+find_library(QOR_BLAS NAMES openblas blas REQUIRED)
+
 function(qor_export_map out)
   # The exported names, from the row list and the lists of plain entries, by the C preprocessor.
   set(map ${CMAKE_BINARY_DIR}/qor_ark_base.map)
@@ -34,9 +38,6 @@ function(qor_add_kernel_library)
       ${CMAKE_SOURCE_DIR}/kernels/powr.cpp ${CMAKE_SOURCE_DIR}/kernels/powx.cpp
       PROPERTIES COMPILE_OPTIONS -fschedule-insns SKIP_PRECOMPILE_HEADERS ON)
   endif()
-  # Any BLAS with the Fortran symbols; OpenBLAS, of the OpenMP flavour, keeps to the thread of a team
-  # that calls it.
-  find_library(QOR_BLAS NAMES openblas blas REQUIRED)
   foreach(level IN LISTS QOR_LEVELS)
     qor_level_options(${level} options)
     qor_level_folder(${level} folder)

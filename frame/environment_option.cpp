@@ -64,8 +64,6 @@ consteval std::array<char, kNameLength + 1> scrambled(const char (&name)[kNameLe
 }
 constexpr auto kScrambledName = scrambled("QOR_ARK_MODE");
 
-int32_t environment_lock = 0;
-
 }  // namespace
 
 OptionBits parse_option(const char* text, int length) {
@@ -95,7 +93,7 @@ OptionBits read_environment_option() {
   char value[option_buffer_size];
   int length = 0;
   {
-    services::LockGuard guard(environment_lock);
+    const services::LockGuard guard(*qor_serv_process_lock(QOR_SERV_ENVIRONMENT_LOCK));
     length = qor_serv_getenv(name, value, option_buffer_size);
   }
   return parse_option(value, length);

@@ -1,4 +1,5 @@
-// The report routine: errno, numbered messages, floating-point condition, in this order.
+// The report routine: numbered messages, errno, floating-point condition. Printing may set errno,
+// so that what is printed comes first.
 
 #include <cerrno>
 #include <cstring>
@@ -137,8 +138,11 @@ void raise_condition(uint32_t mode, int32_t code) {
 }  // namespace
 
 void run_report(uint32_t mode, const ErrorContext& context) {
+  if ((mode & QOR_MODE_ERRORS_STDERR) != 0) {
+    const services::ErrnoKept kept;
+    if (print_error(context)) print_values(context);
+  }
   if ((mode & QOR_MODE_ERRORS_ERRNO) != 0) errno = errno_of(context.code);
-  if ((mode & QOR_MODE_ERRORS_STDERR) != 0 && print_error(context)) print_values(context);
   if ((mode & QOR_MODE_ERRORS_EXCEPT) != 0) raise_condition(mode, context.code);
 }
 

@@ -1,7 +1,8 @@
-// The per-thread block's life: one process-wide slot, one private heap, a block a thread.
+// The per-thread block's life: one process-wide slot, one private heap, a block a thread, which the
+// services give back when the thread ends.
 //
-// Both are made at most once, each under a lock word of its own, the first test being a plain read
-// (relaxed: the lock orders what it finds).
+// Slot and heap are made at most once, each under a lock word of its own, the first test being a
+// plain read (relaxed: the lock orders what it finds).
 
 #include "frame/thread_state.h"
 
@@ -12,41 +13,29 @@
 namespace qor::frame {
 namespace {
 
-using services::LockGuard;
-using services::no_thread_slot;
-using services::PrivateHeap;
-using services::ThreadSlot;
-
 constexpr int kMessageNoState = 773;
 constexpr int kExitNoState = 3;
 
-std::atomic<ThreadSlot> slot{no_thread_slot};
-std::atomic<PrivateHeap*> heap{nullptr};
-int32_t slot_lock = 0;
-int32_t heap_lock = 0;
+std::atomic<unsigned> slot{QOR_SERV_NO_SLOT};
+std::atomic<qor_serv_heap*> heap{nullptr};
 
 void print_no_state() { qor_serv_print(1, kMessageNoState, 0); }
 
-void free_block_at_thread_end(void* block) {
-  PrivateHeap* owner = heap.load(std::memory_order_acquire);
-  if (owner != nullptr) services::heap_free(owner, block);
-}
-
 // Makes the slot when there is none. Returns whether this call made it.
 bool make_slot() {
-  LockGuard guard(slot_lock);
-  if (slot.load(std::memory_order_relaxed) != no_thread_slot) return false;
-  slot.store(services::create_thread_slot(free_block_at_thread_end), std::memory_order_release);
+  const services::LockGuard guard(*qor_serv_process_lock(QOR_SERV_SLOT_LOCK));
+  if (slot.load(std::memory_order_relaxed) != QOR_SERV_NO_SLOT) return false;
+  slot.store(qor_serv_open_slot(), std::memory_order_release);
   return true;
 }
 
-PrivateHeap* private_heap() {
-  PrivateHeap* known = heap.load(std::memory_order_acquire);
+qor_serv_heap* private_heap() {
+  qor_serv_heap* known = heap.load(std::memory_order_acquire);
   if (known != nullptr) return known;
-  LockGuard guard(heap_lock);
+  const services::LockGuard guard(*qor_serv_process_lock(QOR_SERV_HEAP_LOCK));
   known = heap.load(std::memory_order_relaxed);
   if (known == nullptr) {
-    known = services::create_private_heap();
+    known = qor_serv_open_heap();
     heap.store(known, std::memory_order_release);
   }
   return known;
@@ -54,12 +43,12 @@ PrivateHeap* private_heap() {
 
 // The new block of the calling thread, or null.
 ThreadState* make_block() {
-  PrivateHeap* owner = private_heap();
+  qor_serv_heap* owner = private_heap();
   if (owner == nullptr) return nullptr;
-  auto* block = static_cast<ThreadState*>(services::heap_allocate(owner, sizeof(ThreadState)));
+  auto* block = static_cast<ThreadState*>(qor_serv_heap_allocate(owner, sizeof(ThreadState)));
   if (block == nullptr) return nullptr;
-  if (!services::set_thread_slot_value(slot.load(std::memory_order_relaxed), block)) {
-    services::heap_free(owner, block);
+  if (qor_serv_set_slot(slot.load(std::memory_order_relaxed), block) == 0) {
+    qor_serv_heap_free(block);
     return nullptr;
   }
   block->mode = 0;
@@ -80,42 +69,43 @@ ThreadState& make_block_or_exit() {
 }
 
 [[gnu::cold, gnu::noinline]] ThreadState& first_use() {
-  if (slot.load(std::memory_order_acquire) == no_thread_slot && make_slot() &&
-      slot.load(std::memory_order_relaxed) == no_thread_slot) {
+  const services::ErrnoKept kept;
+  if (slot.load(std::memory_order_acquire) == QOR_SERV_NO_SLOT && make_slot() &&
+      slot.load(std::memory_order_relaxed) == QOR_SERV_NO_SLOT) {
     print_no_state();
   }
   return make_block_or_exit();
 }
 
 void free_own_block() {
-  const ThreadSlot known = slot.load(std::memory_order_acquire);
-  if (known == no_thread_slot) return;
-  void* block = services::thread_slot_value(known);
+  const unsigned known = slot.load(std::memory_order_acquire);
+  if (known == QOR_SERV_NO_SLOT) return;
+  void* block = services::thread_block(known);
   if (block == nullptr) return;
-  free_block_at_thread_end(block);
-  services::set_thread_slot_value(known, nullptr);
+  qor_serv_set_slot(known, nullptr);
+  qor_serv_heap_free(block);
 }
 
 int32_t attach_process() {
   if (!make_slot()) return 1;
-  if (slot.load(std::memory_order_relaxed) != no_thread_slot && make_block() != nullptr) return 1;
+  if (slot.load(std::memory_order_relaxed) != QOR_SERV_NO_SLOT && make_block() != nullptr) return 1;
   print_no_state();
   return 0;
 }
 
+// Other threads may be ending: from when the slot is closed on none of them touches its block.
 void detach_process() {
   free_own_block();
-  const ThreadSlot known = slot.exchange(no_thread_slot, std::memory_order_acq_rel);
-  if (known != no_thread_slot) services::delete_thread_slot(known);
-  services::destroy_private_heap(heap.exchange(nullptr, std::memory_order_acq_rel));
+  qor_serv_close_slot(slot.exchange(QOR_SERV_NO_SLOT, std::memory_order_acq_rel));
+  qor_serv_close_heap(heap.exchange(nullptr, std::memory_order_acq_rel));
 }
 
 }  // namespace
 
 ThreadState& thread_state() {
-  const ThreadSlot known = slot.load(std::memory_order_acquire);
-  if (known != no_thread_slot) [[likely]] {
-    void* block = services::thread_slot_value(known);
+  const unsigned known = slot.load(std::memory_order_acquire);
+  if (known != QOR_SERV_NO_SLOT) [[likely]] {
+    void* block = services::thread_block(known);
     if (block != nullptr) [[likely]]
       return *static_cast<ThreadState*>(block);
   }

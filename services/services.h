@@ -3,6 +3,7 @@
 
 #include <pthread.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 
@@ -25,22 +26,32 @@ class LockGuard {
   int32_t& word_;
 };
 
-// A process-wide slot with a value per thread. `all ones` means that there is none.
-using ThreadSlot = pthread_key_t;
-inline constexpr ThreadSlot no_thread_slot = ~ThreadSlot{0};
+// The calling thread's block in a slot, or null.
+inline void* thread_block(unsigned slot) {
+  auto* place = static_cast<const qor_serv_place*>(pthread_getspecific(slot));
+  return place != nullptr ? place->block : nullptr;
+}
 
-// Returns a new slot whose non-null values are handed to `at_thread_end` when their thread ends, or
-// no_thread_slot.
-ThreadSlot create_thread_slot(void (*at_thread_end)(void* value));
-void delete_thread_slot(ThreadSlot slot);
-inline void* thread_slot_value(ThreadSlot slot) { return pthread_getspecific(slot); }
-bool set_thread_slot_value(ThreadSlot slot, void* value);
+// Keeps the caller's errno over a scope.
+class ErrnoKept {
+ public:
+  ErrnoKept() : value_(errno) {}
+  ~ErrnoKept() { errno = value_; }
+  ErrnoKept(const ErrnoKept&) = delete;
+  ErrnoKept& operator=(const ErrnoKept&) = delete;
 
-// A private heap: zeroed blocks of its own, all of which go when the heap goes. Any thread.
-struct PrivateHeap;
-PrivateHeap* create_private_heap();
-void destroy_private_heap(PrivateHeap* heap);
-void* heap_allocate(PrivateHeap* heap, size_t size);
-void heap_free(PrivateHeap* heap, void* block);
+ private:
+  int value_;
+};
+
+// The feature words ECX and EDX of the processor's identification leaf 1, asked for at each call;
+// zero when there is no such leaf.
+struct FeatureWords {
+  uint32_t ecx = 0, edx = 0;
+};
+FeatureWords processor_features();
+
+// A counter of the processor that goes on between any two calls.
+uint64_t time_stamp();
 
 }  // namespace qor::services

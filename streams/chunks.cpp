@@ -1,5 +1,7 @@
 // The chunk list of a stream: blocks of data with an id, newest first.
 
+#include "streams/chunks.h"
+
 #include "services/services.h"
 #include "streams/record.h"
 #include "streams/shared_table.h"
@@ -36,23 +38,39 @@ StreamChunk* copy_chunk(const StreamChunk& source) {
     qor_serv_deallocate(copy);
     return nullptr;
   }
-  qor_serv_memcpy_s(copy->data, source.size, source.data, source.size);
+  void* own = copy->data;
+  qor_serv_memcpy_s(own, source.size, source.data, source.size);
   if (!is_none(copy->shared)) share(*copy);
+  if (copy->data != own) qor_serv_deallocate(own);
   return copy;
+}
+
+// Adds a chunk, whose data is registered under the identifier, if there is one, as told.
+StreamChunk* add_chunk(StreamState* stream, int32_t id, const qor_shared_id* shared, void* data,
+                       uint32_t size, void share_as_told(StreamChunk&)) {
+  StreamChunk* chunk = new_chunk(id, size, data);
+  if (chunk == nullptr) return nullptr;
+  if (shared != nullptr && !is_none(*shared)) {
+    chunk->shared = *shared;
+    share_as_told(*chunk);
+  }
+  link_at_head(stream, chunk);
+  return chunk;
 }
 
 }  // namespace
 
+int32_t qor::streams::add_loaded_chunk(StreamState* stream, int32_t id, const qor_shared_id& shared,
+                                       void* data, uint32_t size) {
+  const StreamChunk* chunk = add_chunk(stream, id, &shared, data, size, share_if_same_size);
+  if (chunk == nullptr || chunk->data != data) qor_serv_deallocate(data);
+  return chunk != nullptr ? QOR_STREAM_OK : QOR_STREAM_NO_MEMORY;
+}
+
 int32_t __ostAddChunk(StreamState* stream, int32_t id, const qor_shared_id* shared, void* data,
                       uint32_t size) {
-  StreamChunk* chunk = new_chunk(id, size, data);
-  if (chunk == nullptr) return QOR_STREAM_NO_MEMORY;
-  if (shared != nullptr && !is_none(*shared)) {
-    chunk->shared = *shared;
-    share(*chunk);
-  }
-  link_at_head(stream, chunk);
-  return QOR_STREAM_OK;
+  const StreamChunk* chunk = add_chunk(stream, id, shared, data, size, share);
+  return chunk != nullptr ? QOR_STREAM_OK : QOR_STREAM_NO_MEMORY;
 }
 
 void* __ostSearchChunk(const StreamState* stream, int32_t id) {

@@ -3,28 +3,46 @@
 // An image comes from outside: no field is believed before it has been tested, a failed read leaves
 // zeros, and nothing is read beyond what the image's own sizes cover.
 
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
+#include "services/file.h"
 #include "services/services.h"
-#include "streams/file.h"
+#include "streams/chunks.h"
 #include "streams/image.h"
 #include "streams/record.h"
 #include "streams/registry.h"
-#include "streams/shared_table.h"
 
 namespace {
 
 using namespace qor::streams;
+using namespace qor::services;
+
+// What is known of the bytes ahead.
+enum class Ahead { enough, too_few, unknown };
 
 struct FileSource {
   static constexpr int32_t not_an_image = QOR_STREAM_BAD_FILE;
   FILE* file;
-  bool read(void* to, size_t count) { return read_item(file, to, count); }
+  uint64_t known_left = known_file_bytes(file);
+
+  Ahead ahead(size_t count) const {
+    if (known_left == unknown_file_bytes) return Ahead::unknown;
+    return count <= known_left ? Ahead::enough : Ahead::too_few;
+  }
+  bool read(void* to, size_t count) {
+    if (!read_item(file, to, count)) return false;
+    if (known_left != unknown_file_bytes) known_left -= std::min<uint64_t>(count, known_left);
+    return true;
+  }
 };
 
 struct MemorySource {
   static constexpr int32_t not_an_image = QOR_STREAM_BAD_IMAGE;
   const char* next;
+
+  static Ahead ahead(size_t) { return Ahead::enough; }
   bool read(void* to, size_t count) {
     std::memcpy(to, next, count);
     next += count;
@@ -75,39 +93,59 @@ const BrngProperties* row_of_image(const ImageHeader& header) {
 
 // ---- Chunks -------------------------------------------------------------------------------------
 
-// Hands a payload over to a new chunk of the stream, or frees it: when it is shared data that is
-// there already, the chunk takes that instead. An image may lie about its size.
-int32_t add_chunk(StreamState* stream, int32_t id, const qor_shared_id& shared, void* data,
-                  uint32_t size) {
-  const int32_t status = __ostAddChunk(stream, id, &shared, data, size);
-  StreamChunk* chunk = status == QOR_STREAM_OK ? first_chunk(stream) : nullptr;
-  if (chunk != nullptr && chunk->data != data) unshare_unless_same_size(*chunk, data);
-  if (chunk == nullptr || chunk->data != data) qor_serv_deallocate(data);
-  return status;
+// A payload of unknown length is read in pieces, each as long as what is there already: no more is
+// allocated than twice what has come.
+constexpr size_t kFirstPiece = size_t{1} << 20;
+
+// The first `filled` bytes of the block in a larger one, or null; the block is freed.
+void* enlarged(void* block, size_t filled, size_t room) {
+  void* larger = qor_serv_allocate(room, work_alignment);
+  if (larger != nullptr) qor_serv_memcpy_s(larger, room, block, filled);
+  qor_serv_deallocate(block);
+  return larger;
+}
+
+// Reads a payload into a block of its own. The block is there when 0 is returned, and for the
+// failed read of no bytes; else null.
+template <class Source>
+int32_t read_payload(Source& source, size_t size, void*& block) {
+  block = nullptr;
+  const Ahead ahead = source.ahead(size);
+  if (ahead == Ahead::too_few) return QOR_STREAM_FILE_READ;
+  size_t filled = 0, room = ahead == Ahead::enough ? size : std::min(size, kFirstPiece);
+  block = qor_serv_allocate(room, work_alignment);
+  while (block != nullptr) {
+    const bool complete = source.read(static_cast<char*>(block) + filled, room - filled);
+    if (complete && room == size) return QOR_STREAM_OK;
+    if (!complete) {
+      if (size != 0) qor_serv_deallocate(std::exchange(block, nullptr));
+      return QOR_STREAM_FILE_READ;
+    }
+    filled = room;
+    room += std::min(size - room, room);
+    block = enlarged(block, filled, room);
+  }
+  return QOR_STREAM_NO_MEMORY;
 }
 
 enum class Then { go_on, stop };
 
-// One chunk; its payload's read decides the status, unless there is no room for it.
+// One chunk; its payload's read decides the status. Behind a read that came to the end of the file
+// there is nothing more to read; a payload without bytes fails, in a file, where it stands.
 template <class Source>
 Then read_chunk(Source& source, StreamState* stream, uint8_t version, int32_t& status) {
   int32_t id = 0;
   uint32_t size = 0;
   qor_shared_id shared{0, 0};
   source.read(&id, sizeof id);
-  if (version > image_version) {
-    status = QOR_STREAM_FILE_READ;
-    return Then::stop;
-  }
+  status = QOR_STREAM_FILE_READ;
+  if (version > image_version) return Then::stop;
   if (version != 0) source.read(&shared, sizeof shared);
-  if (!source.read(&size, sizeof size)) size = 0;
-  void* data = qor_serv_allocate(size, qor::services::work_alignment);
-  if (data == nullptr) {
-    status = QOR_STREAM_NO_MEMORY;
-    return Then::stop;
-  }
-  status = source.read(data, size) ? QOR_STREAM_OK : QOR_STREAM_FILE_READ;
-  const int32_t added = add_chunk(stream, id, shared, data, size);
+  if (!source.read(&size, sizeof size)) return Then::stop;
+  void* data = nullptr;
+  status = read_payload(source, size, data);
+  if (data == nullptr) return Then::stop;
+  const int32_t added = add_loaded_chunk(stream, id, shared, data, size);
   if (added == QOR_STREAM_OK) return Then::go_on;
   status = added;
   return Then::stop;

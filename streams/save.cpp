@@ -1,8 +1,9 @@
 // Saving a stream, to a file or to memory.
 
 #include <cstring>
+#include <limits>
 
-#include "streams/file.h"
+#include "services/file.h"
 #include "streams/image.h"
 #include "streams/record.h"
 #include "streams/registry.h"
@@ -10,6 +11,7 @@
 namespace {
 
 using namespace qor::streams;
+using namespace qor::services;
 
 struct FileSink {
   FILE* file;
@@ -24,6 +26,18 @@ struct MemorySink {
     return true;
   }
 };
+
+// The image's field of the count has no more.
+bool has_too_many_chunks(const StreamState* stream) {
+  return __ostGetNumChunks(stream) > std::numeric_limits<uint16_t>::max();
+}
+
+uint64_t image_bytes(const StreamState* stream) {
+  uint64_t bytes = sizeof(ImageHeader) + generator_bytes(row_of(stream));
+  for (const StreamChunk* chunk = first_chunk(stream); chunk != nullptr; chunk = chunk->next)
+    bytes += uint64_t{chunk->size} + image_chunk_bytes;
+  return bytes;
+}
 
 ImageHeader header_of(const StreamState* stream) {
   const auto state_bytes = static_cast<uint32_t>(generator_bytes(row_of(stream)));
@@ -62,15 +76,15 @@ bool write_image(Sink& sink, const StreamState* stream) {
 }  // namespace
 
 int32_t __ostGetStreamSize(const StreamState* stream) {
-  size_t bytes = sizeof(ImageHeader) + generator_bytes(row_of(stream));
-  for (const StreamChunk* chunk = first_chunk(stream); chunk != nullptr; chunk = chunk->next)
-    bytes += size_t{chunk->size} + image_chunk_bytes;
-  return static_cast<int32_t>(bytes);
+  const uint64_t bytes = image_bytes(stream);
+  constexpr int32_t most = std::numeric_limits<int32_t>::max();
+  return bytes <= uint64_t{most} ? static_cast<int32_t>(bytes) : QOR_STREAM_FILE_WRITE;
 }
 
 int32_t __ostSaveStreamF(const StreamState* stream, const char* name, int32_t length) {
   const FileName file_name(name, length);
   if (file_name.text() == nullptr) return QOR_STREAM_NO_MEMORY;
+  if (has_too_many_chunks(stream)) return QOR_STREAM_FILE_WRITE;
   FILE* file = std::fopen(file_name.text(), "wb");
   if (file == nullptr) return QOR_STREAM_FILE_OPEN;
   FileSink sink{file};
@@ -80,6 +94,7 @@ int32_t __ostSaveStreamF(const StreamState* stream, const char* name, int32_t le
 }
 
 int32_t __ostSaveStreamM(const StreamState* stream, void* memory) {
+  if (has_too_many_chunks(stream) || __ostGetStreamSize(stream) < 0) return QOR_STREAM_FILE_WRITE;
   MemorySink sink{static_cast<char*>(memory)};
   write_image(sink, stream);
   return QOR_STREAM_OK;

@@ -17,18 +17,19 @@ qor_shared_entry entries[kCapacity];
 int32_t entries_in_use = 0;
 
 // Held for a search of the table at most, so that a waiting thread may spin.
-std::atomic<int32_t> lock_word{0};
-
 class TableLock {
  public:
   TableLock() {
-    for (int32_t free = 0; !lock_word.compare_exchange_weak(free, 1, std::memory_order_acquire);
+    for (int32_t free = 0; !word_.compare_exchange_weak(free, 1, std::memory_order_acquire);
          free = 0) {
     }
   }
-  ~TableLock() { lock_word.store(0, std::memory_order_release); }
+  ~TableLock() { word_.store(0, std::memory_order_release); }
   TableLock(const TableLock&) = delete;
   TableLock& operator=(const TableLock&) = delete;
+
+ private:
+  std::atomic_ref<int32_t> word_{*qor_serv_process_lock(QOR_SERV_SHARED_DATA_LOCK)};
 };
 
 bool same(const qor_shared_id& a, const qor_shared_id& b) {
@@ -45,12 +46,19 @@ qor_shared_entry* find(const qor_shared_id& id) {
   return nullptr;
 }
 
-bool refer(StreamChunk& chunk, const qor_shared_id& id) {
-  qor_shared_entry* entry = find(id);
-  if (entry == nullptr) return false;
-  ++entry->references;
-  chunk.data = entry->data;
-  return true;
+// Whoever registered data by hand told no size: then the chunk's own stands.
+void refer(qor_shared_entry& entry, StreamChunk& chunk) {
+  ++entry.references;
+  chunk.data = entry.data;
+  if (entry.size != QOR_SHARED_SIZE_UNKNOWN) chunk.size = static_cast<uint32_t>(entry.size);
+}
+
+void enter(StreamChunk& chunk) {
+  if (entries_in_use >= kChunkLimit) {
+    chunk.shared = {0, 0};
+  } else {
+    entries[entries_in_use++] = {chunk.shared, 1, chunk.data, chunk.size};
+  }
 }
 
 // Takes a reference from every entry with this id; returns how many there were.
@@ -76,17 +84,31 @@ int32_t unrefer(const qor_shared_id& id) {
 
 void share(StreamChunk& chunk) {
   const TableLock lock;
-  if (refer(chunk, chunk.shared)) return;
-  if (entries_in_use >= kChunkLimit) {
-    chunk.shared = {0, 0};
+  qor_shared_entry* entry = find(chunk.shared);
+  if (entry != nullptr) {
+    refer(*entry, chunk);
   } else {
-    entries[entries_in_use++] = {chunk.shared, 1, chunk.data, chunk.size};
+    enter(chunk);
+  }
+}
+
+void share_if_same_size(StreamChunk& chunk) {
+  const TableLock lock;
+  qor_shared_entry* entry = find(chunk.shared);
+  if (entry == nullptr) {
+    enter(chunk);
+  } else if (entry->size == int64_t{chunk.size}) {
+    refer(*entry, chunk);
+  } else {
+    chunk.shared = {0, 0};
   }
 }
 
 bool share_registered(StreamChunk& chunk) {
   const TableLock lock;
-  return refer(chunk, chunk.shared);
+  qor_shared_entry* entry = find(chunk.shared);
+  if (entry != nullptr) refer(*entry, chunk);
+  return entry != nullptr;
 }
 
 void release_data(StreamChunk& chunk) {
@@ -95,15 +117,6 @@ void release_data(StreamChunk& chunk) {
     if (unrefer(chunk.shared) != 0) return;
   }
   qor_serv_deallocate(chunk.data);
-}
-
-void unshare_unless_same_size(StreamChunk& chunk, void* own_data) {
-  const TableLock lock;
-  const qor_shared_entry* entry = find(chunk.shared);
-  if (entry == nullptr || entry->size == chunk.size) return;
-  unrefer(chunk.shared);
-  chunk.shared = {0, 0};
-  chunk.data = own_data;
 }
 
 }  // namespace qor::streams
@@ -124,13 +137,14 @@ int32_t __ostCreateGlobRODataTableEntry(qor_shared_entry** entry, const qor_shar
   const TableLock lock;
   if (entries_in_use >= kCapacity) return QOR_STREAM_SHARED_TABLE_FULL;
   *entry = &entries[entries_in_use++];
-  **entry = {*id, 1, data, 0};
+  **entry = {*id, 1, data, QOR_SHARED_SIZE_UNKNOWN};
   return QOR_STREAM_OK;
 }
 
 int32_t __ostRegisterGlobRODataReference(StreamChunk* chunk, const qor_shared_id* id) {
   const TableLock lock;
-  refer(*chunk, *id);
+  qor_shared_entry* entry = find(*id);
+  if (entry != nullptr) refer(*entry, *chunk);
   return QOR_STREAM_OK;
 }
 
@@ -143,7 +157,7 @@ int32_t __ostUnregisterGlobRODataReference(const qor_shared_id* id) {
 int32_t __ostGenerateNewGlobalRODataTableEntryId(qor_shared_id* id, int32_t x) {
   const TableLock lock;
   do {
-    *id = {__builtin_ia32_rdtsc(), static_cast<uint64_t>(int64_t{x})};
+    *id = {qor::services::time_stamp(), static_cast<uint64_t>(int64_t{x})};
   } while (find(*id) != nullptr);
   return QOR_STREAM_OK;
 }

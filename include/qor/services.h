@@ -23,10 +23,45 @@ void qor_serv_deallocate(void* block);
    copied). A count of 0 copies nothing and returns 0. The ranges must not overlap. */
 int qor_serv_memcpy_s(void* destination, size_t destination_size, const void* source, size_t count);
 
-/* Locks. A lock is a 32-bit word, 0 when free; one thread holds it at a time, not recursively.
-   A waiting thread spins for a while, then yields its processor. */
+/* Locks. A lock is a 32-bit word, 0 when free and 1 when held; one thread holds it at a time, not
+   recursively. A waiting thread spins for a while, then yields its processor. */
 void qor_serv_lock(int32_t* word);
 void qor_serv_unlock(int32_t* word);
+
+/* Locks of the process, one word each for all copies of the library. Whoever forks holds them all
+   meanwhile, taken in this order: the child finds them free, and what they guard whole. A thread
+   that holds one of them takes later ones only. */
+enum qor_serv_process_locks {
+  QOR_SERV_SLOT_LOCK,
+  QOR_SERV_HEAP_LOCK,
+  QOR_SERV_ENVIRONMENT_LOCK,
+  QOR_SERV_SHARED_DATA_LOCK,
+  QOR_SERV_THREADS_LOCK, /* of the services themselves */
+  QOR_SERV_PROCESS_LOCKS /* how many there are */
+};
+int32_t* qor_serv_process_lock(int number);
+
+/* Blocks of threads.
+   A heap holds zeroed blocks, all of which go when it is closed. A slot has a place for one of
+   these blocks on every thread. A thread that ends gives the block in its place back to the heap,
+   until the slot is closed, which empties all places; the heap is closed after its slots. Threads
+   may end at any time, also while a slot is closed and whoever opened it is unloaded: these
+   services stay loaded until the process ends. */
+typedef struct qor_serv_heap qor_serv_heap;
+qor_serv_heap* qor_serv_open_heap(void); /* null without memory, as the next */
+void* qor_serv_heap_allocate(qor_serv_heap* heap, size_t size);
+void qor_serv_heap_free(void* block);
+void qor_serv_close_heap(qor_serv_heap* heap); /* null does nothing */
+
+/* A slot is a key of pthread_getspecific, which has the address of the calling thread's place, or
+   null while there is none. Setting a place makes it; 1, or 0 without memory or slot. */
+typedef struct qor_serv_place {
+  void* block;
+} qor_serv_place;
+#define QOR_SERV_NO_SLOT (~0u)
+unsigned qor_serv_open_slot(void); /* QOR_SERV_NO_SLOT when there is no more */
+int qor_serv_set_slot(unsigned slot, void* block);
+void qor_serv_close_slot(unsigned slot); /* QOR_SERV_NO_SLOT does nothing */
 
 /* Environment.
    Copies the value of the variable `name`, with its terminating zero, into `buffer` of `size` bytes

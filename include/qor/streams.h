@@ -56,7 +56,7 @@ QOR_API int32_t __ostDeleteStream(StreamState** stream);
 /* The identifier. */
 QOR_API int32_t __ostGetStreamStateBrng(const StreamState* stream);
 
-/* The bytes of the stream's image, see below. */
+/* The bytes of the stream's image, see below; -1102 when they are more than 2^31 - 1. */
 QOR_API int32_t __ostGetStreamSize(const StreamState* stream);
 
 /* ---- Skip-ahead and leapfrog ---------------------------------------------------------------- */
@@ -125,11 +125,12 @@ QOR_API int32_t __ost_SkipAheadSWin(StreamState* stream, qor_ring_zero zero, qor
 /* Images, in a file and in memory alike, are tied to little-endian byte order; docs/streams.md has
    the format. `name` has `length` bytes, or ends with a zero when length is negative. All four
    return 0 or one of -4, -1100 to -1110, -1130, -1200; a load that fails sets *stream to null. A
-   loaded stream has its chunks in reverse order. */
+   loaded stream has its chunks in reverse order. A stream of more than 65,535 chunks has no image:
+   saving it is -1102, and nothing is opened or written. */
 QOR_API int32_t __ostSaveStreamF(const StreamState* stream, const char* name, int32_t length);
 QOR_API int32_t __ostLoadStreamF(StreamState** stream, const char* name, int32_t length);
 
-/* `memory` holds __ostGetStreamSize bytes at least; there is no test. Always 0. */
+/* `memory` holds __ostGetStreamSize bytes at least; there is no test. 0, or -1102 as told. */
 QOR_API int32_t __ostSaveStreamM(const StreamState* stream, void* memory);
 /* The image's own sizes are all that is known of its length. */
 QOR_API int32_t __ostLoadStreamM(StreamState** stream, const void* memory);
@@ -152,7 +153,8 @@ typedef struct StreamChunk {
 
 /* Adds a chunk at the head of the list. `data`, a block of qor_serv_allocate, belongs to the stream
    from then on; with a shared identifier, the data that is registered under it is taken instead, if
-   there is any, and `data` stays with the caller. 0, or -4 with everything as before. */
+   there is any, with its size, and `data` stays with the caller. 0, or -4 with everything as
+   before. */
 QOR_API int32_t __ostAddChunk(StreamState* stream, int32_t id, const qor_shared_id* shared,
                               void* data, uint32_t size);
 /* The data of the chunk with this id that was added last, or null. */
@@ -173,14 +175,17 @@ typedef struct qor_shared_entry {
   qor_shared_id id;
   uint32_t references; /* chunks that hold the data */
   void* data;
-  uint32_t size; /* bytes of data, 0 when they were not told */
+  int64_t size; /* bytes of data, or QOR_SHARED_SIZE_UNKNOWN */
 } qor_shared_entry;
+#define QOR_SHARED_SIZE_UNKNOWN (-1)
 
 QOR_API int32_t __ostFindGlobRODataTableEntry(qor_shared_entry** entry, const qor_shared_id* id);
-/* An entry with one reference. -3001, with *entry left alone, when 128 are in use. */
+/* An entry with one reference, whose data has a size that is not known: chunks that hold it keep
+   the size they were added with. -3001, with *entry left alone, when 128 are in use. */
 QOR_API int32_t __ostCreateGlobRODataTableEntry(qor_shared_entry** entry, const qor_shared_id* id,
                                                 void* data);
-/* Lets the chunk hold the data of the entry `id`; nothing when there is none. Always 0. */
+/* Lets the chunk hold the data of the entry `id`, with its size, if it is known; nothing when there
+   is none. Always 0. */
 QOR_API int32_t __ostRegisterGlobRODataReference(StreamChunk* chunk, const qor_shared_id* id);
 /* Takes a reference from the entry `id`; at 0 the data is freed and the entry goes. Always 0. */
 QOR_API int32_t __ostUnregisterGlobRODataReference(const qor_shared_id* id);

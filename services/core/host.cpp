@@ -1,5 +1,6 @@
-// Host services: lock words, environment, end of the process, processor test.
+// Host services: lock words, forks, environment, end of the process, processor test.
 
+#include <pthread.h>
 #include <sched.h>
 
 #include <atomic>
@@ -23,6 +24,23 @@ void qor_serv_lock(int32_t* word) {
 void qor_serv_unlock(int32_t* word) {
   std::atomic_ref<int32_t>(*word).store(0, std::memory_order_release);
 }
+
+namespace {
+
+int32_t process_locks[QOR_SERV_PROCESS_LOCKS];
+
+void lock_all() {
+  for (int32_t& word : process_locks) qor_serv_lock(&word);
+}
+void unlock_all() {
+  for (int32_t& word : process_locks) qor_serv_unlock(&word);
+}
+
+[[gnu::constructor]] void watch_for_forks() { pthread_atfork(lock_all, unlock_all, unlock_all); }
+
+}  // namespace
+
+int32_t* qor_serv_process_lock(int number) { return &process_locks[number]; }
 
 int qor_serv_getenv(const char* name, char* buffer, int size) {
   if (size <= 0) return 0;

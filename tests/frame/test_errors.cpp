@@ -68,6 +68,7 @@ TEST_F(Errors, TheModeDecidesWhatFollows) {
       {QOR_MODE_ERRORS_ERRNO, QOR_ERROR_UNDERFLOW, ERANGE, 0},
       {QOR_MODE_ERRORS_EXCEPT, QOR_ERROR_UNDERFLOW, 0, 0x18},
       {QOR_MODE_ERRORS_STDERR, QOR_ERROR_UNDERFLOW, 0, 0},
+      {QOR_MODE_ERRORS_STDERR | QOR_MODE_ERRORS_ERRNO, QOR_ERROR_UNDERFLOW, ERANGE, 0},
       {QOR_MODE_ERRORS_CALLBACK, QOR_ERROR_UNDERFLOW, 0, 0},
       {QOR_MODE_ERRORS_IGNORE, QOR_ERROR_UNDERFLOW, 0, 0},
       {QOR_MODE_ERRORS_IGNORE | QOR_MODE_ERRORS_ERRNO, QOR_ERROR_UNDERFLOW, ERANGE, 0},
@@ -92,6 +93,14 @@ TEST_F(Errors, TheModeDecidesWhatFollows) {
     const bool prints = (c.errors & QOR_MODE_ERRORS_STDERR) != 0;
     EXPECT_EQ(qor::test::take_printed_messages().empty(), !prints);
   }
+}
+
+TEST_F(Errors, TheFirstUseOfAThreadKeepsItsErrno) {
+  std::thread([] {
+    errno = EINTR;
+    exp_of({1.0});
+    EXPECT_EQ(errno, EINTR);
+  }).join();
 }
 
 TEST_F(Errors, CallbackSeesTheElementsAndTheLastErrorRemains) {

@@ -4,12 +4,15 @@
 
 #include <thread>
 
+#include "frame/environment_option.h"
 #include "frame/mode.h"
+#include "tests/support/forks.h"
 #include "tests/support/services_interposer.h"
 
 namespace {
 
 using namespace qor::frame;
+using qor::test::expect_children_to_end;
 using qor::test::live_blocks;
 
 int32_t notify(Notice notice, void* reserved = nullptr) {
@@ -52,6 +55,17 @@ TEST(Attach, UnloadFreesTheBlocksOfOtherThreadsToo) {
     std::thread([&] { EXPECT_EQ(blocks_after_detach(), none); }).join();
   }).join();
   EXPECT_EQ(mode(), 0x1A02u);
+}
+
+TEST(Attach, ForkedChildrenFindTheLocksFree) {
+  const auto start_anew = [] {
+    notify(Notice::process_detach);
+    mode();
+  };
+  const auto read_options = [] { read_environment_option(); };
+  const auto start_threads = [] { std::thread([] { mode(); }).join(); };
+  expect_children_to_end(read_options, start_anew);
+  expect_children_to_end(start_threads, start_anew);
 }
 
 TEST(Attach, FailureIsAnsweredAndPrinted) {

@@ -1,5 +1,5 @@
-// Fuzz target: loading a stream from a file and from memory, then everything that walks what was
-// loaded.
+// Fuzz target: loading a stream from a file, from a pipe with the same bytes, and from memory, then
+// everything that walks what was loaded.
 
 #include <cstring>
 #include <vector>
@@ -11,7 +11,8 @@ namespace {
 
 using namespace qor::fuzz;
 using Image = std::vector<uint8_t>;
-constexpr size_t kLimit = 1 << 20;
+// Bytes of an image that are filled up at most, and that a pipe takes at once.
+constexpr size_t kLimit = 1 << 16;
 
 // The bytes that an image with these sizes covers; walks headers and chunk records only. Sizes
 // beyond the limit end the walk.
@@ -76,11 +77,32 @@ void use(const StreamState* stream) {
   __ostDeleteStream(&copy);
 }
 
+StreamState* loaded_from_file(const std::string& name) {
+  return loaded<const char*, int32_t>(__ostLoadStreamF, name.c_str(), -1);
+}
+
+StreamState* loaded_from_pipe(const uint8_t* data, size_t size) {
+  int ends[2];
+  require(pipe(ends) == 0);
+  require(write(ends[1], data, size) == static_cast<ssize_t>(size));
+  close(ends[1]);
+  StreamState* stream = loaded_from_file("/proc/self/fd/" + std::to_string(ends[0]));
+  close(ends[0]);
+  return stream;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  StreamState* stream =
-      loaded<const char*, int32_t>(__ostLoadStreamF, file_of(data, size).c_str(), -1);
+  StreamState* stream = loaded_from_file(file_of(data, size));
+  if (size <= kLimit) {
+    StreamState* again = loaded_from_pipe(data, size);
+    require((stream != nullptr) == (again != nullptr));
+    if (again != nullptr) {
+      require(image_of(again) == image_of(stream));
+      __ostDeleteStream(&again);
+    }
+  }
   if (stream != nullptr) {
     image_of(stream);
     __ostDeleteStream(&stream);

@@ -1,12 +1,16 @@
-// A host that loads the library by name, uses it on several threads, unloads and reloads it, and
-// ends while a thread is still inside a kernel. Arguments: the library's path.
+// A host that loads the library by name, uses it on several threads, unloads and reloads it while
+// threads end and the process forks, and ends while a thread is still inside a kernel. Arguments:
+// the library's path, and how often it is unloaded under threads that end.
 
 #include <dlfcn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -51,6 +55,72 @@ void unload_under_a_thread(const char* path) {
   user.join();
 }
 
+// The library goes while the last of the threads that used it end, a few more of them each time.
+void unload_while_threads_end(const char* path, int rounds) {
+  constexpr int kThreads = 8;
+  for (int round = 0; round < rounds; ++round) {
+    void* library = nullptr;
+    const Exp exp = load(path, library);
+    std::atomic<int> used{0};
+    std::atomic<bool> end{false};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+      threads.emplace_back([&, i] {
+        use(exp);
+        ++used;
+        while (i < round % kThreads && !end) std::this_thread::yield();
+      });
+    }
+    while (used != kThreads) std::this_thread::yield();
+    end = true;
+    dlclose(library);
+    for (std::thread& thread : threads) thread.join();
+  }
+}
+
+// Loads and unloads while another thread forks.
+void unload_while_forking(const char* path, int rounds) {
+  std::atomic<bool> stop{false};
+  std::thread forking([&] {
+    while (!stop) {
+      const pid_t child = fork();
+      if (child == 0) _exit(0);
+      int status = -1;
+      check(waitpid(child, &status, 0) == child && status == 0, "a child does not end well");
+    }
+  });
+  for (int round = 0; round < rounds; ++round) {
+    void* library = nullptr;
+    use(load(path, library));
+    dlclose(library);
+  }
+  stop = true;
+  forking.join();
+}
+
+// The threads that BLAS starts outlive the call, and the library.
+[[maybe_unused]] void unload_after_blas(const char* path) {
+  using Gemm = void (*)(const char*, const char*, const int*, const int*, const int*, const double*,
+                        const double*, const int*, const double*, const int*, const double*,
+                        double*, const int*, size_t, size_t);
+  void* library = nullptr;
+  load(path, library);
+  const auto gemm = reinterpret_cast<Gemm>(dlsym(library, "dgemm_"));
+  check(gemm != nullptr, "dgemm_ is missing");
+  const auto multiply = [gemm] {
+    const int n = 400;
+    const double one = 1.0, zero = 0.0;
+    const std::vector<double> a(size_t{n} * n, 1.0);
+    std::vector<double> c(a.size());
+    gemm("N", "N", &n, &n, &n, &one, a.data(), &n, a.data(), &n, &zero, c.data(), &n, 1, 1);
+    check(c.back() == n, "a wrong product");
+  };
+  std::thread([&] {
+    multiply();
+    dlclose(library);
+  }).join();
+}
+
 // Leaves a thread at work; the process may now end.
 [[maybe_unused]] void end_inside_a_kernel(const char* path) {
   void* library = nullptr;
@@ -73,15 +143,14 @@ void unload_under_a_thread(const char* path) {
 #endif
 #endif
 
-// The leak sanitizer asks for this: libgomp, which the library's BLAS brings along, keeps a few
-// bytes when it is unloaded.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() { return "leak:libgomp.so\n"; }
-
 int main(int argc, char** argv) {
-  check(argc == 2, "one argument, the library's path, is wanted");
+  check(argc == 2 || argc == 3, "the library's path is wanted, and a number of rounds is taken");
+  const int rounds = argc == 3 ? std::atoi(argv[2]) : 200;
   for (int round = 0; round < 3; ++round) unload_under_a_thread(argv[1]);
+  unload_while_threads_end(argv[1], rounds);
+  unload_while_forking(argv[1], 20);
 #ifndef QOR_THREAD_SANITIZER
+  for (int round = 0; round < 10; ++round) unload_after_blas(argv[1]);
   end_inside_a_kernel(argv[1]);
 #endif
   return 0;

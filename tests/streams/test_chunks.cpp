@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "tests/streams/stream_support.h"
+#include "tests/support/forks.h"
 
 namespace {
 
@@ -75,6 +76,29 @@ TEST(SharedData, EntriesByHand) {
   }
 }
 
+TEST(SharedData, AChunkHasTheSizeOfWhatItShares) {
+  const BlocksInBalance balance;
+  const Stream first = new_stream(QOR_BRNG_MCG31M1), second = new_stream(QOR_BRNG_MCG31M1);
+  const qor_shared_id id = new_id();
+  add_chunk(first, 1, {5, 6, 7}, &id);
+  qor_serv_deallocate(add_chunk(second, 1, Bytes(100000), &id));
+  EXPECT_EQ(image_of(second), image_of(first));
+  qor_serv_deallocate(add_chunk(second, 1, {}, &id));
+  EXPECT_EQ(__ostGetStreamSize(second.get()), 32 + 2 * 27);
+  StreamChunk chunk{};
+  chunk.size = 100000;
+  __ostRegisterGlobRODataReference(&chunk, &id);
+  EXPECT_EQ(chunk.size, 3u);
+  __ostUnregisterGlobRODataReference(&id);
+  // Of data that was registered by hand each chunk's owner knows the size.
+  qor_shared_entry* entry = nullptr;
+  const qor_shared_id by_hand = new_id();
+  ASSERT_EQ(__ostCreateGlobRODataTableEntry(&entry, &by_hand, qor_serv_allocate(2, 128)), 0);
+  qor_serv_deallocate(add_chunk(first, 2, {8, 9}, &by_hand));
+  EXPECT_EQ(__ostGetStreamSize(first.get()), 32 + 27 + 26);
+  __ostUnregisterGlobRODataReference(&by_hand);
+}
+
 TEST(SharedData, ChunksStopSharingAtOneShortOfTheTable) {
   const BlocksInBalance balance;
   Stream first = new_stream(QOR_BRNG_MCG31M1);
@@ -128,6 +152,14 @@ TEST(SharedData, ThreadsShareOnePayload) {
   EXPECT_EQ(references_of(id), 1u);
   source.reset();
   EXPECT_EQ(references_of(id), 0u);
+}
+
+TEST(SharedData, ForkedChildrenFindTheTableFree) {
+  const qor_shared_id id = new_id();
+  const Stream source = new_stream(QOR_BRNG_MCG31M1);
+  add_chunk(source, 9, {42}, &id);
+  const auto share = [&] { copy_of(source); };
+  expect_children_to_end(share, share);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <fstream>
 #include <iterator>
+#include <thread>
 
 #include "tests/fuzz/memory_file.h"
 #include "tests/streams/stream_support.h"
@@ -24,6 +25,25 @@ Bytes contents_of(const std::string& file) {
 
 Answer load_file(const Bytes& image) {
   return answer_of(__ostLoadStreamF, file_of(image).c_str(), -1);
+}
+
+// The same through a pipe, whose length nobody knows.
+Answer load_pipe(const Bytes& image) {
+  int ends[2] = {-1, -1};
+  EXPECT_EQ(pipe(ends), 0);
+  std::thread writer([&] {
+    for (size_t sent = 0; sent < image.size();) {
+      const ssize_t count = write(ends[1], image.data() + sent, image.size() - sent);
+      if (count <= 0) break;
+      sent += static_cast<size_t>(count);
+    }
+    close(ends[1]);
+  });
+  Answer answer =
+      answer_of(__ostLoadStreamF, ("/proc/self/fd/" + std::to_string(ends[0])).c_str(), -1);
+  close(ends[0]);
+  writer.join();
+  return answer;
 }
 
 Stream with_chunks(int32_t brng) {
@@ -110,6 +130,31 @@ TEST(Images, ChunksWithoutBytes) {
   EXPECT_EQ(load_file(contents_of(file)).what, "0 made");
 }
 
+TEST(Images, WhatDoesNotFitTheFormatIsNotWritten) {
+  const Bytes sentinel = {1, 2, 3};
+  const std::string file = file_of(sentinel);
+  const auto expect_not_in_memory = [](const Stream& stream) {
+    Bytes memory(100);
+    EXPECT_EQ(__ostSaveStreamM(stream.get(), memory.data()), -1102);
+    EXPECT_EQ(memory, Bytes(100));
+  };
+  const auto expect_refused = [&](const Stream& stream) {
+    EXPECT_EQ(__ostSaveStreamF(stream.get(), file.c_str(), -1), -1102);
+    EXPECT_EQ(contents_of(file), sentinel);
+    expect_not_in_memory(stream);
+  };
+  const Stream many = new_stream(QOR_BRNG_MCG31M1);
+  for (int k = 0; k < 65535; ++k) add_chunk(many, k, {7});
+  EXPECT_EQ(ids_of(load_memory(image_of(many)).stream).size(), 65535u);
+  add_chunk(many, 65535, {7});
+  expect_refused(many);
+  // Memory has to be asked for by a size that 32 bits hold.
+  const Stream large = new_stream(QOR_BRNG_MCG31M1);
+  ASSERT_EQ(__ostAddChunk(large.get(), 1, nullptr, qor_serv_allocate(1, 128), 0x80000000), 0);
+  EXPECT_EQ(__ostGetStreamSize(large.get()), -1102);
+  expect_not_in_memory(large);
+}
+
 TEST(Images, SharedDataStaysShared) {
   const BlocksInBalance balance;
   const Stream stream = new_stream(QOR_BRNG_MCG31M1);
@@ -131,6 +176,32 @@ TEST(ImageFiles, FilesThatEndEarly) {
   const BlocksInBalance balance;
   for (auto end = whole.begin(); end != whole.end(); ++end)
     EXPECT_EQ(load_file(Bytes(whole.begin(), end)).what, "-1103 null") << end - whole.begin();
+}
+
+TEST(ImageFiles, APayloadThatIsNotThereIsNotAllocated) {
+  const Stream stream = new_stream(QOR_BRNG_MCG31M1);
+  add_chunk(stream, 1, {1, 2, 3});
+  Bytes image = image_of(stream);
+  std::fill_n(image.begin() + 32 + 20, 4, 0xFF);  // of 4 GB
+  for (const auto& load : {load_file, load_pipe}) {
+    const FailingAllocations none(-1);
+    EXPECT_EQ(load(image).what, "-1103 null");
+    EXPECT_LE(none.largest(), size_t{1} << 20);
+  }
+}
+
+TEST(ImageFiles, PipesOfAnyLength) {
+  const Stream stream = with_chunks(QOR_BRNG_R250);
+  Bytes payload(5'000'001);
+  for (size_t i = 0; i < payload.size(); ++i) payload[i] = static_cast<unsigned char>(i % 251);
+  add_chunk(stream, 3, payload);
+  const Bytes image = image_of(stream);
+  const BlocksInBalance balance;
+  const Stream loaded = load_pipe(image).stream;
+  ASSERT_NE(loaded, nullptr);
+  EXPECT_EQ(image_of(load_memory(image_of(loaded)).stream), image);
+  EXPECT_EQ(load_pipe(Bytes(image.begin(), image.end() - 100)).what, "-1103 null");
+  EXPECT_EQ(load_pipe(Bytes(image.begin(), image.begin() + 3'000'000)).what, "-1103 null");
 }
 
 TEST(ImageFiles, AllocationFailuresLeaveNothingBehind) {

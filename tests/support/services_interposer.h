@@ -24,6 +24,8 @@ class FailingAllocations {
 
   // Allocations asked for since the construction.
   long asked() const;
+  // Bytes of the largest of them.
+  size_t largest() const;
 };
 
 // Blocks of qor_serv_allocate that live now.

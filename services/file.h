@@ -1,4 +1,4 @@
-// Files behind the save and load entries.
+// Files, as the C library has them, and their names.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 #include "services/services.h"
 
-namespace qor::streams {
+namespace qor::services {
 
 // A file name of `length` bytes with its terminating zero, in a block of its own; null without
 // memory. A negative length means that the name ends with a zero already.
@@ -16,7 +16,7 @@ class FileName {
   FileName(const char* name, int32_t length) : text_(name) {
     if (length < 0) return;
     const auto bytes = static_cast<size_t>(length);
-    block_ = static_cast<char*>(qor_serv_allocate(bytes + 1, services::work_alignment));
+    block_ = static_cast<char*>(qor_serv_allocate(bytes + 1, work_alignment));
     if (block_ != nullptr) {
       qor_serv_memcpy_s(block_, bytes, name, bytes);
       block_[bytes] = '\0';
@@ -41,4 +41,9 @@ inline bool read_item(FILE* file, void* item, size_t bytes) {
   return std::fread(item, bytes, 1, file) == 1;
 }
 
-}  // namespace qor::streams
+// The bytes of a file that is known to have that many, from its start; unknown for pipes, devices
+// and the like.
+inline constexpr uint64_t unknown_file_bytes = UINT64_MAX;
+uint64_t known_file_bytes(FILE* file);
+
+}  // namespace qor::services
