@@ -95,7 +95,7 @@ struct Reader {
     transfer(ring.buffer + ring.next, straight, out);
     transfer(ring.buffer, count - straight, out + straight);
     out += count;
-    ring.next = (ring.next + count) % ring.n;
+    ring.next = static_cast<int32_t>((int64_t{ring.next} + count) % ring.n);
   }
 
   // Asks for elements until `missing` have gone to the output. The ring is empty before.

@@ -41,7 +41,7 @@ Wide multiply(Wide x, Wide a) {
 constexpr int kVectors = 8;
 constexpr int32_t kLanes = kVectors * wide_lanes;
 
-int32_t fill_blocks(State& state, int32_t n, void* r) {
+int64_t fill_blocks(State& state, int64_t n, void* r) {
   uint32_t power = 1;  // a^k
   Wide x[kVectors];
   for (int k = 0; k < wide_lanes; ++k, power = multiply(power, state.a))
@@ -49,7 +49,7 @@ int32_t fill_blocks(State& state, int32_t n, void* r) {
   for (int v = 1; v < kVectors; ++v) x[v] = multiply(x[v - 1], wide(power));
   for (int k = 1; k < kVectors; k *= 2) power = multiply(power, power);
   const Wide jump = wide(power);
-  int32_t i = 0;
+  int64_t i = 0;
   for (; i + kLanes <= n; i += kLanes) {
     for (int v = 0; v < kVectors; v += 2) {
       const WideWords words = low_halves(x[v], x[v + 1]);
@@ -62,8 +62,8 @@ int32_t fill_blocks(State& state, int32_t n, void* r) {
   return i;
 }
 
-void fill_words(State& state, int32_t n, void* r) {
-  int32_t i = n >= 2 * kLanes ? fill_blocks(state, n, r) : 0;
+void fill_words(State& state, int64_t n, void* r) {
+  int64_t i = n >= 2 * kLanes ? fill_blocks(state, n, r) : 0;
   uint32_t x = state.x;
   for (; i < n; ++i, x = multiply(x, state.a)) store(r, i, x);
   state.x = x;

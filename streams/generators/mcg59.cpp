@@ -27,12 +27,12 @@ constexpr double kUnit = 0x1p-59;
 constexpr int kVectors = 4;
 constexpr int32_t kLanes = kVectors * wide_lanes;
 
-int32_t fill_blocks(State& state, int32_t n, void* r) {
+int64_t fill_blocks(State& state, int64_t n, void* r) {
   uint64_t power = 1;
   Wide x[kVectors];
   for (int k = 0; k < kLanes; ++k, power = power * state.a)
     x[k / wide_lanes][k % wide_lanes] = state.x * power & kMask;
-  int32_t i = 0;
+  int64_t i = 0;
   for (; i + kLanes <= n; i += kLanes) {
     std::memcpy(at<uint64_t>(r, i), x, sizeof x);
     for (Wide& lanes : x) lanes = lanes * power & kMask;
@@ -41,8 +41,8 @@ int32_t fill_blocks(State& state, int32_t n, void* r) {
   return i;
 }
 
-void fill_words(State& state, int32_t n, void* r) {
-  int32_t i = n >= 2 * kLanes ? fill_blocks(state, n, r) : 0;
+void fill_words(State& state, int64_t n, void* r) {
+  int64_t i = n >= 2 * kLanes ? fill_blocks(state, n, r) : 0;
   uint64_t x = state.x;
   for (; i < n; ++i, x = x * state.a & kMask) store(r, i, x);
   state.x = x;

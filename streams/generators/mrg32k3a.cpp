@@ -76,14 +76,14 @@ void advance(Wide* v, Jump jump) {
   }
 }
 
-int32_t fill_blocks(State& state, int32_t n, void* r) {
+int64_t fill_blocks(State& state, int64_t n, void* r) {
   Wide x[kVectors], y[kVectors];
   for (int32_t k = 0; k < kLanes; ++k) {
     store(r, k, step(state));
     x[k / wide_lanes][k % wide_lanes] = state.x[2];
     y[k / wide_lanes][k % wide_lanes] = state.y[2];
   }
-  int32_t i = kLanes;
+  int64_t i = kLanes;
   for (; i + kLanes <= n; i += kLanes) {
     advance(x, jump_x);
     advance(y, jump_y);
@@ -100,8 +100,8 @@ int32_t fill_blocks(State& state, int32_t n, void* r) {
   return i;
 }
 
-void fill_words(State& state, int32_t n, void* r) {
-  int32_t i = n >= 2 * kLanes ? fill_blocks(state, n, r) : 0;
+void fill_words(State& state, int64_t n, void* r) {
+  int64_t i = n >= 2 * kLanes ? fill_blocks(state, n, r) : 0;
   State s = state;
   for (; i < n; ++i) store(r, i, step(s));
   state = s;
@@ -109,13 +109,13 @@ void fill_words(State& state, int32_t n, void* r) {
 
 // The rounds of a long call, which has whole ones: put(i, words) as MrgLanes gives them.
 template <class Put>
-int32_t fill_rounds(State& state, int32_t n, Put put) {
+int64_t fill_rounds(State& state, int64_t n, Put put) {
   constexpr int32_t shortest_call = 2 * mrg_block;  // below, the start is not worth it
   if (n < shortest_call || !has_usual_environment()) return 0;
   MrgLanes lanes(state.x, state.y);
-  int32_t done = 0;
+  int64_t done = 0;
   for (;;) {
-    lanes.round([&](int32_t i, WideReal words) { put(done + i, words); });
+    lanes.round([&](int64_t i, WideReal words) { put(done + i, words); });
     done += mrg_block;
     if (n - done < mrg_block) break;
     lanes.jump();
@@ -128,7 +128,7 @@ template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
   auto& state = state_of<State>(stream);
   const Affine map{a, b, kUnit};
-  const int32_t done = fill_rounds(state, n, [&](int32_t i, WideReal words) {
+  const int64_t done = fill_rounds(state, n, [&](int64_t i, WideReal words) {
     const WideReal values = words * map.scale + map.a;
     for (int k = 0; k < wide_lanes; ++k) store(r, i + k * mrg_stride, static_cast<Real>(values[k]));
   });
@@ -201,7 +201,7 @@ int32_t __ostdBRngMRG32K3A(StreamState* stream, int32_t n, double* r, double a, 
 }
 int32_t __ostiBRngMRG32K3A(StreamState* stream, int32_t n, void* r) {
   auto& state = state_of<State>(stream);
-  const int32_t done = fill_rounds(state, n, [&](int32_t i, WideReal words) {
+  const int64_t done = fill_rounds(state, n, [&](int64_t i, WideReal words) {
     const Wide bits = MrgLanes::words_of(words);
     for (int k = 0; k < wide_lanes; ++k)
       store(r, i + k * mrg_stride, static_cast<uint32_t>(bits[k]));

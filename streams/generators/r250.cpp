@@ -52,11 +52,11 @@ void extend(char* r, int32_t n) {
 }
 
 // Calls of a ring and more: the first words replace the ring, the others come from the output.
-void fill_from_output(State& s, int32_t n, void* r) {
-  constexpr int32_t block = 144;  // whole vectors, at most kLag
+void fill_from_output(State& s, int64_t n, void* r) {
+  constexpr int64_t block = 144;  // whole vectors, at most kLag
   step_in_ring(s, kRing, r);
-  for (int32_t t = kRing; t < n; t += block)
-    extend(static_cast<char*>(at<uint32_t>(r, t)), std::min(block, n - t));
+  for (int64_t t = kRing; t < n; t += block)
+    extend(static_cast<char*>(at<uint32_t>(r, t)), static_cast<int32_t>(std::min(block, n - t)));
   std::memcpy(s.w, at<uint32_t>(r, n - kRing), sizeof s.w);
   s.i = 0;
   s.j = kTap;

@@ -159,7 +159,7 @@ void fill_words(StreamState* stream, int32_t n, void* r) {
   State& state = residues_of(stream);
   const Constants c(state, member_of(stream));
   using Words = std::array<uint32_t, 4>;
-  int32_t i = 0;
+  int64_t i = 0;
   if (runs_in_blocks(n)) {
     Block<by_step> block(state, c);
     for (; i + kSteps <= n; i += kSteps, block.advance()) {
@@ -176,7 +176,7 @@ int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
   State& state = residues_of(stream);
   const Constants c(state, member_of(stream));
   const double scale = b - a;
-  int32_t i = 0;
+  int64_t i = 0;
   if (runs_in_blocks(n)) {
     Block<by_generator> block(state, c);
     const double* x = block.x;
