@@ -176,18 +176,19 @@ int32_t __ostsBRngsAbstract(StreamState* stream, int32_t n, float* r, float a, f
   return read_reals(stream, n, r, a, b);
 }
 
-// Output of another type than the ring's is refused, and nothing looked at.
-int32_t __ostsBRngiAbstract(StreamState*, int32_t, float*, float, float) {
+// Output of another type than the ring's is refused, and nothing looked at: one function that takes
+// any arguments, under six names.
+extern "C" {
+[[gnu::used, gnu::visibility("default")]] int32_t qor_refuse_type(...) {
   return QOR_STREAM_WRONG_TYPE;
 }
-int32_t __ostdBRngiAbstract(StreamState*, int32_t, double*, double, double) {
-  return QOR_STREAM_WRONG_TYPE;
+
+#define QOR_REFUSED [[gnu::alias("qor_refuse_type")]]
+QOR_REFUSED int32_t __ostsBRngiAbstract(StreamState*, int32_t, float*, float, float);
+QOR_REFUSED int32_t __ostdBRngiAbstract(StreamState*, int32_t, double*, double, double);
+QOR_REFUSED int32_t __ostsBRngdAbstract(StreamState*, int32_t, float*, float, float);
+QOR_REFUSED int32_t __ostiBRngdAbstract(StreamState*, int32_t, void*);
+QOR_REFUSED int32_t __ostdBRngsAbstract(StreamState*, int32_t, double*, double, double);
+QOR_REFUSED int32_t __ostiBRngsAbstract(StreamState*, int32_t, void*);
+#undef QOR_REFUSED
 }
-int32_t __ostsBRngdAbstract(StreamState*, int32_t, float*, float, float) {
-  return QOR_STREAM_WRONG_TYPE;
-}
-int32_t __ostiBRngdAbstract(StreamState*, int32_t, void*) { return QOR_STREAM_WRONG_TYPE; }
-int32_t __ostdBRngsAbstract(StreamState*, int32_t, double*, double, double) {
-  return QOR_STREAM_WRONG_TYPE;
-}
-int32_t __ostiBRngsAbstract(StreamState*, int32_t, void*) { return QOR_STREAM_WRONG_TYPE; }
