@@ -25,6 +25,23 @@ constexpr uint64_t kM1 = mrg_m1, kM2 = mrg_m2;
 constexpr uint64_t kFold1 = 209, kFold2 = 22853;  // 2^32 - m
 constexpr double kUnit = 2.328306549837829e-10;   // nearest 1 / m1
 
+// Words beyond a modulus stand for their residues; three zeros cannot be.
+void make_sound(State& state) {
+  for (int k = 0; k < 3; ++k) {
+    if (state.x[k] >= mrg_m1) state.x[k] -= mrg_m1;
+    if (state.y[k] >= mrg_m2) state.y[k] -= mrg_m2;
+  }
+  if ((state.x[0] | state.x[1] | state.x[2]) == 0) state.x[0] = 1;
+  if ((state.y[0] | state.y[1] | state.y[2]) == 0) state.y[0] = 1;
+}
+
+// The state of a stream. One from outside may hold any words.
+State& sound_state(StreamState* stream) {
+  auto& state = state_of<State>(stream);
+  make_sound(state);
+  return state;
+}
+
 // ---- Scalar form --------------------------------------------------------------------------------
 
 // t mod m, m = 2^32 - fold: two folds leave less than 2 m, whatever t is.
@@ -126,7 +143,7 @@ int64_t fill_rounds(State& state, int64_t n, Put put) {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  auto& state = state_of<State>(stream);
+  State& state = sound_state(stream);
   const Affine map{a, b, kUnit};
   const int64_t done = fill_rounds(state, n, [&](int64_t i, WideReal words) {
     const WideReal values = words * map.scale + map.a;
@@ -143,12 +160,8 @@ int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
 void create(State& state, int32_t n, const uint32_t* seed) {
   uint32_t words[6] = {1, 1, 1, 1, 1, 1};
   if (n > 0) std::copy_n(seed, std::min(n, 6), words);
-  for (int k = 0; k < 3; ++k) {
-    state.x[k] = words[k] >= mrg_m1 ? words[k] - mrg_m1 : words[k];
-    state.y[k] = words[3 + k] >= mrg_m2 ? words[3 + k] - mrg_m2 : words[3 + k];
-  }
-  if ((state.x[0] | state.x[1] | state.x[2]) == 0) state.x[0] = 1;
-  if ((state.y[0] | state.y[1] | state.y[2]) == 0) state.y[0] = 1;
+  state = {{words[0], words[1], words[2]}, {words[3], words[4], words[5]}};
+  make_sound(state);
 }
 
 constexpr int32_t kTableWords = 3;  // of 64 bits, that the tables of powers reach
@@ -200,7 +213,7 @@ int32_t __ostdBRngMRG32K3A(StreamState* stream, int32_t n, double* r, double a, 
   return fill(stream, n, r, a, b);
 }
 int32_t __ostiBRngMRG32K3A(StreamState* stream, int32_t n, void* r) {
-  auto& state = state_of<State>(stream);
+  State& state = sound_state(stream);
   const int64_t done = fill_rounds(state, n, [&](int64_t i, WideReal words) {
     const Wide bits = MrgLanes::words_of(words);
     for (int k = 0; k < wide_lanes; ++k)

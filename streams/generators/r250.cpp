@@ -23,9 +23,17 @@ static_assert(sizeof(State) == 1008);
 
 uint32_t next(uint32_t index) { return index + 1 < kRing ? index + 1 : 0; }
 
+// The state of a stream. One from outside may hold any indices: the second follows from the first.
+State& sound_state(StreamState* stream) {
+  auto& state = state_of<State>(stream);
+  if (state.i >= kRing) state.i %= kRing;
+  state.j = state.i < kLag ? state.i + kTap : state.i - kLag;
+  return state;
+}
+
 // Words in place in the ring: calls of less than a ring.
 void step_in_ring(State& s, int32_t n, void* r) {
-  uint32_t i = s.i % kRing, j = s.j % kRing;
+  uint32_t i = s.i, j = s.j;
   for (int32_t t = 0; t < n; ++t, i = next(i), j = next(j)) {
     s.w[i] ^= s.w[j];
     store(r, t, s.w[i]);
@@ -36,7 +44,7 @@ void step_in_ring(State& s, int32_t n, void* r) {
 
 // Lets the ring start at its oldest word, as calls of a ring and more leave it.
 void normalise(State& s) {
-  std::rotate(s.w, s.w + s.i % kRing, s.w + kRing);
+  std::rotate(s.w, s.w + s.i, s.w + kRing);
   s.i = 0;
   s.j = kTap;
 }
@@ -72,7 +80,7 @@ void fill_words(State& state, int32_t n, void* r) {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  auto& state = state_of<State>(stream);
+  State& state = sound_state(stream);
   fill_reals(
       n, r, [&](int32_t count, uint32_t* words) { fill_words(state, count, words); },
       MapWords32{{a, b, kUnit}});
@@ -117,6 +125,6 @@ int32_t __ostdBRngR250(StreamState* stream, int32_t n, double* r, double a, doub
   return fill(stream, n, r, a, b);
 }
 int32_t __ostiBRngR250(StreamState* stream, int32_t n, void* r) {
-  fill_words(state_of<State>(stream), n, r);
+  fill_words(sound_state(stream), n, r);
   return QOR_STREAM_OK;
 }

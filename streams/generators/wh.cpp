@@ -141,13 +141,21 @@ void step(State& state, const Constants& c) {
     state.x[j] = static_cast<uint32_t>(multiply<double>(state.x[j], c.a[j], c.m[j], c.r[j]));
 }
 
-// The state of a stream. A loaded image may hold any words; the arithmetic counts on residues.
-State& residues_of(StreamState* stream) {
+uint32_t residue_or(uint32_t instead, uint32_t word, uint32_t m) {
+  word %= m;
+  return word != 0 ? word : instead;
+}
+
+// The state of a stream. One from outside may hold any words: they stand for their residues, and 0
+// for what creation puts in its place.
+State& sound_state(StreamState* stream) {
   auto& state = state_of<State>(stream);
-  const auto& m = wh_rows[static_cast<size_t>(member_of(stream))].m;
+  const WhRow& row = wh_rows[member_of(stream)];
   for (int j = 0; j < 4; ++j) {
-    if (state.x[j] >= m[j]) state.x[j] %= m[j];
-    if (state.a[j] >= m[j]) state.a[j] %= m[j];
+    // One comparison each finds 0 and what lies beyond.
+    const uint32_t m = row.m[j];
+    if (state.x[j] - 1 >= m - 1) state.x[j] = residue_or(1, state.x[j], m);
+    if (state.a[j] - 1 >= m - 1) state.a[j] = residue_or(row.a[j], state.a[j], m);
   }
   return state;
 }
@@ -156,7 +164,7 @@ State& residues_of(StreamState* stream) {
 bool runs_in_blocks(int32_t n) { return n >= 2 * kSteps && has_usual_environment(); }
 
 void fill_words(StreamState* stream, int32_t n, void* r) {
-  State& state = residues_of(stream);
+  State& state = sound_state(stream);
   const Constants c(state, member_of(stream));
   using Words = std::array<uint32_t, 4>;
   int64_t i = 0;
@@ -173,7 +181,7 @@ void fill_words(StreamState* stream, int32_t n, void* r) {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  State& state = residues_of(stream);
+  State& state = sound_state(stream);
   const Constants c(state, member_of(stream));
   const double scale = b - a;
   int64_t i = 0;
@@ -203,8 +211,7 @@ int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
 
 void create(State& state, const WhRow& row, int32_t n, const uint32_t* seed) {
   for (uint32_t j = 0; j < 4; ++j) {
-    const uint32_t x = j < static_cast<uint32_t>(n) ? seed[j] % row.m[j] : 1;
-    state.x[j] = x != 0 ? x : 1;
+    state.x[j] = j < static_cast<uint32_t>(n) ? residue_or(1, seed[j], row.m[j]) : 1;
     state.a[j] = row.a[j];
   }
 }
@@ -216,22 +223,25 @@ void skip(State& state, const WhRow& row, uint64_t count) {
   }
 }
 
+void leapfrog(State& state, const WhRow& row, uint32_t k, int32_t stride) {
+  skip(state, row, k);
+  for (int j = 0; j < 4; ++j)
+    state.a[j] = __ostiPowMod(state.a[j], static_cast<uint32_t>(stride), row.m[j]);
+}
+
 }  // namespace
 
 int32_t __ostBRngWHInitStream(int32_t method, StreamState* stream, int32_t n, const void* params) {
-  auto& state = state_of<State>(stream);
   const WhRow& row = wh_rows[member_of(stream)];
   switch (method) {
     case QOR_BRNG_CREATE:
-      create(state, row, n, static_cast<const uint32_t*>(params));
+      create(state_of<State>(stream), row, n, static_cast<const uint32_t*>(params));
       return QOR_STREAM_OK;
     case QOR_BRNG_LEAPFROG:
-      skip(state, row, *static_cast<const uint32_t*>(params));
-      for (int j = 0; j < 4; ++j)
-        state.a[j] = __ostiPowMod(state.a[j], static_cast<uint32_t>(n), row.m[j]);
+      leapfrog(sound_state(stream), row, *static_cast<const uint32_t*>(params), n);
       return QOR_STREAM_OK;
     case QOR_BRNG_SKIP_AHEAD:
-      skip(state, row, *static_cast<const uint64_t*>(params));
+      skip(sound_state(stream), row, *static_cast<const uint64_t*>(params));
       return QOR_STREAM_OK;
     default:
       return refusal_of(method);
