@@ -6,6 +6,7 @@
 
 #include "distributions/frame.h"
 #include "qor/distributions.h"
+#include "streams/generators/masked.h"
 #include "streams/generators/output.h"
 #include "streams/generators/wide.h"
 #include "streams/registry.h"
@@ -17,6 +18,7 @@ using namespace qor::streams;
 
 template <class Real>
 void clamp(int32_t n, Real* r, Real a, Real b) {
+  const MaskedExceptions masked;
   for (int32_t i = 0; i < n; ++i) store(r, i, std::min(b, std::max(a, load<Real>(r, i))));
 }
 
@@ -51,12 +53,21 @@ auto floor_of(V u, const IntegerRange& range) {
 }
 
 void store_floors(const double* u, int32_t n, const IntegerRange& range, void* r) {
+  const MaskedExceptions masked;
   int32_t i = 0;
   for (; i + wide_lanes <= n; i += wide_lanes) {
     const WideIntegers values = floor_of(load_wide(u + i), range);
     std::memcpy(at<int32_t>(r, i), &values, sizeof values);
   }
   for (; i < n; ++i) store(r, i, floor_of(u[i], range));
+}
+
+// What successes lie below: the bits of p as a float, whose order as integers is that of floats of
+// at least 0. A uniform may have been rounded up to 1, which is a success where all are.
+int32_t threshold_of(double p) {
+  const MaskedExceptions masked;
+  const float rounded = masked.hold(static_cast<float>(masked.hold(p)));
+  return rounded < 1 ? load<int32_t>(&rounded, 0) : std::numeric_limits<int32_t>::max();
 }
 
 }  // namespace
@@ -85,14 +96,10 @@ int32_t _ostiRngUniform(int32_t /*method*/, StreamState* stream, int32_t n, int3
   return status;
 }
 
-// Both are floats of at least 0, whose order is that of their bits as integers. The uniforms are
-// made in r itself. A uniform may have been rounded up to 1, which is still a success where all
-// are.
+// The uniforms are made in r itself.
 int32_t _ostiRngBernoulli(int32_t /*method*/, StreamState* stream, int32_t n, int32_t* r,
                           double p) {
-  const auto rounded = static_cast<float>(p);
-  const int32_t threshold =
-      rounded < 1 ? load<int32_t>(&rounded, 0) : std::numeric_limits<int32_t>::max();
+  const int32_t threshold = threshold_of(p);
   const int32_t status = _ostsRngUniform(0, stream, n, reinterpret_cast<float*>(r), 0, 1);
   if (status < 0) return status;
   for (int32_t i = 0; i < n; ++i) store(r, i, load<int32_t>(r, i) < threshold ? 1 : 0);

@@ -27,10 +27,9 @@ constexpr double kUnit = 0x1p-59;
 // an even multiplier, under which all numbers end at 0, for what creation puts in their place.
 State& sound_state(StreamState* stream) {
   auto& state = state_of<State>(stream);
-  state.x &= kMask;
-  state.a &= kMask;
-  if (state.x == 0) state.x = 1;
-  if (state.a % 2 == 0) state.a = kMultiplier;
+  if (state.x - 1 >= kMask) state.x = (state.x & kMask) != 0 ? state.x & kMask : 1;
+  if (state.a > kMask || state.a % 2 == 0)
+    state.a = state.a % 2 != 0 ? state.a & kMask : kMultiplier;
   return state;
 }
 
@@ -86,9 +85,10 @@ struct MapWords59 {
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
   State& state = sound_state(stream);
+  const MaskedExceptions masked;
   fill_reals(
       n, r, [&](int32_t count, uint64_t* words) { fill_words(state, count, words); },
-      MapWords59{{a, b, kUnit}});
+      MapWords59{{masked, a, b, kUnit}});
   return QOR_STREAM_OK;
 }
 

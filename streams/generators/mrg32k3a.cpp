@@ -38,7 +38,11 @@ void make_sound(State& state) {
 // The state of a stream. One from outside may hold any words.
 State& sound_state(StreamState* stream) {
   auto& state = state_of<State>(stream);
-  make_sound(state);
+  const auto [x, y] = state;
+  const bool sound = (x[0] < mrg_m1) & (x[1] < mrg_m1) & (x[2] < mrg_m1) & (y[0] < mrg_m2) &
+                     (y[1] < mrg_m2) & (y[2] < mrg_m2) & ((x[0] | x[1] | x[2]) != 0) &
+                     ((y[0] | y[1] | y[2]) != 0);
+  if (!sound) make_sound(state);
   return state;
 }
 
@@ -144,7 +148,8 @@ int64_t fill_rounds(State& state, int64_t n, Put put) {
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
   State& state = sound_state(stream);
-  const Affine map{a, b, kUnit};
+  const MaskedExceptions masked;
+  const Affine map{masked, a, b, kUnit};
   const int64_t done = fill_rounds(state, n, [&](int64_t i, WideReal words) {
     const WideReal values = words * map.scale + map.a;
     for (int k = 0; k < wide_lanes; ++k) store(r, i + k * mrg_stride, static_cast<Real>(values[k]));

@@ -2,13 +2,15 @@
 //
 // A generator gives its words; real output is made of them in blocks that stay in the first level
 // cache. Arrays may have any alignment, hence the copies in place of plain loads and stores. Counts
-// have 64 bits: a count of the largest 31 bits may be stepped beyond.
+// have 64 bits, for blocks step beyond the last of 2^31 - 1 values.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+
+#include "streams/generators/masked.h"
 
 namespace qor::streams {
 
@@ -36,7 +38,8 @@ inline void* at(void* r, int64_t i) {
 // rounded once more where the result is single.
 struct Affine {
   double scale, a;
-  Affine(double a_, double b, double unit) : scale((b - a_) * unit), a(a_) {}
+  Affine(const MaskedExceptions& masked, double a_, double b, double unit)
+      : scale((masked.hold(b) - masked.hold(a_)) * unit), a(a_) {}
 };
 
 // A 32-bit word as a double, by the signed conversion that all levels have; every step is exact.

@@ -51,20 +51,21 @@ void normalise(State& s) {
 
 // r[t] = r[t - 250] xor r[t - 147] for n words from r on; n is at most kLag, so that none depends
 // on another.
-void extend(char* r, int32_t n) {
+void extend(char* r, int64_t n) {
   constexpr auto bytes = static_cast<ptrdiff_t>(sizeof(uint32_t));
   const char* __restrict oldest = r - kRing * bytes;
   const char* __restrict tap = r - kLag * bytes;
   char* __restrict out = r;
-  for (int32_t t = 0; t < n; ++t) store(out, t, load<uint32_t>(oldest, t) ^ load<uint32_t>(tap, t));
+  for (int64_t t = 0; t < n; ++t) store(out, t, load<uint32_t>(oldest, t) ^ load<uint32_t>(tap, t));
 }
 
 // Calls of a ring and more: the first words replace the ring, the others come from the output.
 void fill_from_output(State& s, int64_t n, void* r) {
   constexpr int64_t block = 144;  // whole vectors, at most kLag
   step_in_ring(s, kRing, r);
-  for (int64_t t = kRing; t < n; t += block)
-    extend(static_cast<char*>(at<uint32_t>(r, t)), static_cast<int32_t>(std::min(block, n - t)));
+  int64_t t = kRing;
+  for (; t + block <= n; t += block) extend(static_cast<char*>(at<uint32_t>(r, t)), block);
+  extend(static_cast<char*>(at<uint32_t>(r, t)), n - t);
   std::memcpy(s.w, at<uint32_t>(r, n - kRing), sizeof s.w);
   s.i = 0;
   s.j = kTap;
@@ -81,9 +82,10 @@ void fill_words(State& state, int32_t n, void* r) {
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
   State& state = sound_state(stream);
+  const MaskedExceptions masked;
   fill_reals(
       n, r, [&](int32_t count, uint32_t* words) { fill_words(state, count, words); },
-      MapWords32{{a, b, kUnit}});
+      MapWords32{{masked, a, b, kUnit}});
   // The last block may have been a short one.
   if (n >= kRing) normalise(state);
   return QOR_STREAM_OK;
