@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 #include "distributions/frame.h"
 #include "qor/distributions.h"
+#include "streams/generators/masked.h"
 #include "streams/generators/output.h"
+#include "streams/generators/wide.h"
 #include "streams/registry.h"
 
 namespace {
@@ -15,6 +18,7 @@ using namespace qor::streams;
 
 template <class Real>
 void clamp(int32_t n, Real* r, Real a, Real b) {
+  const MaskedExceptions masked;
   for (int32_t i = 0; i < n; ++i) store(r, i, std::min(b, std::max(a, load<Real>(r, i))));
 }
 
@@ -25,10 +29,45 @@ int32_t within(int32_t status, int32_t method, int32_t n, Real* r, Real a, Real 
   return status;
 }
 
-// The floor of u, which lies between two 32-bit integers.
-int32_t floor_of(double u) {
-  const double truncated = static_cast<int32_t>(u);
-  return static_cast<int32_t>(u < truncated ? u - 1.0 : u);
+// The integers from a to b - 1; all where there are none, for parameters are trusted.
+struct IntegerRange {
+  double least = std::numeric_limits<int32_t>::min();
+  double greatest = std::numeric_limits<int32_t>::max();
+  IntegerRange(int32_t a, int32_t b) {
+    if (a >= b) return;
+    least = a;
+    greatest = b - 1;
+  }
+};
+
+// The floor of a real, or of lanes of them, between two 32-bit integers: what lies below its
+// truncation loses 1 first. The real may have been rounded up to b and, just above a power of two,
+// the difference down to a - 1.
+template <class V>
+auto floor_of(V u, const IntegerRange& range) {
+  const V least = V{} + range.least, greatest = V{} + range.greatest;
+  const V truncated = to_real(truncate(u));
+  const V lowered = u < truncated ? u - 1.0 : u;
+  const V raised = lowered < least ? least : lowered;
+  return truncate(greatest < raised ? greatest : raised);
+}
+
+void store_floors(const double* u, int32_t n, const IntegerRange& range, void* r) {
+  const MaskedExceptions masked;
+  int32_t i = 0;
+  for (; i + wide_lanes <= n; i += wide_lanes) {
+    const WideIntegers values = floor_of(load_wide(u + i), range);
+    std::memcpy(at<int32_t>(r, i), &values, sizeof values);
+  }
+  for (; i < n; ++i) store(r, i, floor_of(u[i], range));
+}
+
+// What successes lie below: the bits of p as a float, whose order as integers is that of floats of
+// at least 0. A uniform may have been rounded up to 1, which is a success where all are.
+int32_t threshold_of(double p) {
+  const MaskedExceptions masked;
+  const float rounded = masked.hold(static_cast<float>(masked.hold(p)));
+  return rounded < 1 ? load<int32_t>(&rounded, 0) : std::numeric_limits<int32_t>::max();
 }
 
 }  // namespace
@@ -44,25 +83,23 @@ int32_t _ostdRngUniform(int32_t method, StreamState* stream, int32_t n, double* 
 
 int32_t _ostiRngUniform(int32_t /*method*/, StreamState* stream, int32_t n, int32_t* r, int32_t a,
                         int32_t b) {
+  const IntegerRange range(a, b);
   double buffer[block_size];
   int32_t status = QOR_STREAM_OK;
   for (int32_t done = 0; done < n;) {
     const int32_t count = std::min(n - done, block_size);
     status = _ostdRngUniform(0, stream, count, buffer, a, b);
     if (status < 0) return status;
-    void* out = at<int32_t>(r, done);
-    for (int32_t i = 0; i < count; ++i) store(out, i, floor_of(buffer[i]));
+    store_floors(buffer, count, range, at<int32_t>(r, done));
     done += count;
   }
   return status;
 }
 
-// Both are floats of at least 0, whose order is that of their bits as integers. The uniforms are
-// made in r itself.
+// The uniforms are made in r itself.
 int32_t _ostiRngBernoulli(int32_t /*method*/, StreamState* stream, int32_t n, int32_t* r,
                           double p) {
-  const auto rounded = static_cast<float>(p);
-  const int32_t threshold = load<int32_t>(&rounded, 0);
+  const int32_t threshold = threshold_of(p);
   const int32_t status = _ostsRngUniform(0, stream, n, reinterpret_cast<float*>(r), 0, 1);
   if (status < 0) return status;
   for (int32_t i = 0; i < n; ++i) store(r, i, load<int32_t>(r, i) < threshold ? 1 : 0);

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "services/services.h"
+#include "streams/generators/masked.h"
 #include "streams/generators/refusals.h"
 #include "streams/record.h"
 #include "streams/registry.h"
@@ -69,13 +70,16 @@ struct CopyElements {
   }
 };
 
-// Maps the ring's interval to the caller's.
+// Maps the ring's interval to the caller's. The callback runs under the caller's own masks.
 template <class Real>
 struct MapInterval {
   Real low, factor, a;
-  MapInterval(const RingBounds<Real>& ring, Real a_, Real b)
-      : low(ring.low), factor((b - a_) / (ring.high - ring.low)), a(a_) {}
+  MapInterval(const RingBounds<Real>& ring, Real a_, Real b) : low(ring.low), a(a_) {
+    const MaskedExceptions masked;
+    factor = masked.hold((masked.hold(b) - a_) / (masked.hold(ring.high) - ring.low));
+  }
   void operator()(const Real* from, int32_t count, Real* to) const {
+    const MaskedExceptions masked;
     for (int32_t i = 0; i < count; ++i) to[i] = (from[i] - low) * factor + a;
   }
 };
@@ -95,7 +99,7 @@ struct Reader {
     transfer(ring.buffer + ring.next, straight, out);
     transfer(ring.buffer, count - straight, out + straight);
     out += count;
-    ring.next = (ring.next + count) % ring.n;
+    ring.next = static_cast<int32_t>((int64_t{ring.next} + count) % ring.n);
   }
 
   // Asks for elements until `missing` have gone to the output. The ring is empty before.
@@ -176,18 +180,19 @@ int32_t __ostsBRngsAbstract(StreamState* stream, int32_t n, float* r, float a, f
   return read_reals(stream, n, r, a, b);
 }
 
-// Output of another type than the ring's is refused, and nothing looked at.
-int32_t __ostsBRngiAbstract(StreamState*, int32_t, float*, float, float) {
+// Output of another type than the ring's is refused, and nothing looked at: one function that takes
+// any arguments, under six names.
+extern "C" {
+[[gnu::used, gnu::visibility("default")]] int32_t qor_refuse_type(...) {
   return QOR_STREAM_WRONG_TYPE;
 }
-int32_t __ostdBRngiAbstract(StreamState*, int32_t, double*, double, double) {
-  return QOR_STREAM_WRONG_TYPE;
+
+#define QOR_REFUSED [[gnu::alias("qor_refuse_type")]]
+QOR_REFUSED int32_t __ostsBRngiAbstract(StreamState*, int32_t, float*, float, float);
+QOR_REFUSED int32_t __ostdBRngiAbstract(StreamState*, int32_t, double*, double, double);
+QOR_REFUSED int32_t __ostsBRngdAbstract(StreamState*, int32_t, float*, float, float);
+QOR_REFUSED int32_t __ostiBRngdAbstract(StreamState*, int32_t, void*);
+QOR_REFUSED int32_t __ostdBRngsAbstract(StreamState*, int32_t, double*, double, double);
+QOR_REFUSED int32_t __ostiBRngsAbstract(StreamState*, int32_t, void*);
+#undef QOR_REFUSED
 }
-int32_t __ostsBRngdAbstract(StreamState*, int32_t, float*, float, float) {
-  return QOR_STREAM_WRONG_TYPE;
-}
-int32_t __ostiBRngdAbstract(StreamState*, int32_t, void*) { return QOR_STREAM_WRONG_TYPE; }
-int32_t __ostdBRngsAbstract(StreamState*, int32_t, double*, double, double) {
-  return QOR_STREAM_WRONG_TYPE;
-}
-int32_t __ostiBRngsAbstract(StreamState*, int32_t, void*) { return QOR_STREAM_WRONG_TYPE; }

@@ -22,12 +22,12 @@ Word power(Word a, uint64_t e, Multiply multiply) {
   return result;
 }
 
-bool bit_of(const uint64_t* words, int32_t b) { return (words[b / 64] >> (b % 64) & 1) != 0; }
+bool bit_of(const uint64_t* words, int64_t b) { return (words[b / 64] >> (b % 64) & 1) != 0; }
 
 // The modulus is a template argument so that no division is left.
 template <uint32_t m>
 void apply_table(uint32_t* v, int32_t n, const uint64_t* nskip, const uint32_t* table) {
-  for (int32_t b = 0; b < 64 * n; ++b) {
+  for (int64_t b = 0; b < int64_t{64} * n; ++b) {
     if (bit_of(nskip, b)) multiply_mod(table + 9 * b, v, m);
   }
 }

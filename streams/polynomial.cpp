@@ -38,23 +38,23 @@ void shift_left_once(uint64_t* words, int32_t count) {
 }
 
 // to += slice x^shift
-void add_shifted(uint64_t* to, const uint64_t* slice, int32_t count, int32_t shift) {
+void add_shifted(uint64_t* to, const uint64_t* slice, int64_t count, int64_t shift) {
   uint64_t* out = to + shift / 64;
-  const int low = shift % 64;
+  const auto low = static_cast<int>(shift % 64);
   if (low == 0) {
-    for (int32_t w = 0; w < count; ++w) out[w] ^= slice[w];
+    for (int64_t w = 0; w < count; ++w) out[w] ^= slice[w];
     return;
   }
   out[0] ^= slice[0] << low;
-  for (int32_t w = 1; w < count; ++w) out[w] ^= slice[w] << low | slice[w - 1] >> (64 - low);
+  for (int64_t w = 1; w < count; ++w) out[w] ^= slice[w] << low | slice[w - 1] >> (64 - low);
   out[count] ^= slice[count - 1] >> (64 - low);
 }
 
 // Cuts the bits from `low` up to `top` out of `words` into `slice`; returns the words of the slice.
-int32_t cut(uint64_t* words, int32_t low, int32_t top, uint64_t* slice) {
-  const int32_t first = low / 64, last = top / 64;
-  const int shift = low % 64;
-  for (int32_t w = first; w <= last; ++w) {
+int64_t cut(uint64_t* words, int64_t low, int64_t top, uint64_t* slice) {
+  const int64_t first = low / 64, last = top / 64;
+  const auto shift = static_cast<int>(low % 64);
+  for (int64_t w = first; w <= last; ++w) {
     const uint64_t above = w < last && shift != 0 ? words[w + 1] << (64 - shift) : 0;
     slice[w - first] = words[w] >> shift | above;
   }
@@ -65,17 +65,20 @@ int32_t cut(uint64_t* words, int32_t low, int32_t top, uint64_t* slice) {
 
 // p, and what its reduction needs.
 struct Modulus {
-  int32_t degree, terms;
+  int64_t degree;
+  int32_t terms;
   const int32_t* exponents;  // increasing, `degree` last
 
   // Bits of one slice: what it is replaced by ends below it.
-  int32_t gap() const { return terms > 1 ? std::max(1, degree - exponents[terms - 2]) : degree; }
+  int64_t gap() const {
+    return terms > 1 ? std::max(int64_t{1}, degree - exponents[terms - 2]) : degree;
+  }
 
   // words mod p, in place; all bits lie at `top` or below.
-  void reduce(uint64_t* words, int32_t top, uint64_t* slice) const {
+  void reduce(uint64_t* words, int64_t top, uint64_t* slice) const {
     while (top >= degree) {
-      const int32_t low = std::max(degree, top - gap() + 1);
-      const int32_t count = cut(words, low, top, slice);
+      const int64_t low = std::max(degree, top - gap() + 1);
+      const int64_t count = cut(words, low, top, slice);
       for (int32_t k = 0; k < terms - 1; ++k)
         add_shifted(words, slice, count, low - degree + exponents[k]);
       top = low - 1;
@@ -86,7 +89,7 @@ struct Modulus {
 // words = x^nskip mod p for nskip of at least the degree. `words` holds twice the polynomial.
 void power_of_x(uint64_t nskip, const Modulus& p, int32_t half, uint64_t* words, uint64_t* slice) {
   words[0] = 2;
-  int32_t top = 1;  // nothing stands above
+  int64_t top = 1;  // nothing stands above
   for (int bit = 62 - std::countl_zero(nskip); bit >= 0; --bit) {
     square(words, half);
     top *= 2;

@@ -6,14 +6,14 @@
 
 namespace qor::streams {
 
-inline bool coefficient(const uint64_t* words, int32_t k) {
+inline bool coefficient(const uint64_t* words, int64_t k) {
   return (words[k / 64] >> (k % 64) & 1) != 0;
 }
 
 // The degree, or -1 of the zero polynomial.
-inline int32_t degree_of(const uint64_t* words, int32_t count) {
+inline int64_t degree_of(const uint64_t* words, int32_t count) {
   for (int32_t w = count - 1; w >= 0; --w) {
-    if (words[w] != 0) return 64 * w + 63 - std::countl_zero(words[w]);
+    if (words[w] != 0) return int64_t{64} * w + 63 - std::countl_zero(words[w]);
   }
   return -1;
 }

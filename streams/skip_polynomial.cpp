@@ -28,9 +28,9 @@ struct Generator {
 struct Records {
   char* block;
   size_t stride;
-  Records(int32_t bytes, size_t count) {
+  Records(size_t bytes, size_t count) {
     constexpr size_t alignment = qor::services::work_alignment;
-    stride = (static_cast<size_t>(bytes) + alignment - 1) / alignment * alignment;
+    stride = (bytes + alignment - 1) / alignment * alignment;
     block = static_cast<char*>(qor_serv_allocate(stride * count, alignment));
   }
   ~Records() { qor_serv_deallocate(block); }
@@ -42,11 +42,11 @@ struct Records {
 };
 
 // sum = g(F) of the stream's state, coefficients from the top down.
-void horner(const Generator& g, const uint64_t* poly, int32_t degree, const StreamState* stream,
+void horner(const Generator& g, const uint64_t* poly, int64_t degree, const StreamState* stream,
             StreamState* sum) {
   if (degree < 0) return g.zero(sum);
   g.copy(sum, stream);
-  for (int32_t b = degree - 1; b >= 0; --b) {
+  for (int64_t b = degree - 1; b >= 0; --b) {
     g.step(sum);
     if (coefficient(poly, b)) g.add(sum, stream);
   }
@@ -73,18 +73,18 @@ void fill_window(const Generator& g, const StreamState* stream, const Records& t
 }
 
 // The seven coefficients below `top`, the highest in front.
-size_t window_below(const uint64_t* poly, int32_t top) {
+size_t window_below(const uint64_t* poly, int64_t top) {
   size_t mask = 0;
-  for (int32_t b = top - 1; b >= top - kWindow; --b)
+  for (int64_t b = top - 1; b >= top - kWindow; --b)
     mask = 2 * mask + (coefficient(poly, b) ? 1 : 0);
   return mask;
 }
 
 // As horner, eight coefficients at a time.
-void sliding_window(const Generator& g, const uint64_t* poly, int32_t degree,
+void sliding_window(const Generator& g, const uint64_t* poly, int64_t degree,
                     const StreamState* stream, const Records& table, StreamState* sum) {
   g.zero(sum);
-  int32_t t = degree;
+  int64_t t = degree;
   while (t >= kWindow) {
     if (!coefficient(poly, t)) {
       g.step(sum);
@@ -105,13 +105,13 @@ int32_t skip(StreamState* stream, uint64_t nskip, const Generator& g, bool windo
   if (nskip == 0) return QOR_STREAM_OK;
   int32_t remainder = 0;
   if (g.prepare(stream, &nskip, &remainder) == 0) return QOR_STREAM_OK;
-  const Records poly_block(8 * g.words, 1);
-  const Records records(g.state_bytes, windowed ? kPatterns + kWindow + 1 : 1);
+  const Records poly_block(sizeof(uint64_t) * static_cast<size_t>(g.words), 1);
+  const Records records(static_cast<size_t>(g.state_bytes), windowed ? kPatterns + kWindow + 1 : 1);
   if (poly_block.block == nullptr || records.block == nullptr) return QOR_STREAM_NO_MEMORY;
   auto* poly = reinterpret_cast<uint64_t*>(poly_block.block);
   const int32_t status = __ostPolyRem(nskip, g.degree, g.terms, g.exponents, g.words, poly);
   if (status != QOR_STREAM_OK) return status;
-  const int32_t degree = degree_of(poly, g.words);
+  const int64_t degree = degree_of(poly, g.words);
   StreamState* sum = records[windowed ? kPatterns + kWindow : 0];
   if (windowed) {
     fill_window(g, stream, records, kPatterns);

@@ -1,5 +1,7 @@
 // Life of a stream: create, copy, delete; and the dispatch of skip-ahead and leapfrog.
 
+#include <algorithm>
+
 #include "services/services.h"
 #include "streams/record.h"
 #include "streams/registry.h"
@@ -55,10 +57,10 @@ int32_t __ostCopyStream(StreamState** stream, const StreamState* source) {
 int32_t __ostCopyStreamState(StreamState* destination, const StreamState* source) {
   if (destination == source) return QOR_STREAM_OK;
   const BrngProperties& row = row_of(source);
-  // The product of the WH row is twice what the state holds.
+  // The product of the WH row is twice what the state holds; another generator's may hold less.
   const uint64_t words =
       static_cast<uint64_t>(row.wordBytes) * static_cast<uint64_t>(row.seedWords);
-  const size_t room = generator_bytes(row);
+  const size_t room = std::min(generator_bytes(row), generator_bytes(row_of(destination)));
   qor_serv_memcpy_s(destination + 1, room, source + 1,
                     words < room ? static_cast<size_t>(words) : room);
   __ostDeleteChunks(destination);

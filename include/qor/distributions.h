@@ -35,7 +35,8 @@ QOR_API int32_t _ostsRngUniform(int32_t method, StreamState* stream, int32_t n, 
 QOR_API int32_t _ostdRngUniform(int32_t method, StreamState* stream, int32_t n, double* r, double a,
                                 double b);
 
-/* n integers from a to b - 1, one double each. Any method word. */
+/* n integers from a to b - 1, one double each; rounding gives neither b nor a - 1. Any method
+   word. */
 QOR_API int32_t _ostiRngUniform(int32_t method, StreamState* stream, int32_t n, int32_t* r,
                                 int32_t a, int32_t b);
 
@@ -48,8 +49,8 @@ QOR_API int32_t _ostiRngUniformBits(int32_t method, StreamState* stream, int32_t
 QOR_API int32_t _ostiRngUniformBits32(int32_t method, StreamState* stream, int32_t n, uint32_t* r);
 QOR_API int32_t _ostiRngUniformBits64(int32_t method, StreamState* stream, int32_t n, uint64_t* r);
 
-/* n times 1, with probability p, or 0; p is at least 0 and is rounded to single. One single each.
-   Any method word. */
+/* n times 1, with probability p, or 0; p is at least 0 and is rounded to single, and 1 gives ones
+   only. One single each. Any method word. */
 QOR_API int32_t _ostiRngBernoulli(int32_t method, StreamState* stream, int32_t n, int32_t* r,
                                   double p);
 

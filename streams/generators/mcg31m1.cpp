@@ -22,6 +22,21 @@ constexpr uint32_t kModulus = 0x7FFFFFFF;
 constexpr uint32_t kMultiplier = 1132489760;
 constexpr double kUnit = 4.656612875245797e-10;  // nearest 1 / (2^31 - 1)
 
+uint32_t residue_or(uint32_t instead, uint32_t word) {
+  word %= kModulus;
+  return word != 0 ? word : instead;
+}
+
+// The state of a stream. One from outside may hold any words: they stand for their residues, and 0
+// for what creation puts in its place.
+State& sound_state(StreamState* stream) {
+  auto& state = state_of<State>(stream);
+  // One comparison each finds 0 and what lies beyond.
+  if (state.x - 1 >= kModulus - 1) state.x = residue_or(1, state.x);
+  if (state.a - 1 >= kModulus - 1) state.a = residue_or(kMultiplier, state.a);
+  return state;
+}
+
 // 2^31 is 1: the high part of a product is added to the low one.
 uint32_t multiply(uint32_t x, uint32_t a) {
   const uint64_t p = uint64_t{x} * a;
@@ -41,7 +56,7 @@ Wide multiply(Wide x, Wide a) {
 constexpr int kVectors = 8;
 constexpr int32_t kLanes = kVectors * wide_lanes;
 
-int32_t fill_blocks(State& state, int32_t n, void* r) {
+int64_t fill_blocks(State& state, int64_t n, void* r) {
   uint32_t power = 1;  // a^k
   Wide x[kVectors];
   for (int k = 0; k < wide_lanes; ++k, power = multiply(power, state.a))
@@ -49,7 +64,7 @@ int32_t fill_blocks(State& state, int32_t n, void* r) {
   for (int v = 1; v < kVectors; ++v) x[v] = multiply(x[v - 1], wide(power));
   for (int k = 1; k < kVectors; k *= 2) power = multiply(power, power);
   const Wide jump = wide(power);
-  int32_t i = 0;
+  int64_t i = 0;
   for (; i + kLanes <= n; i += kLanes) {
     for (int v = 0; v < kVectors; v += 2) {
       const WideWords words = low_halves(x[v], x[v + 1]);
@@ -62,8 +77,8 @@ int32_t fill_blocks(State& state, int32_t n, void* r) {
   return i;
 }
 
-void fill_words(State& state, int32_t n, void* r) {
-  int32_t i = n >= 2 * kLanes ? fill_blocks(state, n, r) : 0;
+void fill_words(State& state, int64_t n, void* r) {
+  int64_t i = n >= 2 * kLanes ? fill_blocks(state, n, r) : 0;
   uint32_t x = state.x;
   for (; i < n; ++i, x = multiply(x, state.a)) store(r, i, x);
   state.x = x;
@@ -71,37 +86,40 @@ void fill_words(State& state, int32_t n, void* r) {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  auto& state = state_of<State>(stream);
+  State& state = sound_state(stream);
+  const MaskedExceptions masked;
   fill_reals(
       n, r, [&](int32_t count, uint32_t* words) { fill_words(state, count, words); },
-      MapWords31{{a, b, kUnit}});
+      MapWords31{{masked, a, b, kUnit}});
   return QOR_STREAM_OK;
 }
 
 void create(State& state, int32_t n, const uint32_t* seed) {
-  const uint32_t x = n >= 1 ? seed[0] % kModulus : 0;
-  state = {x != 0 ? x : 1, kMultiplier};
+  state = {n >= 1 ? residue_or(1, seed[0]) : 1, kMultiplier};
 }
 
 void skip(State& state, uint64_t count) {
   state.x = multiply(state.x, __ostiPowMod2P31M1(state.a, count));
 }
 
+void leapfrog(State& state, uint32_t k, int32_t stride) {
+  skip(state, k);
+  state.a = __ostiPowMod2P31M1(state.a, static_cast<uint32_t>(stride));
+}
+
 }  // namespace
 
 int32_t __ostBRngMCG31M1InitStream(int32_t method, StreamState* stream, int32_t n,
                                    const void* params) {
-  auto& state = state_of<State>(stream);
   switch (method) {
     case QOR_BRNG_CREATE:
-      create(state, n, static_cast<const uint32_t*>(params));
+      create(state_of<State>(stream), n, static_cast<const uint32_t*>(params));
       return QOR_STREAM_OK;
     case QOR_BRNG_LEAPFROG:
-      skip(state, *static_cast<const uint32_t*>(params));
-      state.a = __ostiPowMod2P31M1(state.a, static_cast<uint32_t>(n));
+      leapfrog(sound_state(stream), *static_cast<const uint32_t*>(params), n);
       return QOR_STREAM_OK;
     case QOR_BRNG_SKIP_AHEAD:
-      skip(state, *static_cast<const uint64_t*>(params));
+      skip(sound_state(stream), *static_cast<const uint64_t*>(params));
       return QOR_STREAM_OK;
     default:
       return refusal_of(method);
@@ -115,6 +133,6 @@ int32_t __ostdBRngMCG31M1(StreamState* stream, int32_t n, double* r, double a, d
   return fill(stream, n, r, a, b);
 }
 int32_t __ostiBRngMCG31M1(StreamState* stream, int32_t n, void* r) {
-  fill_words(state_of<State>(stream), n, r);
+  fill_words(sound_state(stream), n, r);
   return QOR_STREAM_OK;
 }

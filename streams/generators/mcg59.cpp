@@ -23,16 +23,26 @@ constexpr uint64_t kMask = (uint64_t{1} << 59) - 1;
 constexpr uint64_t kMultiplier = 302875106592253;  // 13^13
 constexpr double kUnit = 0x1p-59;
 
+// The state of a stream. One from outside may hold any words: they stand for their residues, 0 and
+// an even multiplier, under which all numbers end at 0, for what creation puts in their place.
+State& sound_state(StreamState* stream) {
+  auto& state = state_of<State>(stream);
+  if (state.x - 1 >= kMask) state.x = (state.x & kMask) != 0 ? state.x & kMask : 1;
+  if (state.a > kMask || state.a % 2 == 0)
+    state.a = state.a % 2 != 0 ? state.a & kMask : kMultiplier;
+  return state;
+}
+
 // Block form: kLanes consecutive outputs, each multiplied by a^kLanes a round.
 constexpr int kVectors = 4;
 constexpr int32_t kLanes = kVectors * wide_lanes;
 
-int32_t fill_blocks(State& state, int32_t n, void* r) {
+int64_t fill_blocks(State& state, int64_t n, void* r) {
   uint64_t power = 1;
   Wide x[kVectors];
   for (int k = 0; k < kLanes; ++k, power = power * state.a)
     x[k / wide_lanes][k % wide_lanes] = state.x * power & kMask;
-  int32_t i = 0;
+  int64_t i = 0;
   for (; i + kLanes <= n; i += kLanes) {
     std::memcpy(at<uint64_t>(r, i), x, sizeof x);
     for (Wide& lanes : x) lanes = lanes * power & kMask;
@@ -41,8 +51,8 @@ int32_t fill_blocks(State& state, int32_t n, void* r) {
   return i;
 }
 
-void fill_words(State& state, int32_t n, void* r) {
-  int32_t i = n >= 2 * kLanes ? fill_blocks(state, n, r) : 0;
+void fill_words(State& state, int64_t n, void* r) {
+  int64_t i = n >= 2 * kLanes ? fill_blocks(state, n, r) : 0;
   uint64_t x = state.x;
   for (; i < n; ++i, x = x * state.a & kMask) store(r, i, x);
   state.x = x;
@@ -74,10 +84,11 @@ struct MapWords59 {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  auto& state = state_of<State>(stream);
+  State& state = sound_state(stream);
+  const MaskedExceptions masked;
   fill_reals(
       n, r, [&](int32_t count, uint64_t* words) { fill_words(state, count, words); },
-      MapWords59{{a, b, kUnit}});
+      MapWords59{{masked, a, b, kUnit}});
   return QOR_STREAM_OK;
 }
 
@@ -91,21 +102,24 @@ void skip(State& state, uint64_t count) {
   state.x = state.x * __ostiPowMod2P59(state.a, count) & kMask;
 }
 
+void leapfrog(State& state, uint32_t k, int32_t stride) {
+  skip(state, k);
+  state.a = __ostiPowMod2P59(state.a, static_cast<uint32_t>(stride));
+}
+
 }  // namespace
 
 int32_t __ostBRngMCG59InitStream(int32_t method, StreamState* stream, int32_t n,
                                  const void* params) {
-  auto& state = state_of<State>(stream);
   switch (method) {
     case QOR_BRNG_CREATE:
-      create(state, n, static_cast<const uint32_t*>(params));
+      create(state_of<State>(stream), n, static_cast<const uint32_t*>(params));
       return QOR_STREAM_OK;
     case QOR_BRNG_LEAPFROG:
-      skip(state, *static_cast<const uint32_t*>(params));
-      state.a = __ostiPowMod2P59(state.a, static_cast<uint32_t>(n));
+      leapfrog(sound_state(stream), *static_cast<const uint32_t*>(params), n);
       return QOR_STREAM_OK;
     case QOR_BRNG_SKIP_AHEAD:
-      skip(state, *static_cast<const uint64_t*>(params));
+      skip(sound_state(stream), *static_cast<const uint64_t*>(params));
       return QOR_STREAM_OK;
     default:
       return refusal_of(method);
@@ -119,6 +133,6 @@ int32_t __ostdBRngMCG59(StreamState* stream, int32_t n, double* r, double a, dou
   return fill(stream, n, r, a, b);
 }
 int32_t __ostiBRngMCG59(StreamState* stream, int32_t n, void* r) {
-  fill_words(state_of<State>(stream), n, r);
+  fill_words(sound_state(stream), n, r);
   return QOR_STREAM_OK;
 }

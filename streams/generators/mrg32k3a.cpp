@@ -25,6 +25,27 @@ constexpr uint64_t kM1 = mrg_m1, kM2 = mrg_m2;
 constexpr uint64_t kFold1 = 209, kFold2 = 22853;  // 2^32 - m
 constexpr double kUnit = 2.328306549837829e-10;   // nearest 1 / m1
 
+// Words beyond a modulus stand for their residues; three zeros cannot be.
+void make_sound(State& state) {
+  for (int k = 0; k < 3; ++k) {
+    if (state.x[k] >= mrg_m1) state.x[k] -= mrg_m1;
+    if (state.y[k] >= mrg_m2) state.y[k] -= mrg_m2;
+  }
+  if ((state.x[0] | state.x[1] | state.x[2]) == 0) state.x[0] = 1;
+  if ((state.y[0] | state.y[1] | state.y[2]) == 0) state.y[0] = 1;
+}
+
+// The state of a stream. One from outside may hold any words.
+State& sound_state(StreamState* stream) {
+  auto& state = state_of<State>(stream);
+  const auto [x, y] = state;
+  const bool sound = (x[0] < mrg_m1) & (x[1] < mrg_m1) & (x[2] < mrg_m1) & (y[0] < mrg_m2) &
+                     (y[1] < mrg_m2) & (y[2] < mrg_m2) & ((x[0] | x[1] | x[2]) != 0) &
+                     ((y[0] | y[1] | y[2]) != 0);
+  if (!sound) make_sound(state);
+  return state;
+}
+
 // ---- Scalar form --------------------------------------------------------------------------------
 
 // t mod m, m = 2^32 - fold: two folds leave less than 2 m, whatever t is.
@@ -76,14 +97,14 @@ void advance(Wide* v, Jump jump) {
   }
 }
 
-int32_t fill_blocks(State& state, int32_t n, void* r) {
+int64_t fill_blocks(State& state, int64_t n, void* r) {
   Wide x[kVectors], y[kVectors];
   for (int32_t k = 0; k < kLanes; ++k) {
     store(r, k, step(state));
     x[k / wide_lanes][k % wide_lanes] = state.x[2];
     y[k / wide_lanes][k % wide_lanes] = state.y[2];
   }
-  int32_t i = kLanes;
+  int64_t i = kLanes;
   for (; i + kLanes <= n; i += kLanes) {
     advance(x, jump_x);
     advance(y, jump_y);
@@ -100,8 +121,8 @@ int32_t fill_blocks(State& state, int32_t n, void* r) {
   return i;
 }
 
-void fill_words(State& state, int32_t n, void* r) {
-  int32_t i = n >= 2 * kLanes ? fill_blocks(state, n, r) : 0;
+void fill_words(State& state, int64_t n, void* r) {
+  int64_t i = n >= 2 * kLanes ? fill_blocks(state, n, r) : 0;
   State s = state;
   for (; i < n; ++i) store(r, i, step(s));
   state = s;
@@ -109,13 +130,13 @@ void fill_words(State& state, int32_t n, void* r) {
 
 // The rounds of a long call, which has whole ones: put(i, words) as MrgLanes gives them.
 template <class Put>
-int32_t fill_rounds(State& state, int32_t n, Put put) {
+int64_t fill_rounds(State& state, int64_t n, Put put) {
   constexpr int32_t shortest_call = 2 * mrg_block;  // below, the start is not worth it
   if (n < shortest_call || !has_usual_environment()) return 0;
   MrgLanes lanes(state.x, state.y);
-  int32_t done = 0;
+  int64_t done = 0;
   for (;;) {
-    lanes.round([&](int32_t i, WideReal words) { put(done + i, words); });
+    lanes.round([&](int64_t i, WideReal words) { put(done + i, words); });
     done += mrg_block;
     if (n - done < mrg_block) break;
     lanes.jump();
@@ -126,9 +147,10 @@ int32_t fill_rounds(State& state, int32_t n, Put put) {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  auto& state = state_of<State>(stream);
-  const Affine map{a, b, kUnit};
-  const int32_t done = fill_rounds(state, n, [&](int32_t i, WideReal words) {
+  State& state = sound_state(stream);
+  const MaskedExceptions masked;
+  const Affine map{masked, a, b, kUnit};
+  const int64_t done = fill_rounds(state, n, [&](int64_t i, WideReal words) {
     const WideReal values = words * map.scale + map.a;
     for (int k = 0; k < wide_lanes; ++k) store(r, i + k * mrg_stride, static_cast<Real>(values[k]));
   });
@@ -143,12 +165,8 @@ int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
 void create(State& state, int32_t n, const uint32_t* seed) {
   uint32_t words[6] = {1, 1, 1, 1, 1, 1};
   if (n > 0) std::copy_n(seed, std::min(n, 6), words);
-  for (int k = 0; k < 3; ++k) {
-    state.x[k] = words[k] >= mrg_m1 ? words[k] - mrg_m1 : words[k];
-    state.y[k] = words[3 + k] >= mrg_m2 ? words[3 + k] - mrg_m2 : words[3 + k];
-  }
-  if ((state.x[0] | state.x[1] | state.x[2]) == 0) state.x[0] = 1;
-  if ((state.y[0] | state.y[1] | state.y[2]) == 0) state.y[0] = 1;
+  state = {{words[0], words[1], words[2]}, {words[3], words[4], words[5]}};
+  make_sound(state);
 }
 
 constexpr int32_t kTableWords = 3;  // of 64 bits, that the tables of powers reach
@@ -200,8 +218,8 @@ int32_t __ostdBRngMRG32K3A(StreamState* stream, int32_t n, double* r, double a, 
   return fill(stream, n, r, a, b);
 }
 int32_t __ostiBRngMRG32K3A(StreamState* stream, int32_t n, void* r) {
-  auto& state = state_of<State>(stream);
-  const int32_t done = fill_rounds(state, n, [&](int32_t i, WideReal words) {
+  State& state = sound_state(stream);
+  const int64_t done = fill_rounds(state, n, [&](int64_t i, WideReal words) {
     const Wide bits = MrgLanes::words_of(words);
     for (int k = 0; k < wide_lanes; ++k)
       store(r, i + k * mrg_stride, static_cast<uint32_t>(bits[k]));

@@ -1,7 +1,8 @@
 // From generator words to the caller's array.
 //
 // A generator gives its words; real output is made of them in blocks that stay in the first level
-// cache. Arrays may have any alignment, hence the copies in place of plain loads and stores.
+// cache. Arrays may have any alignment, hence the copies in place of plain loads and stores. Counts
+// have 64 bits, for blocks step beyond the last of 2^31 - 1 values.
 #pragma once
 
 #include <algorithm>
@@ -9,15 +10,17 @@
 #include <cstdint>
 #include <cstring>
 
+#include "streams/generators/masked.h"
+
 namespace qor::streams {
 
 template <class T>
-inline void store(void* r, int32_t i, T value) {
+inline void store(void* r, int64_t i, T value) {
   std::memcpy(static_cast<char*>(r) + static_cast<ptrdiff_t>(i) * static_cast<ptrdiff_t>(sizeof(T)),
               &value, sizeof(T));
 }
 template <class T>
-inline T load(const void* r, int32_t i) {
+inline T load(const void* r, int64_t i) {
   T value;
   std::memcpy(
       &value,
@@ -27,7 +30,7 @@ inline T load(const void* r, int32_t i) {
 }
 
 template <class Word>
-inline void* at(void* r, int32_t i) {
+inline void* at(void* r, int64_t i) {
   return static_cast<char*>(r) + static_cast<ptrdiff_t>(i) * static_cast<ptrdiff_t>(sizeof(Word));
 }
 
@@ -35,7 +38,8 @@ inline void* at(void* r, int32_t i) {
 // rounded once more where the result is single.
 struct Affine {
   double scale, a;
-  Affine(double a_, double b, double unit) : scale((b - a_) * unit), a(a_) {}
+  Affine(const MaskedExceptions& masked, double a_, double b, double unit)
+      : scale((masked.hold(b) - masked.hold(a_)) * unit), a(a_) {}
 };
 
 // A 32-bit word as a double, by the signed conversion that all levels have; every step is exact.
@@ -62,11 +66,11 @@ using MapWords32 = MapWords<32>;
 
 // n reals of a generator, from blocks of its words: words(n, Word* out), then map(words, n, Real*).
 template <class Real, class Words, class Map>
-void fill_reals(int32_t n, Real* r, Words words, Map map) {
-  constexpr int32_t block = 8192 / sizeof(typename Map::Word);
+void fill_reals(int64_t n, Real* r, Words words, Map map) {
+  constexpr int64_t block = 8192 / sizeof(typename Map::Word);
   alignas(64) typename Map::Word buffer[block];
-  for (int32_t done = 0; done < n;) {
-    const int32_t count = std::min(n - done, block);
+  for (int64_t done = 0; done < n;) {
+    const auto count = static_cast<int32_t>(std::min(n - done, block));
     words(count, buffer);
     map(buffer, count, static_cast<Real*>(at<Real>(r, done)));
     done += count;

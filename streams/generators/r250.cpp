@@ -23,9 +23,17 @@ static_assert(sizeof(State) == 1008);
 
 uint32_t next(uint32_t index) { return index + 1 < kRing ? index + 1 : 0; }
 
+// The state of a stream. One from outside may hold any indices: the second follows from the first.
+State& sound_state(StreamState* stream) {
+  auto& state = state_of<State>(stream);
+  if (state.i >= kRing) state.i %= kRing;
+  state.j = state.i < kLag ? state.i + kTap : state.i - kLag;
+  return state;
+}
+
 // Words in place in the ring: calls of less than a ring.
 void step_in_ring(State& s, int32_t n, void* r) {
-  uint32_t i = s.i % kRing, j = s.j % kRing;
+  uint32_t i = s.i, j = s.j;
   for (int32_t t = 0; t < n; ++t, i = next(i), j = next(j)) {
     s.w[i] ^= s.w[j];
     store(r, t, s.w[i]);
@@ -36,27 +44,28 @@ void step_in_ring(State& s, int32_t n, void* r) {
 
 // Lets the ring start at its oldest word, as calls of a ring and more leave it.
 void normalise(State& s) {
-  std::rotate(s.w, s.w + s.i % kRing, s.w + kRing);
+  std::rotate(s.w, s.w + s.i, s.w + kRing);
   s.i = 0;
   s.j = kTap;
 }
 
 // r[t] = r[t - 250] xor r[t - 147] for n words from r on; n is at most kLag, so that none depends
 // on another.
-void extend(char* r, int32_t n) {
+void extend(char* r, int64_t n) {
   constexpr auto bytes = static_cast<ptrdiff_t>(sizeof(uint32_t));
   const char* __restrict oldest = r - kRing * bytes;
   const char* __restrict tap = r - kLag * bytes;
   char* __restrict out = r;
-  for (int32_t t = 0; t < n; ++t) store(out, t, load<uint32_t>(oldest, t) ^ load<uint32_t>(tap, t));
+  for (int64_t t = 0; t < n; ++t) store(out, t, load<uint32_t>(oldest, t) ^ load<uint32_t>(tap, t));
 }
 
 // Calls of a ring and more: the first words replace the ring, the others come from the output.
-void fill_from_output(State& s, int32_t n, void* r) {
-  constexpr int32_t block = 144;  // whole vectors, at most kLag
+void fill_from_output(State& s, int64_t n, void* r) {
+  constexpr int64_t block = 144;  // whole vectors, at most kLag
   step_in_ring(s, kRing, r);
-  for (int32_t t = kRing; t < n; t += block)
-    extend(static_cast<char*>(at<uint32_t>(r, t)), std::min(block, n - t));
+  int64_t t = kRing;
+  for (; t + block <= n; t += block) extend(static_cast<char*>(at<uint32_t>(r, t)), block);
+  extend(static_cast<char*>(at<uint32_t>(r, t)), n - t);
   std::memcpy(s.w, at<uint32_t>(r, n - kRing), sizeof s.w);
   s.i = 0;
   s.j = kTap;
@@ -72,10 +81,11 @@ void fill_words(State& state, int32_t n, void* r) {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  auto& state = state_of<State>(stream);
+  State& state = sound_state(stream);
+  const MaskedExceptions masked;
   fill_reals(
       n, r, [&](int32_t count, uint32_t* words) { fill_words(state, count, words); },
-      MapWords32{{a, b, kUnit}});
+      MapWords32{{masked, a, b, kUnit}});
   // The last block may have been a short one.
   if (n >= kRing) normalise(state);
   return QOR_STREAM_OK;
@@ -117,6 +127,6 @@ int32_t __ostdBRngR250(StreamState* stream, int32_t n, double* r, double a, doub
   return fill(stream, n, r, a, b);
 }
 int32_t __ostiBRngR250(StreamState* stream, int32_t n, void* r) {
-  fill_words(state_of<State>(stream), n, r);
+  fill_words(sound_state(stream), n, r);
   return QOR_STREAM_OK;
 }

@@ -2,12 +2,14 @@
 // moduli (after Wichmann and Hill 1982).
 //
 // The output is the state before the step. A leapfrog changes the multipliers for good. All
-// products are below 2^48, so the recurrences run in double precision without rounding.
+// products are below 2^48: blocks run their recurrences in double precision, whose quotients alone
+// are rounded; single steps are taken in whole numbers.
 
 #include <array>
 #include <bit>
 #include <iterator>
 
+#include "streams/generators/masked.h"
 #include "streams/generators/output.h"
 #include "streams/generators/refusals.h"
 #include "streams/generators/wh_table.h"
@@ -33,15 +35,20 @@ constexpr double reciprocal(uint64_t m) {
   return static_cast<double>(quotient) * 0x1p-76;
 }
 
-using Reciprocals = std::array<std::array<double, 4>, std::size(wh_rows)>;
-constexpr Reciprocals all_reciprocals() {
-  Reciprocals result{};
+// The same in whole numbers: floor(2^55 / m), which has 32 bits.
+constexpr uint32_t inverse(uint64_t m) { return static_cast<uint32_t>((uint64_t{1} << 55) / m); }
+
+// f of every modulus.
+template <class Value, Value f(uint64_t)>
+constexpr auto of_moduli() {
+  std::array<std::array<Value, 4>, std::size(wh_rows)> result{};
   for (size_t s = 0; s < result.size(); ++s) {
-    for (size_t j = 0; j < 4; ++j) result[s][j] = reciprocal(wh_rows[s].m[j]);
+    for (size_t j = 0; j < 4; ++j) result[s][j] = f(wh_rows[s].m[j]);
   }
   return result;
 }
-constexpr Reciprocals kReciprocals = all_reciprocals();
+constexpr auto kReciprocals = of_moduli<double, reciprocal>();
+constexpr auto kInverses = of_moduli<uint32_t, inverse>();
 
 // ---- One step -----------------------------------------------------------------------------------
 
@@ -55,19 +62,18 @@ inline WideReal where(WideMask condition, WideReal v) {
   return reinterpret_cast<WideReal>(condition & reinterpret_cast<WideMask>(v));
 }
 
-// x a mod m for residues x and a. The quotient is off by less than one either way, in any rounding
-// mode, so that one addition mends the remainder.
-template <class V>
-inline V multiply(V x, V a, V m, V r) {
-  const V product = x * a;
-  const V quotient = (product * r + kRounder) - kRounder;
-  const V remainder = product - quotient * m;
-  return remainder + where(remainder < 0.0, m);
+// x a mod m for residues x and a. The 32 upper bits of the product and the inverse are off by less
+// than 2^-6 of the quotient's unit together, so that one subtraction mends the remainder.
+uint32_t multiply(uint32_t x, uint32_t a, uint32_t m, uint32_t inverse_of_m) {
+  const uint64_t product = uint64_t{x} * a;
+  const uint64_t quotient = (product >> 16) * inverse_of_m >> 39;
+  const auto remainder = static_cast<uint32_t>(product - quotient * m);
+  return remainder >= m ? remainder - m : remainder;
 }
 
-// The same where rounding is to nearest: a quotient, less a half, rounds to its floor. No product
-// of residues is a multiple of the prime m < 2^24, so that no quotient is nearer to a whole number
-// than 2^-24; the error is below 2^-27.
+// The same in lanes, where rounding is to nearest: a quotient, less a half, rounds to its floor. No
+// product of residues is a multiple of the prime m < 2^24, so that no quotient is nearer to a whole
+// number than 2^-24; the error is below 2^-27.
 inline WideReal multiply_nearest(WideReal x, WideReal a, WideReal m, WideReal r) {
   const WideReal product = x * a;
   const WideReal quotient = (product * r - 0.5 + kRounder) - kRounder;
@@ -82,19 +88,22 @@ inline V fraction(V x1, V x2, V x3, V x4, const double* r) {
   return sum - (nearest - where(sum < nearest, V{} + 1.0));
 }
 
-// ---- Block form ---------------------------------------------------------------------------------
-
-struct Constants {
-  double m[4], a[4], r[4];
-  Constants(const State& state, int32_t member) {
-    const auto row = static_cast<size_t>(member);
-    for (int j = 0; j < 4; ++j) {
-      m[j] = wh_rows[row].m[j];
-      a[j] = state.a[j];
-      r[j] = kReciprocals[row][static_cast<size_t>(j)];
-    }
-  }
+// A member of the family: its moduli and what stands for divisions by them.
+struct Member {
+  const uint32_t *m, *inverse;
+  const double* r;
+  explicit Member(int32_t number)
+      : m(wh_rows[number].m),
+        inverse(kInverses[static_cast<size_t>(number)].data()),
+        r(kReciprocals[static_cast<size_t>(number)].data()) {}
+  uint32_t product(uint32_t x, uint32_t a, int j) const { return multiply(x, a, m[j], inverse[j]); }
 };
+
+void step(State& state, const Member& member) {
+  for (int j = 0; j < 4; ++j) state.x[j] = member.product(state.x[j], state.a[j], j);
+}
+
+// ---- Block form ---------------------------------------------------------------------------------
 
 // kSteps consecutive states, each multiplied by a_j^kSteps a round. Generator j of step s stands at
 // place(j, s): the two outputs want different orders.
@@ -107,18 +116,18 @@ template <int (*place)(int, int)>
 struct Block {
   alignas(64) double x[4 * kSteps], a[4 * kSteps], m[4 * kSteps], r[4 * kSteps];
 
-  Block(const State& state, const Constants& c) {
+  Block(const State& state, const Member& member) {
     for (int j = 0; j < 4; ++j) {
-      double next = state.x[j], power = 1;
+      uint32_t next = state.x[j], power = 1;
       for (int s = 0; s < kSteps; ++s) {
         x[place(j, s)] = next;
-        next = multiply(next, c.a[j], c.m[j], c.r[j]);
-        power = multiply(power, c.a[j], c.m[j], c.r[j]);
+        next = member.product(next, state.a[j], j);
+        power = member.product(power, state.a[j], j);
       }
       for (int s = 0; s < kSteps; ++s) {
         a[place(j, s)] = power;
-        m[place(j, s)] = c.m[j];
-        r[place(j, s)] = c.r[j];
+        m[place(j, s)] = member.m[j];
+        r[place(j, s)] = member.r[j];
       }
     }
   }
@@ -136,64 +145,68 @@ struct Block {
   }
 };
 
-void step(State& state, const Constants& c) {
-  for (int j = 0; j < 4; ++j)
-    state.x[j] = static_cast<uint32_t>(multiply<double>(state.x[j], c.a[j], c.m[j], c.r[j]));
+uint32_t residue_or(uint32_t instead, uint32_t word, uint32_t m) {
+  word %= m;
+  return word != 0 ? word : instead;
 }
 
-// The state of a stream. A loaded image may hold any words; the arithmetic counts on residues.
-State& residues_of(StreamState* stream) {
+// The state of a stream. One from outside may hold any words: they stand for their residues, and 0
+// for what creation puts in its place.
+State& sound_state(StreamState* stream) {
   auto& state = state_of<State>(stream);
-  const auto& m = wh_rows[static_cast<size_t>(member_of(stream))].m;
+  const WhRow& row = wh_rows[member_of(stream)];
   for (int j = 0; j < 4; ++j) {
-    if (state.x[j] >= m[j]) state.x[j] %= m[j];
-    if (state.a[j] >= m[j]) state.a[j] %= m[j];
+    // One comparison each finds 0 and what lies beyond.
+    const uint32_t m = row.m[j];
+    if (state.x[j] - 1 >= m - 1) state.x[j] = residue_or(1, state.x[j], m);
+    if (state.a[j] - 1 >= m - 1) state.a[j] = residue_or(row.a[j], state.a[j], m);
   }
   return state;
 }
 
-// Shorter calls, and those in another rounding mode, run step by step.
+// Shorter calls, and those in another rounding mode or with traps, run step by step.
 bool runs_in_blocks(int32_t n) { return n >= 2 * kSteps && has_usual_environment(); }
 
 void fill_words(StreamState* stream, int32_t n, void* r) {
-  State& state = residues_of(stream);
-  const Constants c(state, member_of(stream));
+  State& state = sound_state(stream);
+  const Member member(member_of(stream));
   using Words = std::array<uint32_t, 4>;
-  int32_t i = 0;
+  int64_t i = 0;
   if (runs_in_blocks(n)) {
-    Block<by_step> block(state, c);
+    Block<by_step> block(state, member);
     for (; i + kSteps <= n; i += kSteps, block.advance()) {
       void* out = at<Words>(r, i);
       for (int k = 0; k < 4 * kSteps; ++k) store(out, k, static_cast<int32_t>(block.x[k]));
     }
     block.save(state);
   }
-  for (; i < n; ++i, step(state, c)) store(r, i, std::to_array(state.x));
+  for (; i < n; ++i, step(state, member)) store(r, i, std::to_array(state.x));
 }
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  State& state = residues_of(stream);
-  const Constants c(state, member_of(stream));
-  const double scale = b - a;
-  int32_t i = 0;
+  const MaskedExceptions masked;
+  State& state = sound_state(stream);
+  const Member member(member_of(stream));
+  const double scale = masked.hold(b) - masked.hold(a);
+  int64_t i = 0;
   if (runs_in_blocks(n)) {
-    Block<by_generator> block(state, c);
+    Block<by_generator> block(state, member);
     const double* x = block.x;
     for (; i + kSteps <= n; i += kSteps, block.advance()) {
       void* out = at<Real>(r, i);
       for (int s = 0; s < kSteps; s += wide_lanes) {
         const WideReal f =
             fraction(load_wide(x + s), load_wide(x + kSteps + s), load_wide(x + 2 * kSteps + s),
-                     load_wide(x + 3 * kSteps + s), c.r);
+                     load_wide(x + 3 * kSteps + s), member.r);
         const WideReal values = f * scale + a;
         for (int k = 0; k < wide_lanes; ++k) store(out, s + k, static_cast<Real>(values[k]));
       }
     }
     block.save(state);
   }
-  for (; i < n; ++i, step(state, c)) {
-    const double f = fraction<double>(state.x[0], state.x[1], state.x[2], state.x[3], c.r);
+  for (; i < n; ++i, step(state, member)) {
+    const double f = fraction<double>(state.x[0], state.x[1], state.x[2], state.x[3], member.r);
     store(r, i, static_cast<Real>(f * scale + a));
   }
   return QOR_STREAM_OK;
@@ -203,8 +216,7 @@ int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
 
 void create(State& state, const WhRow& row, int32_t n, const uint32_t* seed) {
   for (uint32_t j = 0; j < 4; ++j) {
-    const uint32_t x = j < static_cast<uint32_t>(n) ? seed[j] % row.m[j] : 1;
-    state.x[j] = x != 0 ? x : 1;
+    state.x[j] = j < static_cast<uint32_t>(n) ? residue_or(1, seed[j], row.m[j]) : 1;
     state.a[j] = row.a[j];
   }
 }
@@ -216,22 +228,25 @@ void skip(State& state, const WhRow& row, uint64_t count) {
   }
 }
 
+void leapfrog(State& state, const WhRow& row, uint32_t k, int32_t stride) {
+  skip(state, row, k);
+  for (int j = 0; j < 4; ++j)
+    state.a[j] = __ostiPowMod(state.a[j], static_cast<uint32_t>(stride), row.m[j]);
+}
+
 }  // namespace
 
 int32_t __ostBRngWHInitStream(int32_t method, StreamState* stream, int32_t n, const void* params) {
-  auto& state = state_of<State>(stream);
   const WhRow& row = wh_rows[member_of(stream)];
   switch (method) {
     case QOR_BRNG_CREATE:
-      create(state, row, n, static_cast<const uint32_t*>(params));
+      create(state_of<State>(stream), row, n, static_cast<const uint32_t*>(params));
       return QOR_STREAM_OK;
     case QOR_BRNG_LEAPFROG:
-      skip(state, row, *static_cast<const uint32_t*>(params));
-      for (int j = 0; j < 4; ++j)
-        state.a[j] = __ostiPowMod(state.a[j], static_cast<uint32_t>(n), row.m[j]);
+      leapfrog(sound_state(stream), row, *static_cast<const uint32_t*>(params), n);
       return QOR_STREAM_OK;
     case QOR_BRNG_SKIP_AHEAD:
-      skip(state, row, *static_cast<const uint64_t*>(params));
+      skip(sound_state(stream), row, *static_cast<const uint64_t*>(params));
       return QOR_STREAM_OK;
     default:
       return refusal_of(method);

@@ -22,6 +22,7 @@ using Wide [[gnu::vector_size(wide_bytes)]] = uint64_t;
 using WideWords [[gnu::vector_size(wide_bytes)]] = uint32_t;
 using WideReal [[gnu::vector_size(wide_bytes)]] = double;
 using WideMask [[gnu::vector_size(wide_bytes)]] = int64_t;
+using WideIntegers [[gnu::vector_size(wide_bytes / 2)]] = int32_t;
 
 // The product of the low halves of each lane.
 inline Wide mul_low(Wide a, Wide b) {
@@ -61,6 +62,12 @@ inline WideReal load_wide(const double* from) {
   std::memcpy(&v, from, sizeof v);
   return v;
 }
+
+// Truncation, of lanes or of one value.
+inline WideIntegers truncate(WideReal v) { return __builtin_convertvector(v, WideIntegers); }
+inline int32_t truncate(double v) { return static_cast<int32_t>(v); }
+inline WideReal to_real(WideIntegers k) { return __builtin_convertvector(k, WideReal); }
+inline double to_real(int32_t k) { return k; }
 
 // Lanes shift, ..., last of a, then the first of b.
 template <int shift>

@@ -74,6 +74,42 @@ TEST(UniformInteger, IsTheFloor) {
             (Integers{Limits::min(), Limits::min(), Limits::max() - 1}));
 }
 
+// Streams whose first number is the extreme one of their generator.
+std::vector<uint32_t> ring_of_r250(uint32_t first) {
+  std::vector<uint32_t> seed(250, 1);
+  seed[0] = first;
+  seed[103] = 0;  // the other word of the first output
+  return seed;
+}
+const std::vector<uint32_t> kAllBits = ring_of_r250(0xFFFFFFFF);
+const struct LargestWord {
+  int32_t brng;
+  std::vector<uint32_t> seed;
+} kLargest[] = {{QOR_BRNG_MCG31M1, {0x7FFFFFFE}},
+                {QOR_BRNG_R250, kAllBits},
+                {QOR_BRNG_MRG32K3A, {0, 0, 1, 0, 0, 55460180}},  // x' = 0, y' = 1
+                {QOR_BRNG_MCG59, {0xFFFFFFFF, 0x7FFFFFF}},
+                {QOR_BRNG_WH, {16770643, 1, 1, 1}}};  // (m - 4) / m and three next to 1 / m
+
+TEST(UniformInteger, RoundingGivesNeitherBNorLessThanA) {
+  for (const auto& [brng, seed] : kLargest) {
+    const int32_t b = std::numeric_limits<int32_t>::max();
+    ASSERT_EQ(reals_of<double>(new_stream(brng, seed), 1, b - 1, b)[0], b) << std::hex << brng;
+    EXPECT_EQ(integers(new_stream(brng, seed), 9, b - 1, b), Integers(9, b - 1)) << brng;
+  }
+  const auto first = [](int32_t brng, const auto& seed, int32_t a, int32_t b) {
+    return integers(new_stream(brng, seed), 1, a, b)[0];
+  };
+  EXPECT_EQ(first(QOR_BRNG_R250, kAllBits, 1000000000, 1000000006), 1000000005);
+  EXPECT_EQ(first(QOR_BRNG_MCG59, kLargest[3].seed, 1, 7), 6);
+  // Just above a power of two: what 1 is taken from for the floor rounds to a whole number.
+  const int32_t a = -(1 << 30);
+  EXPECT_EQ(first(QOR_BRNG_R250, ring_of_r250(512), a, a + 1), a);
+  // An empty interval has no such bounds.
+  for (int32_t at : {5, std::numeric_limits<int32_t>::min()})
+    EXPECT_EQ(first(QOR_BRNG_R250, kAllBits, at, at), at);
+}
+
 TEST(UniformInteger, TakesADoubleEach) {
   for (int32_t n : {0, 1, 1023, 1024, 1025, 5000}) {
     const Stream stream = new_stream(QOR_BRNG_MCG59), other = new_stream(QOR_BRNG_MCG59);
@@ -92,7 +128,7 @@ TEST(UniformInteger, StopsAtAFailureWithTheBlocksBefore) {
 }
 
 TEST(Bernoulli, ComparesSingleUniforms) {
-  for (double p : {0.0, 0.25, 1.0 / 3, 0.9, 1.0}) {
+  for (double p : {0.0, 0.25, 1.0 / 3, 0.9, 1 - 0x1p-24}) {
     const Stream stream = new_stream(QOR_BRNG_MCG31M1), other = new_stream(QOR_BRNG_MCG31M1);
     for (int32_t n : {0, 1, 3, 4, 1000}) {
       Integers r(static_cast<size_t>(n)), expected;
@@ -104,6 +140,20 @@ TEST(Bernoulli, ComparesSingleUniforms) {
   }
   int32_t r = -7;
   EXPECT_EQ(_ostiRngBernoulli(0, stream_of({}).get(), 1, &r, 0.5), -1122);
+}
+
+// The largest words give singles of 1; so do doubles next to 1 as the probability.
+TEST(Bernoulli, OfCertaintyGivesOnesOnly) {
+  for (const auto& [brng, seed] : kLargest) {
+    for (double p : {1.0, 1 - 1e-12}) {
+      Integers r(100);
+      ASSERT_EQ(_ostiRngBernoulli(0, new_stream(brng, seed).get(), 100, r.data(), p), 0);
+      EXPECT_EQ(r, Integers(100, 1)) << std::hex << brng;
+    }
+    Integers none(100);
+    ASSERT_EQ(_ostiRngBernoulli(0, new_stream(brng, seed).get(), 100, none.data(), 0), 0);
+    EXPECT_EQ(none, Integers(100, 0));
+  }
 }
 
 TEST(UniformBits, NarrowedWordsOfMcg59) {

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <vector>
 
+#include "qor/distributions.h"
 #include "qor/streams.h"
 #include "tests/fuzz/memory_file.h"
 
@@ -70,9 +71,14 @@ void use(const StreamState* stream) {
   if (copy->brng < QOR_BRNG_IABSTRACT || copy->brng > QOR_BRNG_SABSTRACT) {
     uint32_t words[300 * 4];
     double reals[300];
+    int32_t integers[300];
     row.iBRng(copy, 300, words);
     row.dBRng(copy, 300, reals, 0, 1);
     row.iBRng(copy, 7, words);
+    _ostiRngUniform(0, copy, 300, integers, -3, 3);
+    // Rounding may give the upper end of reals.
+    for (const double u : reals) require(u >= 0 && u <= 1);
+    for (const int32_t k : integers) require(k >= -3 && k < 3);
   }
   __ostDeleteStream(&copy);
 }

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <set>
 
 #include "tests/streams/stream_support.h"
 
@@ -116,6 +117,15 @@ TEST(AbstractStreams, OtherTypesAndMethodsAreRefused) {
     EXPECT_EQ(__ostSkipAheadStreamEx(stream, 0, nullptr), -1004);
     EXPECT_EQ(row.initStream(9, stream, 0, nullptr), -2);
   }
+}
+
+TEST(AbstractStreams, OneFunctionRefuses) {
+  std::set<void*> refusals;
+  const BrngProperties &i = __RegBrngsNew[9], &d = __RegBrngsNew[10], &s = __RegBrngsNew[11];
+  for (auto f : {i.sBRng, d.sBRng}) refusals.insert(reinterpret_cast<void*>(f));
+  for (auto f : {i.dBRng, s.dBRng}) refusals.insert(reinterpret_cast<void*>(f));
+  for (auto f : {d.iBRng, s.iBRng}) refusals.insert(reinterpret_cast<void*>(f));
+  EXPECT_EQ(refusals.size(), 1u);
 }
 
 TEST(AbstractStreams, BadArguments) {
