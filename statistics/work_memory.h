@@ -1,7 +1,7 @@
 // The work memory of one call: taken piece by piece, given back at its end.
 #pragma once
 
-#include <iterator>
+#include <new>
 
 #include "services/scratch.h"
 
@@ -11,7 +11,11 @@ class WorkMemory {
  public:
   WorkMemory() = default;
   ~WorkMemory() {
-    for (int i = 0; i < taken_; ++i) qor_serv_deallocate(blocks_[i]);
+    while (last_ != nullptr) {
+      Piece* piece = last_;
+      last_ = piece->before;
+      qor_serv_deallocate(piece);
+    }
   }
   WorkMemory(const WorkMemory&) = delete;
   WorkMemory& operator=(const WorkMemory&) = delete;
@@ -20,19 +24,25 @@ class WorkMemory {
   template <class T>
   T* take(int64_t count) {
     if (count == 0 || failed_) return nullptr;
-    T* block = services::allocate_values<T>(count);
+    const int64_t values = services::counted_product(count, static_cast<int64_t>(sizeof(T)));
+    char* block = services::allocate_values<char>(services::counted_sum(kHead, values));
     failed_ = block == nullptr;
-    if (!failed_) blocks_[taken_++] = block;
-    return block;
+    if (failed_) return nullptr;
+    last_ = new (block) Piece{last_};
+    return reinterpret_cast<T*>(block + kHead);
   }
 
   bool failed() const { return failed_; }
 
  private:
-  static constexpr int kMost = 6;  // pieces of one call
+  // What stands before a piece's values: the pieces are a chain, so that there may be any number.
+  struct Piece {
+    Piece* before;
+  };
+  static constexpr int64_t kHead{services::work_alignment};
+  static_assert(kHead >= int64_t{sizeof(Piece)});
 
-  void* blocks_[kMost];
-  int taken_ = 0;
+  Piece* last_ = nullptr;
   bool failed_ = false;
 };
 
