@@ -110,16 +110,20 @@ Weight registered_weight(const SsTask& task) {
   return weight == nullptr ? Weight{} : Weight{weight[0], weight[1]};
 }
 
-// Room for the given means, kept by the task; the old ones go with a change of p.
+// Room for the given means, kept by the task; the old ones go with a change of p or of precision.
 template <class Real>
 int reserve_saved_means(SsTask& task, int64_t p) {
-  if (task.saved_means != nullptr && task.saved_mean_count == p) return QOR_SS_OK;
+  if (task.saved_means != nullptr && task.saved_mean_count == p &&
+      task.saved_mean_precision == precision_of<Real>) {
+    return QOR_SS_OK;
+  }
   Real* room = services::allocate_values<Real>(p);
   if (room == nullptr) return QOR_SS_NO_MEMORY;
   std::copy_n(reals<Real>(task.mean), p, room);
   qor_serv_deallocate(task.saved_means);
   task.saved_means = room;
   task.saved_mean_count = p;
+  task.saved_mean_precision = precision_of<Real>;
   return QOR_SS_OK;
 }
 

@@ -35,6 +35,7 @@ struct StreamVariable {
 
 struct StreamState {
   int64_t p;
+  int32_t precision;           // of the entry that made it
   StreamVariable variable[1];  // p of them
 };
 
@@ -46,7 +47,7 @@ struct StageSize {
 StageSize stage_size(double epsilon, int64_t k);
 
 // A state of p variables without stages, those without a flag inactive; null without memory.
-StreamState* new_stream_state(int64_t p, const Integers& indices);
+StreamState* new_stream_state(int64_t p, int32_t precision, const Integers& indices);
 void free_stream_state(StreamState* state);
 
 // Gives the variable its next stage; false without memory.
