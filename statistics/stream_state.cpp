@@ -41,8 +41,8 @@ bool allocate_tables(Stage& stage) {
   using services::counted_product, services::counted_sum;
   const int64_t lengths =
       aligned(counted_product(stage.levels + 1, static_cast<int64_t>(sizeof(int64_t))));
-  const int64_t keys =
-      aligned(counted_product(counted_product(stage.block, 2), static_cast<int64_t>(sizeof(Key))));
+  const int64_t keys = aligned(counted_product(
+      counted_sum(stage.block, sorting_room<Key>(stage.block)), static_cast<int64_t>(sizeof(Key))));
   const int64_t rows = counted_product(counted_product(stage.row_length, stage.levels + 2),
                                        static_cast<int64_t>(sizeof(RankedKey<Key>)));
   char* block = services::allocate_values<char>(counted_sum(counted_sum(lengths, keys), rows));

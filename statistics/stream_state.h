@@ -20,7 +20,7 @@ struct Stage {
   int64_t row_length;  // room of a level, in entries
   int64_t fill;        // observations in the buffer
   int64_t* length;     // entries of level i in length[i]; 0 when it is free
-  void* keys;          // the buffer, and as much work for sorting it
+  void* keys;          // the buffer, and behind it the work for sorting it
   void* rows;          // the levels from 1 on, and two more for merging
 };
 
