@@ -41,15 +41,34 @@ int64_t member_work(const Run<Real>& run) {
   return product_work(run.data, std::min(run.data.n, product_block(run.data.p)));
 }
 
-// The slots of the first thread: the caller's arrays where all variables take part, else
-// temporaries. A given mean is read where it stands.
+// Whether a run may gather in the caller's arrays: where it can begin again from nothing, and all
+// variables take part.
+template <class Real>
+bool gathers_in_place(const Run<Real>& run) {
+  return run.is_fresh() && !run.data.indices.given();
+}
+
+// Reals of a variable each in the units of the run: where they stand, or as a copy.
+template <class Real>
+Real* in_units_of(const Run<Real>& run, Real* values, WorkMemory& memory) {
+  if (values == nullptr || run.units.exponents == nullptr) return values;
+  Real* copy = memory.take<Real>(run.data.p);
+  for (int64_t j = 0; copy != nullptr && j < run.data.p; ++j) {
+    copy[j] = times_two_to(values[j], -run.units.of(j));
+  }
+  return copy;
+}
+
+// The slots of the first thread: the caller's arrays or temporaries. A given mean is read where it
+// stands.
 template <class Real>
 void place_slots(const Run<Real>& run, WorkMemory& memory, Moments<Real>& moments) {
   const int64_t p = run.data.p;
-  const auto array_in_place = [&run](int s) -> Real* {
-    if (run.request.method == Method::given_means && s == 0) return reals<Real>(run.task.mean);
-    if (run.data.indices.given()) return nullptr;
-    return slot_array<Real>(run.task, run.request, s);
+  const bool given = run.request.method == Method::given_means;
+  Real* given_mean = given ? in_units_of(run, reals<Real>(run.task.mean), memory) : nullptr;
+  const auto array_in_place = [&](int s) -> Real* {
+    if (given && s == 0) return given_mean;
+    return gathers_in_place(run) ? slot_array<Real>(run.task, run.request, s) : nullptr;
   };
   int64_t missing = 0;
   for (int s = 0; s < slot_count; ++s) {
@@ -72,7 +91,7 @@ template <class Real>
 Real* place_cross(const Run<Real>& run, WorkMemory& memory) {
   if (!run.matrix) return nullptr;
   const auto holder = matrix_of<Real>(run.task, holder_field(run.request));
-  if (holder.form == MatrixForm::full && !run.data.indices.given()) return holder.data;
+  if (holder.form == MatrixForm::full && gathers_in_place(run)) return holder.data;
   return memory.take<Real>(services::counted_product(run.data.p, run.data.p));
 }
 
@@ -110,32 +129,65 @@ Weight registered_weight(const SsTask& task) {
   return weight == nullptr ? Weight{} : Weight{weight[0], weight[1]};
 }
 
-// Room for the given means, kept by the task; the old ones go with a change of p.
+// Room for the given means, kept by the task; the old ones go with a change of p or of precision.
 template <class Real>
 int reserve_saved_means(SsTask& task, int64_t p) {
-  if (task.saved_means != nullptr && task.saved_mean_count == p) return QOR_SS_OK;
+  if (saved_means<Real>(task, p) != nullptr) return QOR_SS_OK;
   Real* room = services::allocate_values<Real>(p);
   if (room == nullptr) return QOR_SS_NO_MEMORY;
   std::copy_n(reals<Real>(task.mean), p, room);
   qor_serv_deallocate(task.saved_means);
   task.saved_means = room;
   task.saved_mean_count = p;
+  task.saved_mean_precision = precision_of<Real>;
   return QOR_SS_OK;
 }
 
 template <class Real>
-void finish(const Run<Real>& run, Real* inverse_roots) {
-  Accumulator<Real>& a = run.members[0].gathered;
+void finish(const Run<Real>& run) {
+  const Accumulator<Real>& a = run.gathered();
   const int64_t p = run.data.p;
   if (run.request.method == Method::given_means && run.task.mean != nullptr) {
-    std::copy_n(a.moments.mean, p, reals<Real>(run.task.saved_means));
+    std::copy_n(reals<Real>(run.task.mean), p, saved_means<Real>(run.task, p));
   }
   if (Real* weight = reals<Real>(run.task.accumulated_weights)) {
-    weight[0] = static_cast<Real>(a.weight.sum);
-    weight[1] = static_cast<Real>(a.weight.squares);
+    const Weight all = in_units(a.weight, -run.units.weight);
+    weight[0] = static_cast<Real>(all.sum);
+    weight[1] = static_cast<Real>(all.squares);
   }
-  finish_slots(run.task, run.request, a.weight, p, a.moments);
-  if (run.matrix) write_matrices(run.task, run.request, a.cross, a.weight, inverse_roots);
+  finish_slots(run.task, run.request, a.weight, run.units, p, a.moments);
+  if (run.matrix) {
+    write_matrices(run.task, run.request, a.cross, a.weight, run.units, run.inverse_roots);
+  }
+}
+
+// Takes the data into the members' memory, from the state in the caller's arrays on.
+template <class Real>
+int gather(Run<Real>& run, WorkMemory& memory, const ThreadHook* hook) {
+  const int64_t p = run.data.p;
+  run.members = memory.take<Member<Real>>(run.threads);
+  if (memory.failed()) return QOR_SS_NO_MEMORY;
+  std::fill_n(run.members, run.threads, Member<Real>{});
+  Accumulator<Real>& first = run.members[0].gathered;
+  first.weight = in_units(run.before, run.units.weight);
+  place_slots(run, memory, first.moments);
+  first.cross = place_cross(run, memory);
+  run.inverse_roots = memory.take<Real>(run.request.has(field_cor) ? p : 0);
+  place_members(run, memory);
+  const bool saves = run.request.method == Method::given_means && run.task.mean != nullptr;
+  if (memory.failed()) return QOR_SS_NO_MEMORY;
+  if (saves && reserve_saved_means<Real>(run.task, p) != QOR_SS_OK) return QOR_SS_NO_MEMORY;
+  run.start_means =
+      saves ? in_units_of(run, saved_means<Real>(run.task, p), memory) : first.moments.mean;
+  if (memory.failed()) return QOR_SS_NO_MEMORY;
+  start_slots(run.task, run.request, run.order, first.weight, run.units, p, first.moments);
+  if (run.matrix) {
+    const int holder = holder_field(run.request);
+    read_cross_product(matrix_of<Real>(run.task, holder), holder, p, first.weight, run.units,
+                       first.cross);
+  }
+  run_members(run, hook);
+  return QOR_SS_OK;
 }
 
 template <class Real>
@@ -146,39 +198,22 @@ int compute_from_data(SsTask& task, const Request& asked, const ThreadHook* hook
   const Weight before = registered_weight<Real>(task);
   if (const int status = check_state(request, before.sum)) return status;
   const bool matrix = request.has_matrix();
-  const Order order = order_of(request.method, row);
   const bool weighted = data.weights != nullptr;
   Run<Real> run = {task,
                    request,
                    data,
-                   order,
+                   order_of(request.method, row),
                    matrix,
+                   before,
                    threads_for(hook, data.n, data.p, matrix),
                    kernel_of<Real>(request, data.by_variable, weighted, row),
-                   kernel_of<Real>(request, false, false, row),
-                   nullptr,
-                   nullptr};
+                   kernel_of<Real>(request, false, false, row)};
   WorkMemory memory;
-  run.members = memory.take<Member<Real>>(run.threads);
-  if (memory.failed()) return QOR_SS_NO_MEMORY;
-  std::fill_n(run.members, run.threads, Member<Real>{});
-  Accumulator<Real>& first = run.members[0].gathered;
-  first.weight = before;
-  place_slots(run, memory, first.moments);
-  first.cross = place_cross(run, memory);
-  Real* inverse_roots = memory.take<Real>(request.has(field_cor) ? data.p : 0);
-  place_members(run, memory);
-  const bool saves = request.method == Method::given_means && task.mean != nullptr;
-  if (memory.failed()) return QOR_SS_NO_MEMORY;
-  if (saves && reserve_saved_means<Real>(task, data.p) != QOR_SS_OK) return QOR_SS_NO_MEMORY;
-  start_slots(task, request, run.order, first.weight, data.p, first.moments);
-  if (matrix) {
-    const int holder = holder_field(request);
-    read_cross_product(matrix_of<Real>(task, holder), holder, data.p, first.weight, first.cross);
-  }
-  run.start_means = saves ? reals<Real>(task.saved_means) : first.moments.mean;
-  run_members(run, hook);
-  finish(run, inverse_roots);
+  choose_units(run, memory);
+  int status = gather(run, memory, hook);
+  if (status == QOR_SS_OK && change_units(run, memory)) status = gather(run, memory, hook);
+  if (status != QOR_SS_OK) return status;
+  finish(run);
   return QOR_SS_OK;
 }
 
@@ -191,18 +226,19 @@ int compute_from_sums(const SsTask& task, const Request& request) {
     weight = {n, n};
   }
   WorkMemory memory;
-  const Real* cross = nullptr;
-  Real* inverse_roots = nullptr;
+  const Units units{nullptr, weight_unit(weight.sum)};
+  const Weight near_one = in_units(weight, units.weight);
+  Real *cross = nullptr, *inverse_roots = nullptr;
   if (request.has_matrix()) {
-    const auto cp = matrix_of<Real>(task, field_cp);
     inverse_roots = memory.take<Real>(request.has(field_cor) ? p : 0);
-    Real* copy = memory.take<Real>(services::counted_product(p, p));
+    cross = memory.take<Real>(services::counted_product(p, p));
     if (memory.failed()) return QOR_SS_NO_MEMORY;
-    read_matrix(cp.data, cp.form, p, copy);
-    cross = copy;
+    const auto cp = matrix_of<Real>(task, field_cp);
+    read_matrix(cp.data, cp.form, p, cross);
+    change_units(field_cp, units, p, cross);
   }
-  finish_from_sums<Real>(task, request, weight, p);
-  if (cross != nullptr) write_matrices(task, request, cross, weight, inverse_roots);
+  finish_from_sums<Real>(task, request, near_one, units, p);
+  if (cross != nullptr) write_matrices(task, request, cross, near_one, units, inverse_roots);
   return QOR_SS_OK;
 }
 

@@ -58,12 +58,13 @@ void unscale_correlations(Real* cross, int64_t p) {
 
 template <class Real>
 void write_correlation(const MatrixView<Real>& to, Integers indices, const Real* cross, int64_t p,
-                       Real scale, Real* inverse_roots) {
+                       Real scale, const Units& units, Real* inverse_roots) {
   for (int64_t j = 0; j < p; ++j) inverse_roots[j] = cross[j * p + j];
   invert_roots(inverse_roots, p);
   write_matrix(to.data, to.form, p, indices, [&](int64_t j, int64_t k) {
     const Real product = cross[k * p + j];
-    return j == k ? scale * product : product * inverse_roots[j] * inverse_roots[k];
+    return j == k ? times_two_to(scale * product, 2 * units.of(j))
+                  : product * inverse_roots[j] * inverse_roots[k];
   });
 }
 
@@ -76,32 +77,38 @@ struct Block {
   const char* transposed;
 };
 
-// Columns lie n apart, which BLAS must be able to count.
 template <class Real>
 bool is_columns(const Observations<Real>& data) {
   return data.by_variable && data.p > 1;
 }
+// Whether BLAS cannot read the data where they stand: columns lie n apart, which it must be able to
+// count, and it knows no units.
 template <class Real>
-bool is_too_far_apart(const Observations<Real>& data) {
-  return is_columns(data) && data.n > std::numeric_limits<int>::max();
+bool needs_copy(const Observations<Real>& data) {
+  const bool too_far_apart = is_columns(data) && data.n > std::numeric_limits<int>::max();
+  return too_far_apart || data.scale != nullptr;
 }
 
-// The block copied into `to`, observation i times factor(i), in the layout of the data and compact.
+// The block copied into `to` in the units of the run, observation i times factor(i), in the layout
+// of the data and compact.
 template <class Real, class Factor>
 Block<Real> copy_block(const Observations<Real>& data, int64_t first, int64_t count, Real* to,
                        Factor factor) {
   const int p = static_cast<int>(data.p);
+  const auto value = [&data, first](Real x, int64_t i, int64_t j) {
+    return data.scale == nullptr ? x : data.in_units(x, first + i, j);
+  };
   if (is_columns(data)) {
     for (int64_t j = 0; j < data.p; ++j) {
       const Real* column = data.variable(j) + first;
-      for (int64_t i = 0; i < count; ++i) to[j * count + i] = factor(i) * column[i];
+      for (int64_t i = 0; i < count; ++i) to[j * count + i] = factor(i) * value(column[i], i, j);
     }
     return {to, static_cast<int>(count), "t", "n"};
   }
   for (int64_t i = 0; i < count; ++i) {
     const Real* row = data.x + (first + i) * data.p;
     const Real f = factor(i);
-    for (int64_t j = 0; j < data.p; ++j) to[i * data.p + j] = f * row[j];
+    for (int64_t j = 0; j < data.p; ++j) to[i * data.p + j] = f * value(row[j], i, j);
   }
   return {to, p, "n", "t"};
 }
@@ -130,8 +137,20 @@ int holder_field(const Request& request) {
 }
 
 template <class Real>
+void change_units(int field, const Units& units, int64_t p, Real* matrix) {
+  if (units.exponents == nullptr && units.weight == 0) return;
+  for (int64_t k = 0; k < p; ++k) {
+    for (int64_t j = 0; j <= k; ++j) {
+      if (field == field_cor && j != k) continue;  // correlations have no units
+      const int32_t unit = units.of(j) + units.of(k) + (field == field_cp ? units.weight : 0);
+      matrix[k * p + j] = times_two_to(matrix[k * p + j], -unit);
+    }
+  }
+}
+
+template <class Real>
 void read_cross_product(const MatrixView<Real>& holder, int field, int64_t p, const Weight& weight,
-                        Real* cross) {
+                        const Units& units, Real* cross) {
   // A single observation, or none, has no products of deviations, and its covariances are no
   // numbers.
   const double factor =
@@ -141,6 +160,7 @@ void read_cross_product(const MatrixView<Real>& holder, int field, int64_t p, co
     return;
   }
   read_matrix(holder.data, holder.form, p, cross);
+  change_units(field, units, p, cross);
   if (field == field_cor) unscale_correlations(cross, p);
   if (field == field_cp) return;
   for (int64_t k = 0; k < p; ++k) {
@@ -150,23 +170,27 @@ void read_cross_product(const MatrixView<Real>& holder, int field, int64_t p, co
 
 template <class Real>
 void write_matrices(const SsTask& task, const Request& request, const Real* cross,
-                    const Weight& weight, Real* inverse_roots) {
+                    const Weight& weight, const Units& units, Real* inverse_roots) {
   const int64_t p = integer(task, task.p);
   const Integers indices = integers(task, task.indices);
   const Real scale = static_cast<Real>(covariance_scale(weight));
   // `cross` may be the holder, the last in this order of those requested.
   if (request.has(field_cor)) {
-    write_correlation(matrix_of<Real>(task, field_cor), indices, cross, p, scale, inverse_roots);
+    write_correlation(matrix_of<Real>(task, field_cor), indices, cross, p, scale, units,
+                      inverse_roots);
   }
+  const auto unit = [&units](int64_t j, int64_t k) { return units.of(j) + units.of(k); };
   if (request.has(field_cov)) {
     const auto cov = matrix_of<Real>(task, field_cov);
-    write_matrix(cov.data, cov.form, p, indices,
-                 [&](int64_t j, int64_t k) { return scale * cross[k * p + j]; });
+    write_matrix(cov.data, cov.form, p, indices, [&](int64_t j, int64_t k) {
+      return times_two_to(scale * cross[k * p + j], unit(j, k));
+    });
   }
   if (request.has(field_cp)) {
     const auto cp = matrix_of<Real>(task, field_cp);
-    write_matrix(cp.data, cp.form, p, indices,
-                 [&](int64_t j, int64_t k) { return cross[k * p + j]; });
+    write_matrix(cp.data, cp.form, p, indices, [&](int64_t j, int64_t k) {
+      return times_two_to(cross[k * p + j], unit(j, k) + units.weight);
+    });
   }
 }
 
@@ -183,7 +207,7 @@ int64_t product_block(int64_t p) {
 
 template <class Real>
 int64_t product_work(const Observations<Real>& data, int64_t block) {
-  const int64_t copies = (data.weights != nullptr) + is_too_far_apart(data);
+  const int64_t copies = (data.weights != nullptr) + needs_copy(data);
   return services::counted_product(copies, services::counted_product(block, data.p));
 }
 
@@ -192,31 +216,34 @@ void add_products(const Observations<Real>& data, int64_t first, int64_t count, 
                   Real* cross) {
   const int p = static_cast<int>(data.p), k = static_cast<int>(count);
   const Real one = 1;
-  Block<Real> block = is_too_far_apart(data)
-                          ? copy_block(data, first, count, work, [](int64_t) { return Real{1}; })
-                          : block_in_place(data, first);
+  const Block<Real> block =
+      needs_copy(data) ? copy_block(data, first, count, work, [](int64_t) { return Real{1}; })
+                       : block_in_place(data, first);
   if (data.weights == nullptr) {
     Blas<Real>::syrk("u", block.form, &p, &k, &one, block.data, &block.ld, &one, cross, &p, 1, 1);
     return;
   }
-  Real* weighted = is_too_far_apart(data) ? work + count * data.p : work;
+  Real* weighted = needs_copy(data) ? work + count * data.p : work;
   const Real* weights = data.weights + first;
+  const Real unit = data.weight_scale;
   const Block<Real> scaled =
-      copy_block(data, first, count, weighted, [weights](int64_t i) { return weights[i]; });
+      copy_block(data, first, count, weighted, [=](int64_t i) { return weights[i] * unit; });
   Blas<Real>::gemm(scaled.form, scaled.transposed, &p, &p, &k, &one, scaled.data, &scaled.ld,
                    block.data, &block.ld, &one, cross, &p, 1, 1);
 }
 
 template MatrixView<double> matrix_of<double>(const SsTask&, int);
 template MatrixView<float> matrix_of<float>(const SsTask&, int);
+template void change_units<double>(int, const Units&, int64_t, double*);
+template void change_units<float>(int, const Units&, int64_t, float*);
 template void read_cross_product<double>(const MatrixView<double>&, int, int64_t, const Weight&,
-                                         double*);
+                                         const Units&, double*);
 template void read_cross_product<float>(const MatrixView<float>&, int, int64_t, const Weight&,
-                                        float*);
+                                        const Units&, float*);
 template void write_matrices<double>(const SsTask&, const Request&, const double*, const Weight&,
-                                     double*);
+                                     const Units&, double*);
 template void write_matrices<float>(const SsTask&, const Request&, const float*, const Weight&,
-                                    float*);
+                                    const Units&, float*);
 template void add_rank_one<double>(double, const double*, int64_t, double*);
 template void add_rank_one<float>(float, const float*, int64_t, float*);
 template int64_t product_work<double>(const Observations<double>&, int64_t);

@@ -5,6 +5,7 @@
 #include "statistics/kernels.h"
 #include "statistics/matrix.h"
 #include "statistics/request.h"
+#include "statistics/units.h"
 
 namespace qor::statistics {
 
@@ -27,16 +28,20 @@ inline double covariance_scale(const Weight& weight) {
   return weight.sum > 0 ? 1 / (weight.sum - weight.squares / weight.sum) : 1;
 }
 
-// Makes `cross` the cross-product that the holder carries, nothing where there is no weight yet.
-// `cross` may be the holder itself, when that is full.
+// What a field holds, from the caller's units to those of a run.
+template <class Real>
+void change_units(int field, const Units& units, int64_t p, Real* matrix);
+
+// Makes `cross` the cross-product that the holder carries, nothing where there is no weight yet; it
+// and the weight are in the units of the run. `cross` may be the holder itself, when that is full.
 template <class Real>
 void read_cross_product(const MatrixView<Real>& holder, int field, int64_t p, const Weight& weight,
-                        Real* cross);
+                        const Units& units, Real* cross);
 
 // Writes the requested ones of cov, cor and cp, the holder last. `inverse_roots`: p reals of work.
 template <class Real>
 void write_matrices(const SsTask& task, const Request& request, const Real* cross,
-                    const Weight& weight, Real* inverse_roots);
+                    const Weight& weight, const Units& units, Real* inverse_roots);
 
 // Block products, for the methods by sums of powers.
 
@@ -51,7 +56,7 @@ int64_t product_block(int64_t p);
 template <class Real>
 int64_t product_work(const Observations<Real>& data, int64_t block);
 
-// Adds the sum of w x x^T over observations first to first + count - 1.
+// Adds the sum of w x x^T over observations first to first + count - 1, in the units of the run.
 template <class Real>
 void add_products(const Observations<Real>& data, int64_t first, int64_t count, Real* work,
                   Real* cross);

@@ -38,7 +38,10 @@ int64_t take_folded(const Observations<Real>& data, int64_t first, int64_t end, 
                     Order order, Kernel<Real> kernel, Accumulator<Real>& into) {
   constexpr int64_t lanes = fold_lanes<Real>;
   const int64_t rows = (end - first) / lanes;
-  const Observations<Real> folded = {data.x + first, rows, lanes, false, nullptr, {}};
+  Real scale[lanes];
+  if (data.scale != nullptr) std::fill_n(scale, lanes, data.scale[0]);
+  const Observations<Real> folded = {
+      data.x + first, rows, lanes, false, nullptr, {}, data.scale == nullptr ? nullptr : scale};
   FoldedMoments<Real> parts;
   Accumulator<Real> gathered{parts.view(order), {}, nullptr, nullptr};
   if (method == Method::given_means) std::fill_n(parts.values[0], lanes, into.moments.mean[0]);

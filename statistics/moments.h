@@ -1,6 +1,7 @@
 // Running moments of p variables, and how two sets of them become one.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -40,12 +41,14 @@ struct Weight {
 template <class Real>
 struct Shares {
   Real first, second;
-  Real product;  // W1 W2 / (W1 + W2)
+  Real product;       // W1 W2 / (W1 + W2)
+  bool has_no_first;  // the union is the second part, to the bit
 
   Shares(double weight1, double weight2)
       : first(static_cast<Real>(weight1 / (weight1 + weight2))),
         second(static_cast<Real>(weight2 / (weight1 + weight2))),
-        product(static_cast<Real>(weight1 * (weight2 / (weight1 + weight2)))) {}
+        product(static_cast<Real>(weight1 * (weight2 / (weight1 + weight2)))),
+        has_no_first(weight1 == 0) {}
 
   // The mean of two means. By the difference, whose rounding is small beside that of two products;
   // where that gives no number, infinite parts and overflow, by the products.
@@ -55,11 +58,21 @@ struct Shares {
   }
 };
 
-// Takes the moments of a second part into those of the first (Chan, Golub and LeVeque, 1979; Pebay,
-// 2008, for the higher ones).
 template <class Real>
-void merge(const Moments<Real>& into, const Moments<Real>& part, int64_t variables, Order order,
-           const Shares<Real>& shares) {
+[[gnu::cold, gnu::noinline]] void copy(const Moments<Real>& into, const Moments<Real>& part,
+                                       int64_t variables, Order order) {
+  std::copy_n(part.mean, variables, into.mean);
+  for (int k = 0; k + 1 < order.raw; ++k) std::copy_n(part.raw[k], variables, into.raw[k]);
+  for (int k = 0; k < order.central; ++k) std::copy_n(part.central[k], variables, into.central[k]);
+}
+
+// Takes the moments of a second part into those of the first (Chan, Golub and LeVeque, 1979; Pebay,
+// 2008, for the higher ones). Inline, so that a kernel's order is known in it.
+template <class Real>
+[[gnu::always_inline]] inline void merge(const Moments<Real>& into, const Moments<Real>& part,
+                                         int64_t variables, Order order,
+                                         const Shares<Real>& shares) {
+  if (shares.has_no_first) return copy(into, part, variables, order);
   const Real u = shares.first, v = shares.second, f = shares.product;
   for (int64_t j = 0; j < variables; ++j) {
     const Real delta = part.mean[j] - into.mean[j];

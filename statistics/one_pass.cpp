@@ -18,12 +18,12 @@ namespace {
 
 constexpr int64_t kTile = 64;
 
-// What an observation of weight w, coming after a weight of W in its tile, does to the slots.
+// What an observation of weight w, coming after a weight of W in its tile, does to the slots. All
+// but three are free of the weights' unit; these are w times what is.
 template <class Real>
 struct Factors {
-  Real w[kTile];          // w
   Real keep[kTile];       // W / (W + w): what remains of a moment
-  Real take[kTile];       // 1 / (W + w)
+  Real take[kTile];       // w / (W + w)
   Real square[kTile];     // to c2: of d^2
   Real cube[kTile];       // to c3: of d^3
   Real cube_c2[kTile];    // of c2 d
@@ -32,32 +32,34 @@ struct Factors {
   Real fourth_c3[kTile];  // of c3 d
   Weight weight;          // of the whole tile
 
-  void set(int64_t i, Real before, Real wi) {
-    const Real after = before + wi;
-    const Real r = after == 0 ? Real{0} : 1 / after;  // no weight yet: the slots stay empty
-    const Real a = wi * r;
-    w[i] = wi;
-    keep[i] = after == 0 ? Real{1} : before * r;
-    take[i] = r;
-    square[i] = before * a;
-    cube[i] = a * r * before * (before - wi);
-    cube_c2[i] = 3 * a;
-    fourth[i] = r * r * a * before * (before * before - (before - wi) * wi);
-    fourth_c2[i] = 6 * a * a;
-    fourth_c3[i] = 4 * a;
+  void set(int64_t i, double before, double w) {
+    const double after = before + w;
+    const bool none = after == 0;  // no weight yet: the slots stay empty
+    const double inverse = 1 / (none ? 1 : after), r = none ? 0 : inverse;
+    const double u = none ? 1 : before * r, a = w * r;
+    keep[i] = static_cast<Real>(u);
+    take[i] = static_cast<Real>(a);
+    square[i] = static_cast<Real>(w * u);
+    cube[i] = static_cast<Real>(w * u * ((before - w) * r));
+    cube_c2[i] = static_cast<Real>(3 * a);
+    fourth[i] = static_cast<Real>(w * u * (u * u - u * a + a * a));
+    fourth_c2[i] = static_cast<Real>(6 * a * a);
+    fourth_c3[i] = static_cast<Real>(4 * a);
   }
 
   void set_unit_weights(int64_t count) {
-    for (int64_t i = 0; i < count; ++i) set(i, static_cast<Real>(i), 1);
+    for (int64_t i = 0; i < count; ++i) set(i, static_cast<double>(i), 1);
   }
 
-  void set_weights(const Real* weights, int64_t count) {
-    Real sum = 0, squares = 0;
+  void set_weights(const Real* weights, Real scale, int64_t count) {
+    double before[kTile], sum = 0, squares = 0;
     for (int64_t i = 0; i < count; ++i) {
-      set(i, sum, weights[i]);
-      sum += weights[i];
-      squares += weights[i] * weights[i];
+      const double w = weights[i] * scale;
+      before[i] = sum;
+      sum += w;
+      squares += w * w;
     }
+    for (int64_t i = 0; i < count; ++i) set(i, before[i], weights[i] * scale);
     weight = {sum, squares};
   }
 };
@@ -102,7 +104,7 @@ Register<Real> origin(Register<Real> first) {
 }
 
 // The moments of a tile's strip.
-template <class Real, bool weighted, int row, bool matrix, int registers>
+template <class Real, int row, bool matrix, int registers>
 void run_tile(const Strip<Real>& strip, int64_t count, const Factors<Real>& factors,
               const Deviations<Real>& deviations, int64_t j, TileMoments<Real, registers>& tile) {
   using V = Register<Real>;
@@ -132,8 +134,8 @@ void run_tile(const Strip<Real>& strip, int64_t count, const Factors<Real>& fact
             all(factors.cube[i]) * (square * d) - all(factors.cube_c2[i]) * central[0][g] * d;
       }
       if constexpr (order.central > 0) central[0][g] += all(factors.square[i]) * square;
-      mean[g] = keep * mean[g] + take * (weighted ? V(all(factors.w[i]) * y) : y);
-      V power = weighted ? V(all(factors.w[i]) * x) : x;
+      mean[g] = keep * mean[g] + take * y;
+      V power = x;
       for (int k = 0; k + 1 < order.raw; ++k) {
         power *= x;
         raw[k][g] = keep * raw[k][g] + take * power;
@@ -149,7 +151,7 @@ void run_tile(const Strip<Real>& strip, int64_t count, const Factors<Real>& fact
 }
 
 // Variables j and after, `registers` registers of them, of one tile.
-template <class Real, bool by_variable, bool weighted, int row, bool matrix, int registers>
+template <class Real, bool by_variable, int row, bool matrix, int registers>
 void take_strip(const Observations<Real>& data, int64_t first, int64_t count, int64_t j,
                 const Factors<Real>& factors, const Shares<Real>& shares,
                 const Deviations<Real>& deviations, const Moments<Real>& into) {
@@ -158,11 +160,11 @@ void take_strip(const Observations<Real>& data, int64_t first, int64_t count, in
   const int64_t variables = std::min<int64_t>(lanes, data.p - j);
   const auto strip = load_strip<Real, by_variable, lanes>(data, first, count, j, variables, buffer);
   TileMoments<Real, registers> tile;
-  run_tile<Real, weighted, row, matrix>(strip, count, factors, deviations, j, tile);
+  run_tile<Real, row, matrix>(strip, count, factors, deviations, j, tile);
   const Moments<Real> slots = into.from(j);
   if constexpr (matrix) {
     for (int64_t l = 0; l < variables; ++l) {
-      deviations.shift[j + l] = tile.mean[l] - slots.mean[l];
+      deviations.shift[j + l] = shares.has_no_first ? Real{0} : tile.mean[l] - slots.mean[l];
     }
   }
   merge(slots, tile.view(), variables, one_pass_orders[row], shares);
@@ -220,19 +222,19 @@ void one_pass(const Observations<Real>& data, int64_t first, int64_t end, Accumu
   for (int64_t count; first < end; first += count) {
     count = std::min(kTile, end - first);
     if constexpr (weighted) {
-      factors.set_weights(data.weights + first, count);
+      factors.set_weights(data.weights + first, data.weight_scale, count);
     } else {
       factors.weight = {static_cast<double>(count), static_cast<double>(count)};
     }
     const Shares<Real> shares(into.weight.sum, factors.weight.sum);
     int64_t j = 0;
     for (; data.p - j > lanes * (wide - 1); j += lanes * wide) {
-      take_strip<Real, by_variable, weighted, row, matrix, wide>(data, first, count, j, factors,
-                                                                 shares, deviations, into.moments);
+      take_strip<Real, by_variable, row, matrix, wide>(data, first, count, j, factors, shares,
+                                                       deviations, into.moments);
     }
     if (j < data.p) {
-      take_strip<Real, by_variable, weighted, row, matrix, 1>(data, first, count, j, factors,
-                                                              shares, deviations, into.moments);
+      take_strip<Real, by_variable, row, matrix, 1>(data, first, count, j, factors, shares,
+                                                    deviations, into.moments);
     }
     if constexpr (matrix) take_matrix(deviations, count, data.p, shares.product, into.cross);
     into.weight.sum += factors.weight.sum;

@@ -81,15 +81,14 @@ void add_sums(Real* slot, const Real* sums, int64_t variables) {
   for (int64_t l = 0; l < variables; ++l) slot[l] += sums[l];
 }
 
-// Variables j and after, one register of them, of one tile.
+// Variables j and after, one register of them, of one tile with its weights.
 template <class Real, bool by_variable, bool weighted, Powers powers>
 void take_strip(const Observations<Real>& data, int64_t first, int64_t count, int64_t j,
-                const Moments<Real>& into) {
+                const Real* weights, const Moments<Real>& into) {
   constexpr int lanes = register_lanes<Real>;
   alignas(64) Real buffer[kTile * lanes];
   const int64_t variables = std::min<int64_t>(lanes, data.p - j);
   const auto strip = load_strip<Real, by_variable, lanes>(data, first, count, j, variables, buffer);
-  const Real* weights = weighted ? data.weights + first : nullptr;
   Real means[lanes]{};
   if constexpr (powers.central > 0) std::copy_n(into.mean + j, variables, means);
   TileSums<Real> sums;
@@ -106,14 +105,18 @@ void take_strip(const Observations<Real>& data, int64_t first, int64_t count, in
 template <class Real, bool by_variable, bool weighted, Powers powers>
 void power_sums(const Observations<Real>& data, int64_t first, int64_t end,
                 Accumulator<Real>& into) {
+  Real weights[kTile];
   for (int64_t count; first < end; first += count) {
     count = std::min(kTile, end - first);
+    if constexpr (weighted) {
+      for (int64_t i = 0; i < count; ++i) weights[i] = data.weights[first + i] * data.weight_scale;
+    }
     for (int64_t j = 0; j < data.p; j += register_lanes<Real>) {
-      take_strip<Real, by_variable, weighted, powers>(data, first, count, j, into.moments);
+      take_strip<Real, by_variable, weighted, powers>(data, first, count, j, weights, into.moments);
     }
     if constexpr (weighted) {
-      for (int64_t i = first; i < first + count; ++i) {
-        const double w = data.weights[i];
+      for (int64_t i = 0; i < count; ++i) {
+        const double w = weights[i];
         into.weight.sum += w;
         into.weight.squares += w * w;
       }

@@ -100,7 +100,7 @@ int compute_selected(SsTask& task, const Orders<Real>& orders, const ItemOutput<
         });
   }
   if (orders.count == 0) return QOR_SS_OK;
-  return run_with_work<Key<Real>>(hook, variables.count(), data.n, data.n,
+  return run_with_work<Key<Real>>(hook, variables.count(), data.n, sorting_room<Key<Real>>(data.n),
                                   [&](int64_t item, Key<Real>* work) {
                                     select_quantiles(orders, column(data, variables[item]),
                                                      orders.quantiles + item * orders.count, work);

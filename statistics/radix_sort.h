@@ -4,6 +4,8 @@
 // that varies down; their histograms are counted in one scan. That is all of a 32-bit key. Of
 // 64-bit keys few are left alike: runs of equal leading bits are then sorted where they stand. Keys
 // that are equal have equal bits, so that every way of sorting gives the same array.
+//
+// The tables of few keys stand on the stack, 24 KiB; those of many in the work memory.
 #pragma once
 
 #include <emmintrin.h>
@@ -12,8 +14,10 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <utility>
 
+#include "services/scratch.h"
 #include "statistics/quicksort.h"
 #include "statistics/sort_keys.h"
 
@@ -28,6 +32,40 @@ inline constexpr int64_t fewest_for_radix = 600;
 // From this many bytes on a pass gathers whole cache lines before it writes them, past the caches.
 inline constexpr int64_t bytes_written_by_lines = int64_t{1} << 21;
 inline constexpr int64_t line_bytes = 64;
+
+// places[d][v]: where the next element whose digit d has value v goes.
+template <class Place>
+struct Places {
+  Place of[digit_count][digit_values] = {};
+};
+
+// What a sort by lines needs: besides places, the lines that collect, and the first place in each.
+struct alignas(line_bytes) LineTables {
+  unsigned char lines[digit_values][line_bytes];
+  int64_t first[digit_values];
+  Places<int64_t> places;
+};
+
+template <class T>
+bool is_sorted_by_lines(int64_t n) {
+  return n >= bytes_written_by_lines / static_cast<int64_t>(sizeof(T));
+}
+
+// Elements of work that sorting n takes.
+template <class T>
+int64_t sorting_room(int64_t n) {
+  constexpr int64_t tables =
+      (int64_t{sizeof(LineTables)} + line_bytes) / static_cast<int64_t>(sizeof(T));
+  return is_sorted_by_lines<T>(n) ? services::counted_sum(n, tables) : n;
+}
+
+// The tables behind the n elements of such work.
+template <class T>
+LineTables* line_tables(T* work, int64_t n) {
+  const uintptr_t behind = reinterpret_cast<uintptr_t>(work + n);
+  return new (reinterpret_cast<void*>((behind + line_bytes - 1) / line_bytes * line_bytes))
+      LineTables;
+}
 
 // Element as it comes from the caller, or as key bits between passes.
 enum class Form { value, key };
@@ -48,9 +86,9 @@ struct Digit {
   unsigned of(Key key) const { return static_cast<unsigned>(key >> shift) & (digit_values - 1); }
 };
 
-// One pass: places[d] is where the next element with digit value d goes.
-template <Form from, Form to, class T>
-void scatter(int64_t n, const T* source, T* target, Digit<Key<T>> digit, int64_t* places) {
+// One pass: places[v] is where the next element with digit value v goes.
+template <Form from, Form to, class T, class Place>
+void scatter(int64_t n, const T* source, T* target, Digit<Key<T>> digit, Place* places) {
   for (int64_t i = 0; i < n; ++i) {
     const Key<T> key = load_key<from>(source[i]);
     target[places[digit.of(key)]++] = stored<to, T>(key);
@@ -60,10 +98,11 @@ void scatter(int64_t n, const T* source, T* target, Digit<Key<T>> digit, int64_t
 // The same by lines: a line of the target collects in cache until it is full. The target's elements
 // are aligned to their size.
 template <Form from, Form to, class T>
-void scatter_by_lines(int64_t n, const T* source, T* target, Digit<Key<T>> digit, int64_t* places) {
+void scatter_by_lines(int64_t n, const T* source, T* target, Digit<Key<T>> digit, int64_t* places,
+                      LineTables& tables) {
   constexpr int64_t length = line_bytes / static_cast<int64_t>(sizeof(T));
-  alignas(line_bytes) T lines[digit_values][length];
-  int64_t first[digit_values];
+  auto* const lines = reinterpret_cast<T(*)[length]>(tables.lines);
+  int64_t* const first = tables.first;
   // Places counted from the line in which the target begins.
   const int64_t skipped = static_cast<int64_t>(reinterpret_cast<uintptr_t>(target) % line_bytes) /
                           static_cast<int64_t>(sizeof(T));
@@ -93,20 +132,29 @@ void scatter_by_lines(int64_t n, const T* source, T* target, Digit<Key<T>> digit
   _mm_sfence();
 }
 
-// One pass with the forms and the way of writing that it needs.
-template <class T>
+// One pass with the forms that it needs.
+template <class T, class Place>
 void pass(int64_t n, const T* source, T* target, bool values, bool to_values, Digit<Key<T>> digit,
-          int64_t* places) {
-  using Scatter = void (*)(int64_t, const T*, T*, Digit<Key<T>>, int64_t*);
-  constexpr Scatter whole[2][2] = {
-      {scatter<Form::key, Form::key, T>, scatter<Form::key, Form::value, T>},
-      {scatter<Form::value, Form::key, T>, scatter<Form::value, Form::value, T>}};
-  constexpr Scatter by_lines[2][2] = {
+          Place* places) {
+  using Scatter = void (*)(int64_t, const T*, T*, Digit<Key<T>>, Place*);
+  constexpr Scatter scatters[2][2] = {
+      {scatter<Form::key, Form::key, T, Place>, scatter<Form::key, Form::value, T, Place>},
+      {scatter<Form::value, Form::key, T, Place>, scatter<Form::value, Form::value, T, Place>}};
+  scatters[values][to_values](n, source, target, digit, places);
+}
+
+// The same by lines, where the target is aligned for it.
+template <class T>
+void pass_by_lines(int64_t n, const T* source, T* target, bool values, bool to_values,
+                   Digit<Key<T>> digit, int64_t* places, LineTables& tables) {
+  if (reinterpret_cast<uintptr_t>(target) % sizeof(T) != 0) {
+    return pass(n, source, target, values, to_values, digit, places);
+  }
+  using Scatter = void (*)(int64_t, const T*, T*, Digit<Key<T>>, int64_t*, LineTables&);
+  constexpr Scatter scatters[2][2] = {
       {scatter_by_lines<Form::key, Form::key, T>, scatter_by_lines<Form::key, Form::value, T>},
       {scatter_by_lines<Form::value, Form::key, T>, scatter_by_lines<Form::value, Form::value, T>}};
-  const bool large = n * static_cast<int64_t>(sizeof(T)) >= bytes_written_by_lines &&
-                     reinterpret_cast<uintptr_t>(target) % sizeof(T) == 0;
-  (large ? by_lines : whole)[values][to_values](n, source, target, digit, places);
+  scatters[values][to_values](n, source, target, digit, places, tables);
 }
 
 // Bits in which the keys differ.
@@ -119,15 +167,15 @@ Key<T> varying_bits(int64_t n, const T* source) {
 }
 
 // Counts how many keys have each value of each digit, and makes places of it.
-template <class T>
-void find_places(int64_t n, const T* source, int known, int64_t (*places)[digit_values]) {
+template <class T, class Place>
+void find_places(int64_t n, const T* source, int known, Places<Place>& places) {
   for (int64_t i = 0; i < n; ++i) {
     const Key<T> key = load_key<Form::value>(source[i]) >> known;
-    for (int d = 0; d < digit_count; ++d) ++places[d][Digit<Key<T>>{d * digit_bits}.of(key)];
+    for (int d = 0; d < digit_count; ++d) ++places.of[d][Digit<Key<T>>{d * digit_bits}.of(key)];
   }
   for (int d = 0; d < digit_count; ++d) {
-    int64_t place = 0;
-    for (int64_t& entry : places[d]) place += std::exchange(entry, place);
+    Place place = 0;
+    for (Place& entry : places.of[d]) place += std::exchange(entry, place);
   }
 }
 
@@ -142,8 +190,8 @@ void sort_few(int64_t n, const T* source, T* result) {
 template <class T>
 void sort_many(int64_t n, const T* source, T* result, T* work);
 
-// Sorts n elements of `source` into `result` by their keys. `work` has room for n. `source` may be
-// one of the two; when it is `result`, radix sort copies it first.
+// Sorts n elements of `source` into `result` by their keys. `work` has the sorting room of n.
+// `source` may be one of the two; when it is `result`, radix sort copies it first.
 template <class T>
 void sort_by_key(int64_t n, const T* source, T* result, T* work) {
   if (n < fewest_for_radix) {
@@ -168,33 +216,74 @@ void finish_runs(int64_t n, T* a, T* work, int known) {
   }
 }
 
-template <class T>
-void sort_many(int64_t n, const T* source, T* result, T* work) {
-  const Key<T> varying = varying_bits(n, source);
-  const int known =
-      std::max(0, static_cast<int>(std::bit_width(varying)) - digit_count * digit_bits);
-  int64_t places[digit_count][digit_values] = {};
-  find_places(n, source, known, places);
-  int digits[digit_count], passes = 0;
-  for (int d = 0; d < digit_count; ++d) {
-    if (Digit<Key<T>>{d * digit_bits}.of(varying >> known) != 0) digits[passes++] = d;
+// The digits from bit `known` up that vary, and whether bits below them do not.
+struct VaryingDigits {
+  int known;
+  bool are_all;
+  int digit[digit_count];
+  int count = 0;
+
+  template <class Key>
+  explicit VaryingDigits(Key varying)
+      : known(std::max(0, static_cast<int>(std::bit_width(varying)) - digit_count * digit_bits)),
+        are_all((varying & ((Key{1} << known) - 1)) == 0) {
+    for (int d = 0; d < digit_count; ++d) {
+      if (Digit<Key>{d * digit_bits}.of(varying >> known) != 0) digit[count++] = d;
+    }
   }
-  // The passes alternate between the two and end in the result.
-  T* target = passes % 2 == 1 ? result : work;
-  if (passes == 0 || source == target) {
-    T* copy = target == result && passes > 0 ? work : result;
+};
+
+// All passes: scatter_once(source, target, values, to_values, digit, places of the digit) for each.
+// They alternate between result and work and end in the result.
+template <class T, class Place, class ScatterOnce>
+void run_passes(int64_t n, const T* source, T* result, T* work, const VaryingDigits& digits,
+                Places<Place>& places, const ScatterOnce& scatter_once) {
+  find_places(n, source, digits.known, places);
+  T* target = digits.count % 2 == 1 ? result : work;
+  if (digits.count == 0 || source == target) {
+    T* copy = target == result && digits.count > 0 ? work : result;
     if (copy != source) std::memcpy(copy, source, static_cast<size_t>(n) * sizeof(T));
     source = copy;
   }
-  const bool finished = (varying & ((Key<T>{1} << known) - 1)) == 0;
-  for (int k = 0; k < passes; ++k) {
-    const bool to_values = finished && k == passes - 1;
-    pass(n, source, target, k == 0, to_values, Digit<Key<T>>{known + digits[k] * digit_bits},
-         places[digits[k]]);
+  for (int k = 0; k < digits.count; ++k) {
+    const int d = digits.digit[k];
+    scatter_once(source, target, k == 0, digits.are_all && k == digits.count - 1,
+                 Digit<Key<T>>{digits.known + d * digit_bits}, places.of[d]);
     source = target;
     target = target == result ? work : result;
   }
-  if (!finished) finish_runs(n, result, work, known);
+}
+
+// Out of line, so that its tables have left the stack when runs are sorted.
+template <class T>
+[[gnu::noinline]] void run_passes_on_stack(int64_t n, const T* source, T* result, T* work,
+                                           const VaryingDigits& digits) {
+  Places<uint32_t> places;
+  run_passes(n, source, result, work, digits, places,
+             [n](const T* from, T* to, bool values, bool to_values, Digit<Key<T>> digit,
+                 uint32_t* at) { pass(n, from, to, values, to_values, digit, at); });
+}
+
+template <class T>
+void run_passes_by_lines(int64_t n, const T* source, T* result, T* work,
+                         const VaryingDigits& digits) {
+  LineTables& tables = *line_tables(work, n);
+  run_passes(n, source, result, work, digits, tables.places,
+             [n, &tables](const T* from, T* to, bool values, bool to_values, Digit<Key<T>> digit,
+                          int64_t* at) {
+               pass_by_lines(n, from, to, values, to_values, digit, at, tables);
+             });
+}
+
+template <class T>
+void sort_many(int64_t n, const T* source, T* result, T* work) {
+  const VaryingDigits digits(varying_bits(n, source));
+  if (is_sorted_by_lines<T>(n)) {
+    run_passes_by_lines(n, source, result, work, digits);
+  } else {
+    run_passes_on_stack(n, source, result, work, digits);
+  }
+  if (!digits.are_all) finish_runs(n, result, work, digits.known);
 }
 
 }  // namespace qor::statistics

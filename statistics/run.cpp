@@ -83,7 +83,13 @@ void merge_about_given_means(const Run<Real>& run, const Moments<Real>& into,
 }
 
 template <class Real>
-void merge_cross(int64_t p, const Accumulator<Real>& into, const Accumulator<Real>& part, Real f) {
+void merge_cross(int64_t p, const Accumulator<Real>& into, const Accumulator<Real>& part,
+                 const Shares<Real>& shares) {
+  if (shares.has_no_first) {
+    std::copy_n(part.cross, p * p, into.cross);
+    return;
+  }
+  const Real f = shares.product;
   const Real *mean = into.moments.mean, *other = part.moments.mean;
   for (int64_t k = 0; k < p; ++k) {
     for (int64_t j = 0; j <= k; ++j) {
@@ -101,7 +107,7 @@ void merge_members(const Run<Real>& run) {
     const Accumulator<Real>& part = run.members[t].gathered;
     if (part.weight.sum == 0) continue;
     const Shares<Real> shares(into.weight.sum, part.weight.sum);
-    if (run.matrix) merge_cross(run.data.p, into, part, shares.product);
+    if (run.matrix) merge_cross(run.data.p, into, part, shares);
     if (run.request.method == Method::given_means) {
       merge_about_given_means(run, into.moments, part.moments, shares);
     } else {

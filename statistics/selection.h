@@ -79,7 +79,7 @@ class Brackets {
 };
 
 // A sample of every sixteenth element or so, sorted, with the brackets of the ascending positions.
-// The work has room for n.
+// The work has the sorting room of n.
 template <class Real>
 Brackets<Key<Real>> find_brackets(const Column<Real>& column, const int64_t* position, int count,
                                   Key<Real>* work) {
@@ -161,7 +161,7 @@ void read_kept(const Brackets<Key>& brackets, const int64_t* counts, const Key* 
 }
 
 // selected[k] is the key of sorted position position[k], for 1 to most_selected ascending positions
-// from 0 to n - 1. The work has room for n.
+// from 0 to n - 1. The work has the sorting room of n.
 template <class Real>
 void select_keys(const Column<Real>& column, const int64_t* position, int count,
                  Key<Real>* selected, Key<Real>* work) {

@@ -28,17 +28,7 @@ void recover_central(const Request& request, double weight, int64_t p, Moments<R
   }
 }
 
-// The array that a slot starts from: where it is carried, but its sum when that is there too. A
-// central moment 2 of one observation is no number.
-template <class Real>
-const Real* start_array(const SsTask& task, const Request& request, int s, bool& is_moment) {
-  is_moment = request.has(slot_fields[s].moment);
-  if (s == first_central_slot && request.has(slot_fields[s].sum)) is_moment = false;
-  if (!is_asked(request, s)) return nullptr;
-  return reals<Real>(field_array(task, is_moment ? slot_fields[s].moment : slot_fields[s].sum));
-}
-
-// What turns that array into the slot.
+// What turns a number of that array into the slot: in units of the weight, when it is a sum.
 template <class Real>
 Real start_factor(const Weight& weight, int s, bool is_moment) {
   if (s < first_central_slot) return is_moment ? Real{1} : static_cast<Real>(1 / weight.sum);
@@ -48,6 +38,15 @@ Real start_factor(const Weight& weight, int s, bool is_moment) {
 }
 
 }  // namespace
+
+// Where there is a sum too, it counts: a central moment 2 of one observation is no number.
+template <class Real>
+const Real* start_array(const SsTask& task, const Request& request, int s, bool& is_moment) {
+  is_moment = request.has(slot_fields[s].moment);
+  if (s == first_central_slot && request.has(slot_fields[s].sum)) is_moment = false;
+  if (!is_asked(request, s)) return nullptr;
+  return reals<Real>(field_array(task, is_moment ? slot_fields[s].moment : slot_fields[s].sum));
+}
 
 int order_row(const Request& request) {
   const auto asked = [&request](int s) { return is_asked(request, s); };
@@ -102,7 +101,7 @@ int check_state(const Request& request, double weight) {
 
 template <class Real>
 void start_slots(const SsTask& task, const Request& request, Order order, const Weight& weight,
-                 int64_t p, Moments<Real>& moments) {
+                 const Units& units, int64_t p, Moments<Real>& moments) {
   for (int s = request.method == Method::given_means ? 1 : 0; s < slot_count; ++s) {
     if (!in_use(order, s)) continue;
     Real* to = slot(moments, s);
@@ -112,8 +111,16 @@ void start_slots(const SsTask& task, const Request& request, Order order, const 
     // A single observation has central sums of 0, and a central moment 2 that is no number.
     if (from == nullptr || weight.sum == 0 || factor == 0) {
       std::fill_n(to, p, Real{0});
-    } else {
+      continue;
+    }
+    const int32_t weight_unit = is_moment ? 0 : units.weight;
+    if (units.exponents == nullptr && weight_unit == 0) {
       std::transform(from, from + p, to, [factor](Real v) { return v * factor; });
+      continue;
+    }
+    for (int64_t j = 0; j < p; ++j) {
+      const int32_t unit = slot_fields[s].power * units.of(j) + weight_unit;
+      to[j] = times_two_to(from[j], -unit) * factor;
     }
   }
   const bool lower_matter = is_asked(request, 5) || is_asked(request, 6);
@@ -122,9 +129,11 @@ void start_slots(const SsTask& task, const Request& request, Order order, const 
   }
 }
 
-template void start_slots<double>(const SsTask&, const Request&, Order, const Weight&, int64_t,
-                                  Moments<double>&);
-template void start_slots<float>(const SsTask&, const Request&, Order, const Weight&, int64_t,
-                                 Moments<float>&);
+template const double* start_array<double>(const SsTask&, const Request&, int, bool&);
+template const float* start_array<float>(const SsTask&, const Request&, int, bool&);
+template void start_slots<double>(const SsTask&, const Request&, Order, const Weight&, const Units&,
+                                  int64_t, Moments<double>&);
+template void start_slots<float>(const SsTask&, const Request&, Order, const Weight&, const Units&,
+                                 int64_t, Moments<float>&);
 
 }  // namespace qor::statistics

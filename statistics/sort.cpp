@@ -28,7 +28,8 @@ int compute_sort(SsTask& task, const ThreadHook* hook) {
   if (!variables.allocated()) return QOR_SS_NO_MEMORY;
   if (variables.count() == 0) return QOR_SS_OK;
   const int64_t room = sorting_work(output);
-  const int64_t bytes = services::counted_product(room, static_cast<int64_t>(sizeof(Real)));
+  const int64_t bytes = services::counted_product(
+      by_variable ? data.n : services::counted_product(data.n, 2), int64_t{sizeof(Real)});
   const int64_t threads = threads_for_sorting(hook, variables.count(), bytes);
   const services::HeapScratch<Real> work(services::counted_product(threads, room));
   if (work.data() == nullptr) return QOR_SS_NO_MEMORY;

@@ -6,10 +6,10 @@
 
 namespace qor::statistics {
 
-// Work for one item: n values where the output has rows, else 2n.
+// Work for one item: that of sorting, and n values where the output has no rows for these.
 template <class Real>
 int64_t sorting_work(const ItemOutput<Real>& output) {
-  return output.by_variable ? output.n : services::counted_product(output.n, 2);
+  return services::counted_sum(output.by_variable ? 0 : output.n, sorting_room<Real>(output.n));
 }
 
 // Sorts the column into the item's place of the output, if there is one, and returns the sorted
@@ -17,7 +17,8 @@ int64_t sorting_work(const ItemOutput<Real>& output) {
 template <class Real>
 const Real* sort_item(const Column<Real>& column, const ItemOutput<Real>& output, int64_t item,
                       Real* work) {
-  Real* sorted = output.by_variable ? output.row(item) : work + column.n;
+  Real* sorted = output.by_variable ? output.row(item) : work;
+  if (!output.by_variable) work += column.n;
   const Real* source = column.x;
   if (column.stride != 1) {
     copy_values(column, work);

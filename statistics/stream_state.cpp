@@ -41,8 +41,8 @@ bool allocate_tables(Stage& stage) {
   using services::counted_product, services::counted_sum;
   const int64_t lengths =
       aligned(counted_product(stage.levels + 1, static_cast<int64_t>(sizeof(int64_t))));
-  const int64_t keys =
-      aligned(counted_product(counted_product(stage.block, 2), static_cast<int64_t>(sizeof(Key))));
+  const int64_t keys = aligned(counted_product(
+      counted_sum(stage.block, sorting_room<Key>(stage.block)), static_cast<int64_t>(sizeof(Key))));
   const int64_t rows = counted_product(counted_product(stage.row_length, stage.levels + 2),
                                        static_cast<int64_t>(sizeof(RankedKey<Key>)));
   char* block = services::allocate_values<char>(counted_sum(counted_sum(lengths, keys), rows));
@@ -89,13 +89,14 @@ StageSize stage_size(double epsilon, int64_t k) {
   return {capacity, block, std::max(static_cast<int64_t>(halvings + 2), occupied)};
 }
 
-StreamState* new_stream_state(int64_t p, const Integers& indices) {
+StreamState* new_stream_state(int64_t p, int32_t precision, const Integers& indices) {
   const int64_t variables =
       services::counted_product(p, static_cast<int64_t>(sizeof(StreamVariable)));
   auto* state = reinterpret_cast<StreamState*>(services::allocate_values<char>(
       services::counted_sum(static_cast<int64_t>(sizeof(StreamState)), variables)));
   if (state == nullptr) return nullptr;
   state->p = p;
+  state->precision = precision;
   for (int64_t j = 0; j < p; ++j) {
     const bool active = !indices.given() || indices[j] != 0;
     state->variable[j] = {0, -1, active ? 1 : 0, nullptr};

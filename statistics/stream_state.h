@@ -20,7 +20,7 @@ struct Stage {
   int64_t row_length;  // room of a level, in entries
   int64_t fill;        // observations in the buffer
   int64_t* length;     // entries of level i in length[i]; 0 when it is free
-  void* keys;          // the buffer, and as much work for sorting it
+  void* keys;          // the buffer, and behind it the work for sorting it
   void* rows;          // the levels from 1 on, and two more for merging
 };
 
@@ -35,6 +35,7 @@ struct StreamVariable {
 
 struct StreamState {
   int64_t p;
+  int32_t precision;           // of the entry that made it
   StreamVariable variable[1];  // p of them
 };
 
@@ -46,7 +47,7 @@ struct StageSize {
 StageSize stage_size(double epsilon, int64_t k);
 
 // A state of p variables without stages, those without a flag inactive; null without memory.
-StreamState* new_stream_state(int64_t p, const Integers& indices);
+StreamState* new_stream_state(int64_t p, int32_t precision, const Integers& indices);
 void free_stream_state(StreamState* state);
 
 // Gives the variable its next stage; false without memory.

@@ -13,8 +13,10 @@ namespace {
 // Threads left to the hook.
 constexpr int64_t kAnyThreads = 0;
 
-// The variables of this call: those that its indices name, which must all be active.
-int check_indices(const StreamState* state, int64_t p, const Integers& indices) {
+// The state is of this precision and p. The variables of this call are those that its indices name,
+// which must all be active.
+int check_state(const StreamState* state, int32_t precision, int64_t p, const Integers& indices) {
+  if (state != nullptr && state->precision != precision) return QOR_SS_BAD_METHOD;
   if (state != nullptr && state->p != p) return QOR_SS_BAD_P;
   if (!indices.given()) return QOR_SS_OK;
   bool any = false;
@@ -27,9 +29,10 @@ int check_indices(const StreamState* state, int64_t p, const Integers& indices) 
 }
 
 // The task's state, made at the first call; null without memory.
+template <class Real>
 StreamState* stream_state(SsTask& task, int64_t p, const Integers& indices) {
   if (task.stream_state == nullptr) {
-    task.stream_state = new_stream_state(p, indices);
+    task.stream_state = new_stream_state(p, precision_of<Real>, indices);
     if (task.stream_state != nullptr) {
       task.cleanup[0] = __ostSQuantilesFreeBuffers;
       task.cleanup_count = 1;
@@ -89,9 +92,10 @@ template <class Real>
 int compute_stream_quantiles(SsTask& task, uint64_t method, const ThreadHook* hook) {
   const int64_t p = integer(task, task.p);
   const Integers indices = integers(task, task.indices);
-  int status = check_indices(static_cast<const StreamState*>(task.stream_state), p, indices);
+  int status = check_state(static_cast<const StreamState*>(task.stream_state), precision_of<Real>,
+                           p, indices);
   if (status != QOR_SS_OK) return status;
-  StreamState* state = stream_state(task, p, indices);
+  StreamState* state = stream_state<Real>(task, p, indices);
   if (state == nullptr) return QOR_SS_NO_MEMORY;
   const SelectedVariables variables(p, [&](int64_t j) {
     return state->variable[j].active != 0 && (!indices.given() || indices[j] != 0);

@@ -38,8 +38,8 @@ struct Strip {
 // values; lanes beyond the variables are 0. `buffer` has room for count * lanes values, and is used
 // when the rows do not lie so in the data.
 template <class Real, bool by_variable, int lanes>
-Strip<Real> load_strip(const Observations<Real>& data, int64_t first, int64_t count, int64_t j,
-                       int64_t variables, Real* buffer) {
+Strip<Real> load_values(const Observations<Real>& data, int64_t first, int64_t count, int64_t j,
+                        int64_t variables, Real* buffer) {
   if constexpr (by_variable) {
     if (variables < lanes) std::fill_n(buffer, count * lanes, Real{0});
     for (int64_t l = 0; l < variables; ++l) {
@@ -55,6 +55,32 @@ Strip<Real> load_strip(const Observations<Real>& data, int64_t first, int64_t co
     }
   }
   return {buffer, lanes};
+}
+
+// The same in the units of a run that has a scale.
+template <class Real, bool by_variable, int lanes>
+[[gnu::noinline]] Strip<Real> load_in_units(const Observations<Real>& data, int64_t first,
+                                            int64_t count, int64_t j, int64_t variables,
+                                            Real* buffer) {
+  const auto values =
+      load_values<Real, by_variable, lanes>(data, first, count, j, variables, buffer);
+  for (int64_t i = 0; i < count; ++i) {
+    for (int64_t l = 0; l < variables; ++l) {
+      const Real value = values.rows[i * values.stride + l];
+      buffer[i * lanes + l] = data.in_units(value, first + i, j + l);
+    }
+  }
+  return {buffer, lanes};
+}
+
+// The same in the units of the run.
+template <class Real, bool by_variable, int lanes>
+Strip<Real> load_strip(const Observations<Real>& data, int64_t first, int64_t count, int64_t j,
+                       int64_t variables, Real* buffer) {
+  if (data.scale != nullptr) {
+    return load_in_units<Real, by_variable, lanes>(data, first, count, j, variables, buffer);
+  }
+  return load_values<Real, by_variable, lanes>(data, first, count, j, variables, buffer);
 }
 
 }  // namespace qor::statistics

@@ -114,4 +114,5 @@ struct SsTask {
   const void* sorted_output_storage;
   void* saved_means;  // owned: the means of the last call about given means
   int64_t saved_mean_count;
+  int32_t saved_mean_precision;
 };

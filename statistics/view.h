@@ -48,11 +48,20 @@ struct Observations {
   bool by_variable;
   const Real* weights;  // one per observation, or null
   Integers indices;     // one per variable, or none: then all take part
+  // What turns values and weights into the units of a run (units.h); no scale: the values' are its.
+  const Real* scale = nullptr;  // one per variable
+  Real weight_scale = 1;
 
   int64_t variable_stride() const { return by_variable ? n : 1; }
   int64_t observation_stride() const { return by_variable ? 1 : p; }
   const Real* variable(int64_t j) const { return x + j * variable_stride(); }
   bool takes_part(int64_t j) const { return !indices.given() || indices[j] != 0; }
+  bool has_weight(int64_t i) const { return weights == nullptr || weights[i] != 0; }
+  // A value of variable j of observation i in the units of a run that has a scale. Without weight
+  // it adds nothing, however large, unless it is no number.
+  Real in_units(Real value, int64_t i, int64_t j) const {
+    return has_weight(i) ? value * scale[j] : value - value;
+  }
 };
 
 // The data block of a task whose p, n, x and storage word have been found good. One variable counts
@@ -63,6 +72,13 @@ Observations<Real> observations(const SsTask& task) {
   const bool by_variable = (integer(task, task.x_storage) & QOR_SS_BY_VARIABLE) != 0 || p == 1;
   return {reals<Real>(task.x), integer(task, task.n),     p,
           by_variable,         reals<Real>(task.weights), integers(task, task.indices)};
+}
+
+// The means that a call of this precision and p has left with the task, or null.
+template <class Real>
+Real* saved_means(const SsTask& task, int64_t p) {
+  const bool fit = task.saved_mean_count == p && task.saved_mean_precision == precision_of<Real>;
+  return fit ? reals<Real>(task.saved_means) : nullptr;
 }
 
 }  // namespace qor::statistics

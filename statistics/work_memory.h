@@ -1,7 +1,7 @@
 // The work memory of one call: taken piece by piece, given back at its end.
 #pragma once
 
-#include <iterator>
+#include <new>
 
 #include "services/scratch.h"
 
@@ -11,7 +11,11 @@ class WorkMemory {
  public:
   WorkMemory() = default;
   ~WorkMemory() {
-    for (int i = 0; i < taken_; ++i) qor_serv_deallocate(blocks_[i]);
+    while (last_ != nullptr) {
+      Piece* piece = last_;
+      last_ = piece->before;
+      qor_serv_deallocate(piece);
+    }
   }
   WorkMemory(const WorkMemory&) = delete;
   WorkMemory& operator=(const WorkMemory&) = delete;
@@ -20,20 +24,34 @@ class WorkMemory {
   template <class T>
   T* take(int64_t count) {
     if (count == 0 || failed_) return nullptr;
-    T* block = services::allocate_values<T>(count);
+    const int64_t bytes = services::counted_product(count, int64_t{sizeof(T)});
+    if (bytes <= kOnStack - used_) {
+      char* piece = on_stack_ + used_;
+      used_ += (bytes + kUnit - 1) / kUnit * kUnit;
+      return reinterpret_cast<T*>(piece);
+    }
+    char* block = services::allocate_values<char>(services::counted_sum(kUnit, bytes));
     failed_ = block == nullptr;
-    if (!failed_) blocks_[taken_++] = block;
-    return block;
+    if (failed_) return nullptr;
+    last_ = new (block) Piece{last_};
+    return reinterpret_cast<T*>(block + kUnit);
   }
 
   bool failed() const { return failed_; }
 
  private:
-  static constexpr int kMost = 6;  // pieces of one call
+  // What stands before an allocated piece: they are a chain, so that there may be any number.
+  struct Piece {
+    Piece* before;
+  };
+  static constexpr int64_t kUnit{services::work_alignment};
+  static constexpr int64_t kOnStack = 16 * kUnit;  // all that a call over few variables takes
+  static_assert(kUnit >= int64_t{sizeof(Piece)});
 
-  void* blocks_[kMost];
-  int taken_ = 0;
+  Piece* last_ = nullptr;
+  int64_t used_ = 0;
   bool failed_ = false;
+  alignas(services::work_alignment) char on_stack_[kOnStack];
 };
 
 }  // namespace qor::statistics

@@ -17,6 +17,8 @@ namespace qor::test {
 
 using reference::Api;
 using Precisions = ::testing::Types<double, float>;
+template <class Real>
+using OtherPrecision = std::conditional_t<std::is_same_v<Real, double>, float, double>;
 
 // A task over data, with integers of either width that live here.
 template <class Real>

@@ -22,6 +22,7 @@ struct Sample {
   int64_t n, p;
   std::vector<Real> rows;          // n * p
   std::vector<Real> weights = {};  // n, or none
+  Real unit = 1;                   // of given means
 
   Real at(int64_t i, int64_t j) const { return rows[static_cast<size_t>(i * p + j)]; }
   Real weight(int64_t i) const { return weights.empty() ? 1 : weights[static_cast<size_t>(i)]; }
@@ -125,9 +126,9 @@ struct Results {
 
 // The means of kGiven.
 template <class Real>
-std::vector<Real> given_means(int64_t p) {
+std::vector<Real> given_means(int64_t p, Real unit = 1) {
   std::vector<Real> means;
-  for (int64_t j = 0; j < p; ++j) means.push_back(static_cast<Real>(2 + j % 3) / 4);
+  for (int64_t j = 0; j < p; ++j) means.push_back(unit * static_cast<Real>(2 + j % 3) / 4);
   return means;
 }
 
@@ -162,7 +163,7 @@ Results<Real> go_on(const Sample<Real>& s, Asked asked, Results<Real> results) {
 template <class Real>
 Results<Real> compute(const Sample<Real>& s, const Asked& asked) {
   Results<Real> results(s.p);
-  if (asked.method == kGiven) results.of(QOR_SS_MEAN) = given_means<Real>(s.p);
+  if (asked.method == kGiven) results.of(QOR_SS_MEAN) = given_means<Real>(s.p, s.unit);
   return go_on(s, asked, results);
 }
 

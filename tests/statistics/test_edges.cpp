@@ -147,6 +147,34 @@ TYPED_TEST(Edges, SavedMeans) {
   expect_near(results, exact_values(s, kGiven), {.mask = QOR_SS_ESTIMATE_CP}, 100);
 }
 
+// What the task keeps for one precision is nothing to the other, which begins with its own means.
+TYPED_TEST(Edges, SavedMeansOfEitherPrecision) {
+  using Real = TypeParam;
+  constexpr int64_t p = 50, n = 10;
+  const auto s = small_sample<Real>(2 * n, p, false);
+  const auto other = small_sample<OtherPrecision<Real>>(n, p, false);
+  Task<Real> task(p, n, QOR_SS_BY_OBSERVATION, s.rows.data());
+  task.set_number(QOR_SS_CP_STORAGE, QOR_SS_MATRIX_FULL);
+  const auto run = [&task]<class T>(const T* x, Results<T>& results) {
+    const std::pair<int64_t, const T*> arrays[] = {
+        {QOR_SS_X, x},
+        {QOR_SS_MEAN, results.of(QOR_SS_MEAN).data()},
+        {QOR_SS_CP, results.of(QOR_SS_CP).data()},
+        {QOR_SS_ACCUMULATED_WEIGHTS, results.weights.data()}};
+    for (const auto& [code, array] : arrays) ASSERT_EQ(Api<T>::edit(task, code, array), QOR_SS_OK);
+    ASSERT_EQ(Api<T>::basic(task, QOR_SS_ESTIMATE_CP, kGiven, nullptr), QOR_SS_OK);
+  };
+  Results<Real> results(p);
+  Results<OtherPrecision<Real>> others(p);
+  results.of(QOR_SS_MEAN) = given_means<Real>(p);
+  others.of(QOR_SS_MEAN) = given_means<OtherPrecision<Real>>(p);
+  run(other.rows.data(), others);
+  run(s.rows.data(), results);
+  run(other.rows.data(), others);
+  run(s.rows.data() + n * p, results);
+  expect_near(results, exact_values(s, kGiven), {.mask = QOR_SS_ESTIMATE_CP}, 100);
+}
+
 // Each allocation fails in turn: the status comes, nothing is written and nothing is lost.
 TYPED_TEST(Edges, MemoryEnds) {
   using Real = TypeParam;

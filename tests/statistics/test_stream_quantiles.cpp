@@ -189,6 +189,39 @@ TYPED_TEST(StreamQuantiles, FollowTheIndices) {
   EXPECT_EQ(stream.feed({}), QOR_SS_BAD_P);
 }
 
+// A stream goes on in the precision that began it.
+TYPED_TEST(StreamQuantiles, KeepTheirPrecision) {
+  using Real = TypeParam;
+  using Other = OtherPrecision<Real>;
+  const auto data = pattern_data<Real>(Pattern::random, 5000);
+  const auto others = pattern_data<Other>(Pattern::random, 5000);
+  Stream<Real> stream(1, 0.1, {1});
+  ASSERT_EQ(stream.feed(data), QOR_SS_OK);
+  const Real largest = *std::max_element(data.begin(), data.end());
+  const Other order = 1, epsilon = Other(0.1);
+  const auto n = static_cast<int64_t>(others.size());
+  Other quantile = -77;
+  const auto feed_other = [&] {
+    SsTask task = stream.record();
+    task.n = &n;
+    task.x = const_cast<Other*>(others.data());
+    task.stream_quantile_orders = const_cast<Other*>(&order);
+    task.stream_parameters = const_cast<Other*>(&epsilon);
+    task.stream_quantiles = &quantile;
+    const int status = Api<Other>::stream_quantiles(&task, 0, QOR_SS_METHOD_STREAM_ANSWER, nullptr);
+    stream.record().stream_state = task.stream_state;
+    return status;
+  };
+  EXPECT_EQ(feed_other(), QOR_SS_BAD_METHOD);
+  EXPECT_EQ(quantile, -77);
+  EXPECT_EQ(stream.feed({}), QOR_SS_OK);
+  EXPECT_EQ(stream.quantiles()[0], largest);
+  EXPECT_EQ(__ostSQuantilesFreeBuffers(&stream.record()), QOR_SS_OK);
+  EXPECT_EQ(feed_other(), QOR_SS_OK);
+  EXPECT_EQ(quantile, *std::max_element(others.begin(), others.end()));
+  EXPECT_EQ(stream.feed({}), QOR_SS_BAD_METHOD);
+}
+
 TYPED_TEST(StreamQuantiles, EndWithTheTaskOrBefore) {
   using Real = TypeParam;
   const long before = live_blocks();
