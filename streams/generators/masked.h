@@ -6,18 +6,13 @@
 namespace qor::streams {
 
 // While one lives, no floating-point exception of vector registers traps; where one could have, the
-// caller's control and status word comes back as it was. Traps that feenableexcept enables show in
-// the control words of both units, and that of the x87 unit costs nothing to read: reading the
-// other waits for all arithmetic under way, half the time of a short call.
+// caller's control and status word comes back as it was.
 class MaskedExceptions {
  public:
   MaskedExceptions() {
-    uint16_t x87;
-    asm volatile("fnstcw %0" : "=m"(x87));
-    traps_ = (x87 & kX87Masks) != kX87Masks;
-    if (!traps_) return;
     asm volatile("stmxcsr %0" : "=m"(callers_) : : "memory");
-    set(callers_ | kMasks);
+    traps_ = (callers_ & kMasks) != kMasks;
+    if (traps_) set(callers_ | kMasks);
   }
   ~MaskedExceptions() {
     if (traps_) set(callers_);
@@ -33,7 +28,6 @@ class MaskedExceptions {
   }
 
  private:
-  static constexpr uint16_t kX87Masks = 0x3D;  // all but that of denormal operands
   static constexpr uint32_t kMasks = 0x1F80;
   static void set(uint32_t word) { asm volatile("ldmxcsr %0" : : "m"(word) : "memory"); }
 
