@@ -15,7 +15,7 @@ constexpr double kNegligibleChange = 1e-10;
 struct Akima : LocalKind {
   static constexpr int64_t fewest_breakpoints = 5;
   static constexpr int back = 1, ahead = 2;
-  static constexpr bool takes_no_boundary = true;
+  static constexpr BoundaryRules rules{.takes_none = true};
 
   template <class Partition, class Window>
   static auto derivative(const DFTask&, const Partition& x, const Window& w, int64_t i,

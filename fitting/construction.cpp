@@ -18,7 +18,7 @@ constexpr BoundaryCode kBoundaryCodes[] = {
     {QOR_DF_BC_NONE, estimated, estimated},
 };
 
-// Types whose periodic end takes a value.
+// Types whose periodic end takes a value, whichever kernel is asked.
 bool periodic_takes_value(int64_t s_type) { return s_type == 0 || s_type == 3; }
 
 }  // namespace
@@ -30,19 +30,13 @@ const BoundaryCode* boundary_code(int64_t bc_type) {
   return nullptr;
 }
 
-int check_boundary(const DFTask& task, bool takes_none) {
+int check_boundary(const DFTask& task, const BoundaryRules& rules) {
   const BoundaryCode* code = boundary_code(task.bc_type);
-  if (code == nullptr || (code->left == estimated && !takes_none)) return QOR_DF_BAD_BC_TYPE;
+  if (code == nullptr || (code->left == estimated && !rules.takes_none)) return QOR_DF_BAD_BC_TYPE;
   const bool needs = code->left == periodic
-                         ? periodic_takes_value(task.s_type)
+                         ? rules.takes_periodic_value || periodic_takes_value(task.s_type)
                          : code->left == first_derivative || code->left == second_derivative;
   return needs && task.bc == nullptr ? QOR_DF_NULL_BC : QOR_DF_OK;
-}
-
-int check_tables(const DFTask& task) {
-  if (task.ny <= 0) return QOR_DF_OK;
-  if (task.y == nullptr) return QOR_DF_NULL_Y;
-  return task.scoeff == nullptr ? QOR_DF_NULL_SCOEFF : QOR_DF_OK;
 }
 
 }  // namespace qor::fitting

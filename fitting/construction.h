@@ -39,8 +39,14 @@ struct BoundaryCode {
 };
 const BoundaryCode* boundary_code(int64_t bc_type);
 
+// What a kernel makes of boundary codes beyond what all of them do.
+struct BoundaryRules {
+  bool takes_none = false;            // estimates the ends under QOR_DF_BC_NONE
+  bool takes_periodic_value = false;  // reads a value of periodic ends
+};
+
 // Status of a boundary code whose values, where it has any, must be there: BAD_BC_TYPE, NULL_BC.
-int check_boundary(const DFTask& task, bool takes_none);
+int check_boundary(const DFTask& task, const BoundaryRules& rules = {});
 
 // The boundary of a checked task.
 template <class Real>
@@ -54,9 +60,6 @@ Boundary<Real> boundary_of(const DFTask& task) {
   return valued ? Boundary<Real>{{code.left, bc[0]}, {code.right, bc[1]}}
                 : Boundary<Real>{{code.left, 0}, {code.right, 0}};
 }
-
-// NULL_Y or NULL_SCOEFF when a task with functions lacks these tables.
-int check_tables(const DFTask& task);
 
 // Whether the first and the last value of every function are equal.
 template <class Values>

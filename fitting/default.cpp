@@ -114,11 +114,8 @@ int construct_default(const DFTask* task) {
   if (task == nullptr) return QOR_DF_NULL_TASK;
   if (task->nx < 3) return QOR_DF_BAD_NX;
   if (!is_storage_form(task->yhint)) return QOR_DF_BAD_Y_HINT;
-  int status = check_boundary(*task, false);
-  if (status != QOR_DF_OK) return status;
-  if (task->bc_type == QOR_DF_BC_PERIODIC && task->bc == nullptr) return QOR_DF_NULL_BC;
-  if (task->ic == nullptr) return QOR_DF_BAD_IC;
-  status = check_tables(*task);
+  int status = check_boundary(*task, {.takes_periodic_value = true});
+  if (status == QOR_DF_OK) status = check_arrays(*task, inner_conditions | spline_arrays);
   return status != QOR_DF_OK ? status : by_forms<Real, Default<Real>>(*task, *task);
 }
 

@@ -11,10 +11,8 @@ struct Hermite : LocalKind {
   static constexpr int64_t fewest_breakpoints = 3;
   static constexpr int back = 0, ahead = 0;
 
-  static int check(const DFTask& task) {
-    if (task.bc_type == QOR_DF_BC_PERIODIC && task.bc == nullptr) return QOR_DF_NULL_BC;
-    return task.ic == nullptr ? QOR_DF_BAD_IC : QOR_DF_OK;
-  }
+  static constexpr BoundaryRules rules{.takes_periodic_value = true};
+  static constexpr unsigned arrays = inner_conditions | spline_arrays;
 
   // At periodic ends the derivative is given too.
   template <class Real>

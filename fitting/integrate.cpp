@@ -137,7 +137,7 @@ int integrate(const DFTask* task, const Arguments<Real>& a,
   if (status != QOR_DF_OK) return status;
   const bool by_limit = a.rhint == QOR_DF_INTERLEAVED;
   if (!by_limit && !is_storage_form(a.rhint)) return QOR_DF_BAD_INTEGRAL_R_HINT;
-  status = check_arrays(*task, kind);
+  status = check_arrays(*task, arrays_of(kind));
   if (status != QOR_DF_OK || a.nlim <= 0) return status;
   Integration<Real> call{*task, routine, a.nlim, left, right, a.r, by_limit, callbacks};
   return run_blocks(call, a.hook);

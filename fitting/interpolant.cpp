@@ -34,20 +34,18 @@ Interpolant interpolant_of(int64_t s_order, int64_t s_type) {
   return known ? Interpolant::polynomial : Interpolant::unknown;
 }
 
-int check_arrays(const DFTask& task, Interpolant interpolant) {
-  if (task.ny <= 0) return QOR_DF_OK;
+unsigned arrays_of(Interpolant interpolant) {
   switch (interpolant) {
-    case Interpolant::polynomial_on_knots:
-      if (task.ic == nullptr) return QOR_DF_BAD_IC;
-      [[fallthrough]];
     case Interpolant::polynomial:
-      return task.scoeff == nullptr ? QOR_DF_NULL_SCOEFF : QOR_DF_OK;
+      return coefficient_arrays;
+    case Interpolant::polynomial_on_knots:
+      return inner_conditions | coefficient_arrays;
     case Interpolant::lookup:
     case Interpolant::step_right_continuous:
     case Interpolant::step_left_continuous:
-      return task.y == nullptr ? QOR_DF_NULL_Y : QOR_DF_OK;
+      return function_values;
     default:
-      return QOR_DF_OK;
+      return 0;
   }
 }
 

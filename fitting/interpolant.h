@@ -25,7 +25,7 @@ inline bool is_polynomial(Interpolant interpolant) {
 
 Interpolant interpolant_of(int64_t s_order, int64_t s_type);
 
-// NULL_SCOEFF, NULL_Y or BAD_IC when the task lacks what the interpolant reads.
-int check_arrays(const DFTask& task, Interpolant interpolant);
+// The Arrays that the interpolant reads.
+unsigned arrays_of(Interpolant interpolant);
 
 }  // namespace qor::fitting

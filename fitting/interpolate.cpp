@@ -238,7 +238,7 @@ int interpolate(const DFTask* task, const Arguments<Real>& a, const Callbacks<Re
     if (status != QOR_DF_OK) return status;
   }
   if (!is_result_layout(a.rhint)) return QOR_DF_BAD_R_HINT;
-  const int status = check_arrays(*task, kind);
+  const int status = check_arrays(*task, arrays_of(kind));
   if (status != QOR_DF_OK || a.nsite <= 0) return status;
   const bool keep_cells = (a.type & QOR_DF_CELLS_OUT) != 0 && a.cell != nullptr;
   Interpolation<Real> call{*task,     kind,          search,

@@ -28,7 +28,7 @@ int construct_linear(const DFTask* task, int64_t method) {
   if (method != 0) return QOR_DF_BAD_METHOD;
   if (task->nx < 2) return QOR_DF_BAD_NX;
   if (!is_storage_form(task->yhint)) return QOR_DF_BAD_Y_HINT;
-  const int status = check_tables(*task);
+  const int status = check_arrays(*task, spline_arrays);
   return status != QOR_DF_OK ? status : by_forms<Real, Linear<Real>>(*task, *task);
 }
 

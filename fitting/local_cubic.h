@@ -5,6 +5,7 @@
 //   back, ahead   cells that a group of breakpoints looks at beyond the cells left of them
 //   derivative    the first derivative at one breakpoint
 //   boundary      the task's boundary as the kind takes it
+//   rules, arrays what it makes of boundary codes, and what it reads and writes
 #pragma once
 
 #include <algorithm>
@@ -147,16 +148,15 @@ int construct_local(const DFTask* task) {
   if (task == nullptr) return QOR_DF_NULL_TASK;
   if (task->nx < Kind::fewest_breakpoints) return QOR_DF_BAD_NX;
   if (!is_storage_form(task->yhint)) return QOR_DF_BAD_Y_HINT;
-  int status = check_boundary(*task, Kind::takes_no_boundary);
-  if (status == QOR_DF_OK) status = Kind::check(*task);
-  if (status == QOR_DF_OK) status = check_tables(*task);
+  int status = check_boundary(*task, Kind::rules);
+  if (status == QOR_DF_OK) status = check_arrays(*task, Kind::arrays);
   return status != QOR_DF_OK ? status : by_forms<Real, LocalCubic<Kind, Real>>(*task, *task);
 }
 
 // What most kinds have in common.
 struct LocalKind {
-  static constexpr bool takes_no_boundary = false;
-  static int check(const DFTask&) { return QOR_DF_OK; }
+  static constexpr BoundaryRules rules{};
+  static constexpr unsigned arrays = spline_arrays;
   template <class Real>
   static Boundary<Real> boundary(const DFTask& task) {
     return boundary_of<Real>(task);

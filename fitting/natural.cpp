@@ -175,8 +175,8 @@ int construct_natural(const DFTask* task, int64_t method) {
   const int64_t fewest = task->bc_type == QOR_DF_BC_NOT_A_KNOT ? 3 : 2;
   if (task->nx < fewest) return QOR_DF_BAD_NX;
   if (!is_storage_form(task->yhint)) return QOR_DF_BAD_Y_HINT;
-  int status = check_boundary(*task, false);
-  if (status == QOR_DF_OK) status = check_tables(*task);
+  int status = check_boundary(*task);
+  if (status == QOR_DF_OK) status = check_arrays(*task, spline_arrays);
   return status != QOR_DF_OK ? status : by_forms<Real, Natural<Real>>(*task, *task);
 }
 

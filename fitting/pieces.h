@@ -11,9 +11,14 @@
 
 namespace qor::fitting {
 
+// The last of `count` pieces that a cell can name.
+inline int32_t last_piece(int64_t count) {
+  return static_cast<int32_t>(std::min<int64_t>(count - 1, INT32_MAX));
+}
+
 // The polynomial of a cell, of `count` polynomials.
 inline int32_t piece_of_cell(int32_t cell, int64_t count) {
-  const auto last = static_cast<int32_t>(count - 1);
+  const int32_t last = last_piece(count);
   const int32_t piece = cell < 1 ? 0 : cell - 1;
   return piece < last ? piece : last;
 }
@@ -56,8 +61,7 @@ struct KnotPieces {
   explicit KnotPieces(const DFTask& task) : knots(internal_conditions<Real>(task)), n(task.nx) {}
   int64_t count() const { return n; }
   int32_t find(Real s, int32_t cell) const {
-    const int32_t last = static_cast<int32_t>(n - 1);
-    const int32_t c = cell < 0 ? 0 : std::min(cell, last);
+    const int32_t c = cell < 0 ? 0 : std::min(cell, last_piece(n));
     return c > 0 && s < knots[c] ? c - 1 : c;
   }
   Real left(int64_t piece) const { return knots[piece]; }

@@ -57,14 +57,15 @@ int construct_quadratic(const DFTask* task, int64_t method) {
   if (task->ic_type != 0 && task->ic_type != 1) return QOR_DF_BAD_IC_TYPE;
   const bool on_knots = task->ic_type == 1;
   if (on_knots) {
-    const int status = check_boundary(*task, false);
+    const int status = check_boundary(*task);
     if (status != QOR_DF_OK) return status;
     if (task->bc_type == QOR_DF_BC_NOT_A_KNOT && task->nx < 3) return QOR_DF_BAD_NX;
   } else {
     if (task->bc_type != QOR_DF_BC_FIRST_MIDPOINT) return QOR_DF_BAD_BC_TYPE;
     if (task->bc == nullptr) return QOR_DF_NULL_BC;
   }
-  const int status = check_tables(*task);
+  const int status =
+      check_arrays(*task, on_knots ? inner_conditions | spline_arrays : spline_arrays);
   if (status != QOR_DF_OK) return status;
   return on_knots ? construct_on_knots<Real>(*task)
                   : by_forms<Real, MidpointQuadratic<Real>>(*task, *task);

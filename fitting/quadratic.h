@@ -7,7 +7,7 @@ namespace qor::fitting {
 
 inline constexpr int quadratic_order = 3;
 
-// The spline between the knots of the task's ic, its boundary and tables being checked. Statuses:
+// The spline between the knots of the task's ic, its boundary and arrays being checked. Statuses:
 // BAD_IC, NOT_PERIODIC, NO_MEMORY, SOLVER_FAILED.
 template <class Real>
 int construct_on_knots(const DFTask& task);

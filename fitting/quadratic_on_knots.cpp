@@ -175,7 +175,7 @@ struct KnotSystem {
 
 template <class Real, class Partition>
 bool valid_knots(const Partition& x, const Real* knots) {
-  if (knots == nullptr || knots[0] != x.x(0) || knots[x.n] != x.last()) return false;
+  if (knots[0] != x.x(0) || knots[x.n] != x.last()) return false;
   for (int64_t i = 1; i < x.n; ++i) {
     const Real right = i == x.n - 1 ? x.last() : x.x(i);
     if (!(knots[i] > x.x(i - 1) && knots[i] < right)) return false;

@@ -30,13 +30,19 @@ Pointer* lay_out(Pointer first, int64_t room, int64_t set, int64_t length, int64
   return table;
 }
 
+// Whether the table has its first `count` entries.
+template <class Pointer>
+bool is_complete(Pointer* table, int64_t room, int64_t count) {
+  return count <= room && std::find(table, table + count, nullptr) == table + count;
+}
+
 int check_arguments(int64_t nx, const void* x, int64_t xhint, int64_t ny, const void* y,
                     int64_t yhint) {
   if (nx < 2) return QOR_DF_BAD_NX;
   if (x == nullptr) return QOR_DF_NULL_X;
   if (!is_partition_form(xhint)) return QOR_DF_BAD_X_HINT;
   if (ny != 0 && y == nullptr) return QOR_DF_NULL_Y;
-  if (ny == 0 && y != nullptr) return QOR_DF_BAD_NY;
+  if (ny <= 0 && y != nullptr) return QOR_DF_BAD_NY;
   return is_storage_form(yhint) ? QOR_DF_OK : QOR_DF_BAD_Y_HINT;
 }
 
@@ -103,6 +109,18 @@ int lay_out_coefficients(DFTask& task, void* first, int64_t hint, int64_t size) 
   task.scoeff = table;
   task.scoeff_room = task.ny;
   return QOR_DF_OK;
+}
+
+int check_arrays(const DFTask& task, unsigned kinds) {
+  if ((kinds & inner_conditions) != 0 && task.ic == nullptr) return QOR_DF_BAD_IC;
+  const int64_t functions = std::max<int64_t>(task.ny, 0);
+  const int64_t values =
+      task.yhint == QOR_DF_INTERLEAVED ? std::min<int64_t>(functions, 1) : functions;
+  if ((kinds & function_values) != 0 && !is_complete(task.y, task.y_room, values)) {
+    return QOR_DF_NULL_Y;
+  }
+  const bool coefficients = is_complete(task.scoeff, task.scoeff_room, functions);
+  return (kinds & coefficient_arrays) != 0 && !coefficients ? QOR_DF_NULL_SCOEFF : QOR_DF_OK;
 }
 
 }  // namespace qor::fitting

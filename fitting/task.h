@@ -85,6 +85,19 @@ inline bool is_storage_form(int64_t hint) {
 int lay_out_functions(DFTask& task, const void* first, int64_t size);
 int lay_out_coefficients(DFTask& task, void* first, int64_t hint, int64_t size);
 
+// What a kernel reads and writes of a task beside its partition and its boundary values.
+enum Arrays : unsigned {
+  inner_conditions = 1,
+  function_values = 2,     // of every function
+  coefficient_arrays = 4,  // of every function
+  spline_arrays = function_values | coefficient_arrays
+};
+
+// Whether the task has all arrays of the given kinds; else, in this order, BAD_IC, NULL_Y or
+// NULL_SCOEFF. Tables may be shorter than the number of functions and have gaps, as hints, numbers
+// and entries are edited one by one.
+int check_arrays(const DFTask& task, unsigned kinds);
+
 // Builds the lookup table from the partition; NO_MEMORY leaves the old one.
 template <class Real>
 int build_lookup_table(DFTask& task);

@@ -45,7 +45,7 @@ extern "C" {
             the other; 32 one array of nx * ny values; 128 the first array
      int_width  0: QueryVal writes and derivative flags are 32-bit integers; else 64-bit
    Statuses in the order of the checks: BAD_NX (below 2), NULL_X, BAD_X_HINT, NULL_Y (with ny not
-   0), BAD_NY (0 with y given), BAD_Y_HINT, NO_MEMORY. */
+   0), BAD_NY (below 1 with y given), BAD_Y_HINT, NO_MEMORY. */
 QOR_API int qor_df_kernel_dNewTask1D(DFTask** task, int64_t nx, const double* x, int64_t xhint,
                                      int64_t ny, const double* y, int64_t yhint, int32_t int_width);
 QOR_API int qor_df_kernel_sNewTask1D(DFTask** task, int64_t nx, const float* x, int64_t xhint,

@@ -2,6 +2,7 @@
 // extended precision.
 #pragma once
 
+#include <cstddef>
 #include <utility>
 #include <vector>
 

@@ -117,6 +117,7 @@ TYPED_TEST(Allocation, OfSizesBeyondMemory) {
     EXPECT_EQ(qor_df_kernel_iEditVal(task, QOR_DF_NY, many), 0);
     EXPECT_EQ(A::edit_entry(task, QOR_DF_SCOEFF, many - 1, c), QOR_DF_NO_MEMORY);
     EXPECT_EQ(A::edit_pointer(task, QOR_DF_SCOEFF, c), QOR_DF_NO_MEMORY);
+    EXPECT_EQ(task.spline(0, 7, nullptr), QOR_DF_OK);  // of values in one array
     EXPECT_EQ(task.interpolate({0}, y, {.layout = 32}), QOR_DF_NO_MEMORY);
     EXPECT_EQ(task.integrate({0}, {1}, y, {.layout = 32}), QOR_DF_NO_MEMORY);
   }

@@ -37,7 +37,7 @@ TYPED_TEST(Tasks, ConstructorChecksInOrder) {
   EXPECT_EQ(make(2, v, 1, 1, null, 8), QOR_DF_NULL_Y);
   EXPECT_EQ(make(2, v, 1, 0, v, 8), QOR_DF_BAD_NY);
   EXPECT_EQ(make(2, v, 2, 1, v, 8), QOR_DF_BAD_Y_HINT);
-  EXPECT_EQ(make(2, v, 4, -1, v, 0), QOR_DF_NO_MEMORY);
+  EXPECT_EQ(make(2, v, 1, -1, v, 8), QOR_DF_BAD_NY);
   EXPECT_EQ(task, nullptr);
   EXPECT_EQ(Api<TypeParam>::new_task(nullptr, 2, v, 0, 0, null, 0, 0), QOR_DF_NULL_TASK);
   EXPECT_EQ(qor_df_kernel_DeleteTask(nullptr), QOR_DF_NULL_TASK);
