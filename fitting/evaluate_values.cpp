@@ -21,7 +21,7 @@ bool is_breakpoint(const Breakpoints<Real>& x, Real site, int64_t k) {
 template <class Real>
 bool is_breakpoint(const UniformPartition<Real>& x, Real site, int64_t k) {
   const Real distance = site - static_cast<Real>(k) * x.h - x.first;
-  return std::abs(distance) <= static_cast<Real>(kUniformTolerance);
+  return site == x.x(k) || std::abs(distance) <= static_cast<Real>(kUniformTolerance);
 }
 
 // The breakpoint that the site is; cells of the caller's may be out of range.

@@ -59,32 +59,32 @@ int integrate_part(const IntegralCallback<Real>& callback, Real lower, Real uppe
   return std::min(status, 0);
 }
 
-// The parts left of the partition, inside and right of it, in this order.
+// The parts left of the partition, inside and right of it, in this order: by the limits, which
+// cells of a user's search may not fit, so that no part has its own in exchanged order.
 template <class Real, class Pieces, class Integrand>
 int integrate_parts(const IntegralCallbacks<Real>& user, const Pieces& pieces, const Integrand& f,
                     int64_t n, Real first, Real last, const Range<Real>& range, Real* out) {
   const int64_t end = pieces.count() - 1;
   Real sum = 0;
   int status = QOR_DF_OK;
-  if (range.lower_cell < 1) {
+  const bool from_first = range.lower<first, to_last = range.upper> last;
+  if (from_first) {
     status = integrate_part(
         user.left, range.lower, std::min(range.upper, first),
         [&](Real l, Real u) { return integrate_pieces(pieces, f, l, 0, u, 0); }, &sum);
   }
-  if (status == QOR_DF_OK && range.lower_cell < n && range.upper_cell > 0) {
-    const bool from_first = range.lower_cell < 1, to_last = range.upper_cell >= n;
+  if (status == QOR_DF_OK && !(range.lower > last) && !(range.upper < first)) {
     const Real lower = from_first ? first : range.lower, upper = to_last ? last : range.upper;
     status = integrate_part(
         user.inside, lower, upper,
         [&](Real l, Real u) {
           const int64_t from = from_first ? 0 : pieces.find(l, range.lower_cell);
-          const auto inner = static_cast<int32_t>(n - 1);
-          const int64_t to = pieces.find(u, to_last ? inner : range.upper_cell);
+          const int64_t to = pieces.find(u, to_last ? last_piece(n) : range.upper_cell);
           return integrate_pieces(pieces, f, l, from, u, to);
         },
         &sum);
   }
-  if (status == QOR_DF_OK && range.upper_cell >= n) {
+  if (status == QOR_DF_OK && to_last) {
     status = integrate_part(
         user.right, std::max(range.lower, last), range.upper,
         [&](Real l, Real u) { return integrate_pieces(pieces, f, l, end, u, end); }, &sum);

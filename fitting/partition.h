@@ -13,6 +13,11 @@
 namespace qor::fitting {
 
 template <class Real>
+Real mean_step(Real first, Real last, int64_t n) {
+  return (last - first) / static_cast<Real>(n - 1);
+}
+
+template <class Real>
 struct Breakpoints {
   static constexpr bool uniform = false;
   const Real* values;
@@ -35,17 +40,22 @@ struct UniformPartition {
   Real first, end, h, inverse;
   int64_t n;
 
+  UniformPartition(int64_t nx, const Real* ends, Real step)
+      : first(ends[0]), end(ends[1]), h(step), inverse(1 / step), n(nx) {}
   explicit UniformPartition(const DFTask& task)
-      : first(partition_of<Real>(task)[0]),
-        end(partition_of<Real>(task)[1]),
-        h((end - first) / static_cast<Real>(task.nx - 1)),
-        inverse(1 / h),
-        n(task.nx) {}
+      : UniformPartition(
+            task.nx, partition_of<Real>(task),
+            mean_step(partition_of<Real>(task)[0], partition_of<Real>(task)[1], task.nx)) {}
 
   // A 32-bit index converts to a real in vectors at every level.
   template <class Index>
   Real x(Index i) const {
-    return static_cast<Real>(i) * h + first;
+    return at(static_cast<Real>(i));
+  }
+  // Of a real, or of a register of them.
+  template <class Value>
+  Value at(Value i) const {
+    return i * h + first;
   }
   Real last() const { return end; }
   Real step(int64_t) const { return h; }

@@ -54,13 +54,6 @@ int choose_method(const DFTask& task, const SiteForm<Real>& sites, bool user,
   return QOR_DF_OK;
 }
 
-template <class Real>
-Real mean_step(const DFTask& task) {
-  const Real* x = partition_of<Real>(task);
-  const Real last = is_uniform(task) ? x[1] : x[task.nx - 1];
-  return (last - x[0]) / static_cast<Real>(task.nx - 1);
-}
-
 // In blocks, so that what a block reads and writes stays in cache.
 template <class Real>
 int run_in_blocks(const Search<Real>& search, int64_t nsite, const Real* site, int32_t* cell) {
@@ -101,7 +94,7 @@ int choose_search(const DFTask& task, const SiteForm<Real>& sites, UserSearch<Re
                   void* params, Search<Real>* search) {
   search->nx = task.nx;
   search->x = partition_of<Real>(task);
-  search->step = mean_step<Real>(task);
+  search->step = mean_step(search->x[0], search->x[is_uniform(task) ? 1 : task.nx - 1], task.nx);
   search->user = user;
   search->params = params;
   return choose_method(task, sites, user != nullptr, &search->method);

@@ -8,35 +8,12 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "fitting/task.h"
-#include "kernels/lanes.h"
+#include "fitting/search_uniform.h"
 
 namespace qor::fitting {
 
-// Cells have 32 bits, so that breakpoints beyond their range are out of reach. The limit is a
-// float.
-inline constexpr int32_t most_cells = INT32_MAX - 127;
-inline int32_t cell_count(int64_t nx) {
-  return static_cast<int32_t>(std::min<int64_t>(nx, most_cells));
-}
-
 template <class Real>
 using UserSearch = int (*)(const int64_t*, const Real*, int64_t*, int64_t*, void*, void*);
-
-// Sites that are looked at together.
-inline constexpr int64_t site_group = 16;
-
-// Site s of n breakpoints whose ends and (mean) step are known: an estimate, which is the answer on
-// a uniform partition. Branch-free. A NaN gives n.
-template <class Real>
-inline int32_t cell_by_step(int32_t n, Real first, Real last, Real step, Real s) {
-  const Real limit = static_cast<Real>(n);
-  const Real steps = (s - first) / step;
-  const Real bounded = steps < limit ? (steps > 0 ? steps : 0) : limit;
-  int32_t cell = std::min(static_cast<int32_t>(bounded) + 1, n);
-  cell = s == last ? n - 1 : cell;
-  return s < first ? 0 : cell;
-}
 
 // The cell of s, from a guess between 0 and n, by steps of one.
 template <class Real>
@@ -44,46 +21,6 @@ inline int32_t walk_to_cell(int32_t n, const Real* x, Real s, int32_t cell) {
   while (cell < n && s >= x[cell]) ++cell;
   while (cell > 0 && x[cell - 1] > s) --cell;
   return cell;
-}
-
-// x holds the two ends.
-template <class Real>
-void search_uniform(int64_t nx, const Real* x, int64_t nsite, const Real* site, Real step,
-                    int32_t* cell) {
-  const int32_t n = cell_count(nx);
-  const Real first = x[0], last = x[1];
-  for (int64_t i = 0; i < nsite; ++i) cell[i] = cell_by_step(n, first, last, step, site[i]);
-}
-
-// The same for sites that are said to ascend: between two sites of one cell all are of that cell,
-// since rounding keeps the order. A group that does not keep the promise is searched site by site.
-template <class Real>
-void search_uniform_sorted(int64_t nx, const Real* x, int64_t nsite, const Real* site, Real step,
-                           int32_t* cell) {
-  using V = typename lanes::Lanes<Real>::V;
-  constexpr int64_t kLanes = lanes::Lanes<Real>::count;
-  const int32_t n = cell_count(nx);
-  const Real first = x[0], last = x[1];
-  int64_t i = 0;
-  Real low = nsite > 0 ? site[0] : 0;
-  int32_t c = cell_by_step(n, first, last, step, low);
-  for (; i + site_group <= nsite; i += site_group) {
-    const Real high = site[i + site_group - 1];
-    const int32_t of_high = cell_by_step(n, first, last, step, high);
-    auto inside = V{} == V{};
-    for (int64_t j = 0; j < site_group; j += kLanes) {
-      const V s = lanes::load(site + i + j);
-      inside &= (s >= lanes::all(low)) & (s <= lanes::all(high));
-    }
-    if (c == of_high && lanes::bits(inside) == lanes::first_lanes(kLanes)) {
-      std::fill_n(cell + i, site_group, c);
-    } else {
-      search_uniform(nx, x, site_group, site + i, step, cell + i);
-    }
-    low = high;
-    c = of_high;
-  }
-  search_uniform(nx, x, nsite - i, site + i, step, cell + i);
 }
 
 // A NaN keeps its estimate, n.
@@ -94,7 +31,7 @@ void search_quasi_uniform(int64_t nx, const Real* x, int64_t nsite, const Real* 
   const Real first = x[0], last = x[n - 1];
   for (int64_t i = 0; i < nsite; ++i) {
     const Real s = site[i];
-    const int32_t guess = cell_by_step(n, first, last, step, s);
+    const int32_t guess = std::min(whole_steps(n, first, step, s) + 1, n);
     cell[i] = s == last ? n - 1 : walk_to_cell(n, x, s, guess);
   }
 }
@@ -114,25 +51,6 @@ inline int32_t gallop(int32_t n, const Real* x, Real s, int32_t from) {
     (x[middle] > s ? high : low) = middle;
   }
   return high;
-}
-
-// Breakpoints that a group of sites is compared with.
-inline constexpr int32_t few_cells = 4;
-
-// The cells of a group: c and the number of breakpoints from x[c] on, among few, that are not above
-// the site. Free of branches.
-template <class Real>
-inline void merge_group(const Real* above, const Real* site, int32_t c, int32_t* cell) {
-  using Lanes = lanes::Lanes<Real>;
-  using Cells [[gnu::vector_size(Lanes::count * sizeof(int32_t))]] = int32_t;
-  for (int64_t j = 0; j < site_group; j += Lanes::count) {
-    const typename Lanes::V s = lanes::load(site + j);
-    // A comparison that holds is -1 in its lane.
-    const typename Lanes::M steps = (s >= lanes::all(above[0])) + (s >= lanes::all(above[1])) +
-                                    (s >= lanes::all(above[2])) + (s >= lanes::all(above[3]));
-    const Cells cells = c - __builtin_convertvector(steps, Cells);
-    __builtin_memcpy(cell + j, &cells, sizeof cells);
-  }
 }
 
 // Cells of the sites from *i on while groups of them advance by few cells. The sites ascend and
@@ -248,9 +166,9 @@ void search_peak(int64_t nx, const Real* x, int64_t nsite, const Real* site, int
   search_any(nx, x, nsite, site, nan_cell(n - 1, kWindow), cell);
 }
 
-// The user's search, block by block; correct(site, guess) answers for unflagged sites. Returns a
-// negative status at once, without the block's cells, else the last positive one other than
-// CELLS_FINAL.
+// The user's search, block by block; correct(count, sites, guesses, flags, cells) answers for the
+// sites without a flag. Returns a negative status at once, without the block's cells, else the last
+// positive one other than CELLS_FINAL.
 inline constexpr int64_t search_block = 2048;
 
 template <class Real, class Correct>
@@ -265,9 +183,10 @@ int search_by_user(int64_t nsite, const Real* site, UserSearch<Real> search, voi
     const int status = search(&count, site + first, found, flag, params, nullptr);
     if (status < 0) return status;
     const bool final = status == QOR_DF_CELLS_FINAL;
+    if (!final) correct(count, site + first, found, flag, cell + first);
     for (int64_t i = 0; i < count; ++i) {
       const bool keep = final || flag[i] != 0;
-      cell[first + i] = keep ? static_cast<int32_t>(found[i]) : correct(site[first + i], found[i]);
+      cell[first + i] = keep ? static_cast<int32_t>(found[i]) : cell[first + i];
     }
     if (!final && status != 0) result = status;
   }
@@ -279,19 +198,24 @@ int search_user_defined(int64_t nx, const Real* x, int64_t nsite, const Real* si
                         UserSearch<Real> search, void* params, int32_t* cell) {
   const int32_t n = cell_count(nx);
   const Real last = x[n - 1];
-  return search_by_user(nsite, site, search, params, cell, [=](Real s, int64_t guess) {
-    const auto from = static_cast<int32_t>(std::clamp<int64_t>(guess, 0, n));
-    return s == last ? n - 1 : walk_to_cell(n, x, s, from);
-  });
+  return search_by_user(
+      nsite, site, search, params, cell,
+      [=](int64_t count, const Real* s, const int64_t* guess, const int64_t* flag, int32_t* out) {
+        for (int64_t i = 0; i < count; ++i) {
+          if (flag[i] != 0) continue;
+          const auto from = static_cast<int32_t>(std::clamp<int64_t>(guess[i], 0, n));
+          out[i] = s[i] == last ? n - 1 : walk_to_cell(n, x, s[i], from);
+        }
+      });
 }
 
 template <class Real>
 int search_uniform_user_defined(int64_t nx, const Real* x, int64_t nsite, const Real* site,
                                 Real step, UserSearch<Real> search, void* params, int32_t* cell) {
-  const int32_t n = cell_count(nx);
-  const Real first = x[0], last = x[1];
+  const UniformCells<Real> cells(nx, x, step);
   return search_by_user(nsite, site, search, params, cell,
-                        [=](Real s, int64_t) { return cell_by_step(n, first, last, step, s); });
+                        [&](int64_t count, const Real* s, const int64_t*, const int64_t*,
+                            int32_t* out) { cells.find(count, s, out); });
 }
 
 }  // namespace qor::fitting
