@@ -15,8 +15,9 @@ extern "C" {
 typedef struct DFTask DFTask;
 
 /* The cell of a site s is 0 below x[0]; k where x[k-1] <= s < x[k]; nx - 1 at x[nx-1]; nx above.
-   The breakpoints must increase; with a promise of order so must the sites. A site that is NaN gets
-   some cell from 0 to nx. */
+   Inner breakpoints of a uniform partition are i * step + x[0], rounded after the product and the
+   sum. The breakpoints must increase; with a promise of order so must the sites. A site that is NaN
+   gets some cell from 0 to nx. */
 
 /* The user's search. n: the number of sites of the block; cell: a guess for each, to be written;
    flag: 0 on entry, to be set nonzero where a cell is not to be corrected; params as given to the
