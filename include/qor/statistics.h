@@ -169,6 +169,9 @@ QOR_API int32_t __ostsSSEditMtxParametrz(SsTask* task, float* cor, const void* c
    Central moment 2, cov and the diagonal of cor divide by W - W2/W, W the sum of weights and W2 of
    their squares: n - 1 with unit weights. Central moments 3 and 4 divide by W. Kurtosis is the
    excess, c4/c2^2 - 3; skewness c3/c2^1.5; variation sqrt(c2)/mean.
+   Results that the precision can represent come out, whatever powers of data and weights there are
+   on the way; multiplying all weights by a power of two changes no bit of a moment. What an array
+   cannot hold between blocks, an infinite moment or sum of squared weights, is lost to them.
    Beside its own array an estimate needs others as working space, which are then written too:
      central moment k    mean, raw moments 2 to k
      kurtosis            mean, raw moments 2 to 4, central moments 2 and 4
