@@ -83,9 +83,9 @@ std::string certified(const std::string& folder) {
   const size_t name = column_index(csv, "dataset"), n = column_index(csv, "n");
   for (size_t i = 0; i < csv.rows(); ++i) {
     const std::string set(csv.cell(i, name).text);
+    const std::string file = std::string(folder).append("/strd/").append(set).append(".csv");
     const auto agreed = [&](bool fast) -> Digits {
-      const SummaryFigures f =
-          describe(folder + "/strd/" + set + ".csv", {"y"}, {fast, {}, false, 1});
+      const SummaryFigures f = describe(file, {"y"}, {fast, {}, false, 1});
       return {digits(f.mean[0], means[i]), digits(f.deviation[0], deviations[i])};
     };
     const Digits one_pass = agreed(false), fast = agreed(true);
