@@ -10,6 +10,7 @@
 #include "services/file.h"
 #include "services/services.h"
 #include "streams/chunks.h"
+#include "streams/generators/repair.h"
 #include "streams/image.h"
 #include "streams/record.h"
 #include "streams/registry.h"
@@ -157,6 +158,7 @@ Then read_chunk(Source& source, StreamState* stream, uint8_t version, int32_t& s
 template <class Source>
 int32_t read_contents(Source& source, const ImageHeader& header, StreamState* stream) {
   if (!source.read(stream + 1, header.state_bytes)) return QOR_STREAM_FILE_READ;
+  repair_state(stream);
   if (header.brng == QOR_BRNG_TRNG && __ostCPUisRDRAND() == 0) return QOR_STREAM_NO_RDRAND;
   int32_t status = QOR_STREAM_OK;
   for (uint32_t k = 0; k < header.chunks; ++k) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "services/services.h"
+#include "streams/generators/repair.h"
 #include "streams/record.h"
 #include "streams/registry.h"
 
@@ -63,6 +64,7 @@ int32_t __ostCopyStreamState(StreamState* destination, const StreamState* source
   const size_t room = std::min(generator_bytes(row), generator_bytes(row_of(destination)));
   qor_serv_memcpy_s(destination + 1, room, source + 1,
                     words < room ? static_cast<size_t>(words) : room);
+  repair_state(destination);
   __ostDeleteChunks(destination);
   return __ostCopyChunks(destination, source);
 }

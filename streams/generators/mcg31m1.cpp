@@ -5,6 +5,7 @@
 
 #include "streams/generators/output.h"
 #include "streams/generators/refusals.h"
+#include "streams/generators/repair.h"
 #include "streams/generators/wide.h"
 #include "streams/record.h"
 
@@ -25,16 +26,6 @@ constexpr double kUnit = 4.656612875245797e-10;  // nearest 1 / (2^31 - 1)
 uint32_t residue_or(uint32_t instead, uint32_t word) {
   word %= kModulus;
   return word != 0 ? word : instead;
-}
-
-// The state of a stream. One from outside may hold any words: they stand for their residues, and 0
-// for what creation puts in its place.
-State& sound_state(StreamState* stream) {
-  auto& state = state_of<State>(stream);
-  // One comparison each finds 0 and what lies beyond.
-  if (state.x - 1 >= kModulus - 1) state.x = residue_or(1, state.x);
-  if (state.a - 1 >= kModulus - 1) state.a = residue_or(kMultiplier, state.a);
-  return state;
 }
 
 // 2^31 is 1: the high part of a product is added to the low one.
@@ -86,7 +77,7 @@ void fill_words(State& state, int64_t n, void* r) {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  State& state = sound_state(stream);
+  auto& state = state_of<State>(stream);
   const MaskedExceptions masked;
   fill_reals(
       n, r, [&](int32_t count, uint32_t* words) { fill_words(state, count, words); },
@@ -109,6 +100,11 @@ void leapfrog(State& state, uint32_t k, int32_t stride) {
 
 }  // namespace
 
+void qor::streams::repair_mcg31m1(StreamState* stream) {
+  auto& state = state_of<State>(stream);
+  state = {residue_or(1, state.x), residue_or(kMultiplier, state.a)};
+}
+
 int32_t __ostBRngMCG31M1InitStream(int32_t method, StreamState* stream, int32_t n,
                                    const void* params) {
   switch (method) {
@@ -116,10 +112,10 @@ int32_t __ostBRngMCG31M1InitStream(int32_t method, StreamState* stream, int32_t 
       create(state_of<State>(stream), n, static_cast<const uint32_t*>(params));
       return QOR_STREAM_OK;
     case QOR_BRNG_LEAPFROG:
-      leapfrog(sound_state(stream), *static_cast<const uint32_t*>(params), n);
+      leapfrog(state_of<State>(stream), *static_cast<const uint32_t*>(params), n);
       return QOR_STREAM_OK;
     case QOR_BRNG_SKIP_AHEAD:
-      skip(sound_state(stream), *static_cast<const uint64_t*>(params));
+      skip(state_of<State>(stream), *static_cast<const uint64_t*>(params));
       return QOR_STREAM_OK;
     default:
       return refusal_of(method);
@@ -133,6 +129,6 @@ int32_t __ostdBRngMCG31M1(StreamState* stream, int32_t n, double* r, double a, d
   return fill(stream, n, r, a, b);
 }
 int32_t __ostiBRngMCG31M1(StreamState* stream, int32_t n, void* r) {
-  fill_words(sound_state(stream), n, r);
+  fill_words(state_of<State>(stream), n, r);
   return QOR_STREAM_OK;
 }

@@ -6,6 +6,7 @@
 
 #include "streams/generators/output.h"
 #include "streams/generators/refusals.h"
+#include "streams/generators/repair.h"
 #include "streams/generators/wide.h"
 #include "streams/record.h"
 
@@ -22,16 +23,6 @@ static_assert(sizeof(State) == 16);
 constexpr uint64_t kMask = (uint64_t{1} << 59) - 1;
 constexpr uint64_t kMultiplier = 302875106592253;  // 13^13
 constexpr double kUnit = 0x1p-59;
-
-// The state of a stream. One from outside may hold any words: they stand for their residues, 0 and
-// an even multiplier, under which all numbers end at 0, for what creation puts in their place.
-State& sound_state(StreamState* stream) {
-  auto& state = state_of<State>(stream);
-  if (state.x - 1 >= kMask) state.x = (state.x & kMask) != 0 ? state.x & kMask : 1;
-  if (state.a > kMask || state.a % 2 == 0)
-    state.a = state.a % 2 != 0 ? state.a & kMask : kMultiplier;
-  return state;
-}
 
 // Block form: kLanes consecutive outputs, each multiplied by a^kLanes a round.
 constexpr int kVectors = 4;
@@ -84,7 +75,7 @@ struct MapWords59 {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  State& state = sound_state(stream);
+  auto& state = state_of<State>(stream);
   const MaskedExceptions masked;
   fill_reals(
       n, r, [&](int32_t count, uint64_t* words) { fill_words(state, count, words); },
@@ -109,6 +100,13 @@ void leapfrog(State& state, uint32_t k, int32_t stride) {
 
 }  // namespace
 
+// Under an even multiplier all numbers end at 0.
+void qor::streams::repair_mcg59(StreamState* stream) {
+  auto& state = state_of<State>(stream);
+  const uint64_t x = state.x & kMask, a = state.a & kMask;
+  state = {x != 0 ? x : 1, a % 2 != 0 ? a : kMultiplier};
+}
+
 int32_t __ostBRngMCG59InitStream(int32_t method, StreamState* stream, int32_t n,
                                  const void* params) {
   switch (method) {
@@ -116,10 +114,10 @@ int32_t __ostBRngMCG59InitStream(int32_t method, StreamState* stream, int32_t n,
       create(state_of<State>(stream), n, static_cast<const uint32_t*>(params));
       return QOR_STREAM_OK;
     case QOR_BRNG_LEAPFROG:
-      leapfrog(sound_state(stream), *static_cast<const uint32_t*>(params), n);
+      leapfrog(state_of<State>(stream), *static_cast<const uint32_t*>(params), n);
       return QOR_STREAM_OK;
     case QOR_BRNG_SKIP_AHEAD:
-      skip(sound_state(stream), *static_cast<const uint64_t*>(params));
+      skip(state_of<State>(stream), *static_cast<const uint64_t*>(params));
       return QOR_STREAM_OK;
     default:
       return refusal_of(method);
@@ -133,6 +131,6 @@ int32_t __ostdBRngMCG59(StreamState* stream, int32_t n, double* r, double a, dou
   return fill(stream, n, r, a, b);
 }
 int32_t __ostiBRngMCG59(StreamState* stream, int32_t n, void* r) {
-  fill_words(sound_state(stream), n, r);
+  fill_words(state_of<State>(stream), n, r);
   return QOR_STREAM_OK;
 }

@@ -8,6 +8,7 @@
 #include "streams/generators/mrg32k3a_lanes.h"
 #include "streams/generators/output.h"
 #include "streams/generators/refusals.h"
+#include "streams/generators/repair.h"
 #include "streams/generators/wide.h"
 #include "streams/modular.h"
 #include "streams/record.h"
@@ -33,17 +34,6 @@ void make_sound(State& state) {
   }
   if ((state.x[0] | state.x[1] | state.x[2]) == 0) state.x[0] = 1;
   if ((state.y[0] | state.y[1] | state.y[2]) == 0) state.y[0] = 1;
-}
-
-// The state of a stream. One from outside may hold any words.
-State& sound_state(StreamState* stream) {
-  auto& state = state_of<State>(stream);
-  const auto [x, y] = state;
-  const bool sound = (x[0] < mrg_m1) & (x[1] < mrg_m1) & (x[2] < mrg_m1) & (y[0] < mrg_m2) &
-                     (y[1] < mrg_m2) & (y[2] < mrg_m2) & ((x[0] | x[1] | x[2]) != 0) &
-                     ((y[0] | y[1] | y[2]) != 0);
-  if (!sound) make_sound(state);
-  return state;
 }
 
 // ---- Scalar form --------------------------------------------------------------------------------
@@ -147,7 +137,7 @@ int64_t fill_rounds(State& state, int64_t n, Put put) {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  State& state = sound_state(stream);
+  auto& state = state_of<State>(stream);
   const MaskedExceptions masked;
   const Affine map{masked, a, b, kUnit};
   const int64_t done = fill_rounds(state, n, [&](int64_t i, WideReal words) {
@@ -194,6 +184,8 @@ int32_t skip_ahead_ex(State& state, int32_t n, const uint64_t* nskip) {
 
 }  // namespace
 
+void qor::streams::repair_mrg32k3a(StreamState* stream) { make_sound(state_of<State>(stream)); }
+
 int32_t __ostBRngMRG32K3AInitStream(int32_t method, StreamState* stream, int32_t n,
                                     const void* params) {
   auto& state = state_of<State>(stream);
@@ -218,7 +210,7 @@ int32_t __ostdBRngMRG32K3A(StreamState* stream, int32_t n, double* r, double a, 
   return fill(stream, n, r, a, b);
 }
 int32_t __ostiBRngMRG32K3A(StreamState* stream, int32_t n, void* r) {
-  State& state = sound_state(stream);
+  auto& state = state_of<State>(stream);
   const int64_t done = fill_rounds(state, n, [&](int64_t i, WideReal words) {
     const Wide bits = MrgLanes::words_of(words);
     for (int k = 0; k < wide_lanes; ++k)

@@ -3,6 +3,7 @@
 
 #include "streams/generators/output.h"
 #include "streams/generators/refusals.h"
+#include "streams/generators/repair.h"
 #include "streams/record.h"
 
 namespace {
@@ -22,14 +23,6 @@ struct State {
 static_assert(sizeof(State) == 1008);
 
 uint32_t next(uint32_t index) { return index + 1 < kRing ? index + 1 : 0; }
-
-// The state of a stream. One from outside may hold any indices: the second follows from the first.
-State& sound_state(StreamState* stream) {
-  auto& state = state_of<State>(stream);
-  if (state.i >= kRing) state.i %= kRing;
-  state.j = state.i < kLag ? state.i + kTap : state.i - kLag;
-  return state;
-}
 
 // Words in place in the ring: calls of less than a ring.
 void step_in_ring(State& s, int32_t n, void* r) {
@@ -63,9 +56,8 @@ void extend(char* r, int64_t n) {
 void fill_from_output(State& s, int64_t n, void* r) {
   constexpr int64_t block = 144;  // whole vectors, at most kLag
   step_in_ring(s, kRing, r);
-  int64_t t = kRing;
-  for (; t + block <= n; t += block) extend(static_cast<char*>(at<uint32_t>(r, t)), block);
-  extend(static_cast<char*>(at<uint32_t>(r, t)), n - t);
+  for (int64_t t = kRing; t < n; t += block)
+    extend(static_cast<char*>(at<uint32_t>(r, t)), std::min(block, n - t));
   std::memcpy(s.w, at<uint32_t>(r, n - kRing), sizeof s.w);
   s.i = 0;
   s.j = kTap;
@@ -81,7 +73,7 @@ void fill_words(State& state, int32_t n, void* r) {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  State& state = sound_state(stream);
+  auto& state = state_of<State>(stream);
   const MaskedExceptions masked;
   fill_reals(
       n, r, [&](int32_t count, uint32_t* words) { fill_words(state, count, words); },
@@ -113,6 +105,13 @@ void create(State& state, int32_t n, const uint32_t* seed) {
 
 }  // namespace
 
+// Any words will do, and the second index follows from the first.
+void qor::streams::repair_r250(StreamState* stream) {
+  auto& state = state_of<State>(stream);
+  state.i %= kRing;
+  state.j = (state.i + kTap) % kRing;
+}
+
 int32_t __ostBRngR250InitStream(int32_t method, StreamState* stream, int32_t n,
                                 const void* params) {
   if (method != QOR_BRNG_CREATE) return refusal_of(method);
@@ -127,6 +126,6 @@ int32_t __ostdBRngR250(StreamState* stream, int32_t n, double* r, double a, doub
   return fill(stream, n, r, a, b);
 }
 int32_t __ostiBRngR250(StreamState* stream, int32_t n, void* r) {
-  fill_words(sound_state(stream), n, r);
+  fill_words(state_of<State>(stream), n, r);
   return QOR_STREAM_OK;
 }

@@ -12,6 +12,7 @@
 #include "streams/generators/masked.h"
 #include "streams/generators/output.h"
 #include "streams/generators/refusals.h"
+#include "streams/generators/repair.h"
 #include "streams/generators/wh_table.h"
 #include "streams/generators/wide.h"
 #include "streams/record.h"
@@ -150,25 +151,11 @@ uint32_t residue_or(uint32_t instead, uint32_t word, uint32_t m) {
   return word != 0 ? word : instead;
 }
 
-// The state of a stream. One from outside may hold any words: they stand for their residues, and 0
-// for what creation puts in its place.
-State& sound_state(StreamState* stream) {
-  auto& state = state_of<State>(stream);
-  const WhRow& row = wh_rows[member_of(stream)];
-  for (int j = 0; j < 4; ++j) {
-    // One comparison each finds 0 and what lies beyond.
-    const uint32_t m = row.m[j];
-    if (state.x[j] - 1 >= m - 1) state.x[j] = residue_or(1, state.x[j], m);
-    if (state.a[j] - 1 >= m - 1) state.a[j] = residue_or(row.a[j], state.a[j], m);
-  }
-  return state;
-}
-
 // Shorter calls, and those in another rounding mode or with traps, run step by step.
 bool runs_in_blocks(int32_t n) { return n >= 2 * kSteps && has_usual_environment(); }
 
 void fill_words(StreamState* stream, int32_t n, void* r) {
-  State& state = sound_state(stream);
+  auto& state = state_of<State>(stream);
   const Member member(member_of(stream));
   using Words = std::array<uint32_t, 4>;
   int64_t i = 0;
@@ -186,7 +173,7 @@ void fill_words(StreamState* stream, int32_t n, void* r) {
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
   const MaskedExceptions masked;
-  State& state = sound_state(stream);
+  auto& state = state_of<State>(stream);
   const Member member(member_of(stream));
   const double scale = masked.hold(b) - masked.hold(a);
   int64_t i = 0;
@@ -236,6 +223,15 @@ void leapfrog(State& state, const WhRow& row, uint32_t k, int32_t stride) {
 
 }  // namespace
 
+void qor::streams::repair_wh(StreamState* stream) {
+  auto& state = state_of<State>(stream);
+  const WhRow& row = wh_rows[member_of(stream)];
+  for (int j = 0; j < 4; ++j) {
+    state.x[j] = residue_or(1, state.x[j], row.m[j]);
+    state.a[j] = residue_or(row.a[j], state.a[j], row.m[j]);
+  }
+}
+
 int32_t __ostBRngWHInitStream(int32_t method, StreamState* stream, int32_t n, const void* params) {
   const WhRow& row = wh_rows[member_of(stream)];
   switch (method) {
@@ -243,10 +239,10 @@ int32_t __ostBRngWHInitStream(int32_t method, StreamState* stream, int32_t n, co
       create(state_of<State>(stream), row, n, static_cast<const uint32_t*>(params));
       return QOR_STREAM_OK;
     case QOR_BRNG_LEAPFROG:
-      leapfrog(sound_state(stream), row, *static_cast<const uint32_t*>(params), n);
+      leapfrog(state_of<State>(stream), row, *static_cast<const uint32_t*>(params), n);
       return QOR_STREAM_OK;
     case QOR_BRNG_SKIP_AHEAD:
-      skip(sound_state(stream), row, *static_cast<const uint64_t*>(params));
+      skip(state_of<State>(stream), row, *static_cast<const uint64_t*>(params));
       return QOR_STREAM_OK;
     default:
       return refusal_of(method);
