@@ -14,3 +14,4 @@
 #include "kernels/lanes/polynomial.h"
 #include "kernels/lanes/tables.h"
 #include "kernels/lanes/types.h"
+#include "kernels/lanes/whole.h"

@@ -1,4 +1,4 @@
-// Makes kernels/tables/exp_tables.h: powers of two in two parts, and polynomials of the
+// Makes kernels/exponential/tables/exp_tables.h: powers of two in two parts, and polynomials of the
 // exponentials.
 
 #include <array>

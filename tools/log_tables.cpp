@@ -1,12 +1,12 @@
-// Makes kernels/tables/log_tables.h: reciprocals of mantissas and the logarithms that undo them, in
-// two parts.
+// Makes kernels/logarithm/tables/log_tables.h: reciprocals of mantissas and the logarithms that
+// undo them, in two parts.
 
 #include <array>
 #include <cmath>
 #include <cstdlib>
 #include <string>
 
-#include "kernels/log_constants.h"
+#include "kernels/logarithm/constants.h"
 #include "tools/table_writer.h"
 
 namespace {

@@ -1,5 +1,5 @@
-// Makes kernels/tables/pow_tables.h: cells for the logarithm of the powers, and the polynomial of
-// 2^f of their single form.
+// Makes kernels/power/tables/pow_tables.h: cells for the logarithm of the powers, and the
+// polynomial of 2^f of their single form.
 //
 // Cell i of a table with 2^bits cells holds the z in [a, 2 a) whose image, less that of a, has i in
 // its leading mantissa bits; a is just below 3/4 such that 1 is the middle of a cell. A row holds

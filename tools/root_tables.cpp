@@ -1,4 +1,5 @@
-// Makes kernels/tables/root_tables.h: cells of the mantissa for powers with a rational exponent.
+// Makes kernels/root/tables/root_tables.h: cells of the mantissa for powers with a rational
+// exponent.
 //
 // A row belongs to a cell [1 + j/32, 1 + (j+1)/32) with the center c = 1 + (j + 1/2)/32, and to a
 // rest k of the exponent: it holds (2^k c)^s in two parts, c and 1 / c, at index 32 k + j.

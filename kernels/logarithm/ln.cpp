@@ -1,0 +1,56 @@
+// Ln: the natural logarithm, single and double.
+//
+// Method.   see core.h; single without register tables: x = 2^e (1 + r) with |r| <= 1/3, and
+//           a polynomial at r.
+// Accuracy. see docs/accuracy.md; below 1 ulp (s), below 0.55 ulp (d), denormals included; ln 1 =
+// 0. Special.  +-0 -> -inf code 2; x < 0 -> NaN code 1; +inf -> +inf; NaN -> quiet NaN.
+
+#include "kernels/frame/rows.h"
+#include "kernels/logarithm/core.h"
+#include "kernels/logarithm/scalar.h"
+
+namespace qor::kernels {
+namespace {
+
+using lanes::all;
+using lanes::image;
+using lanes::multiply_add;
+
+struct SLn : Unary<float> {
+  static constexpr const char* name = "vsLn";
+  using Base = log_vector::Natural<float>;
+  static constexpr int32_t split = 0x3F2AAAAB;  // 2/3
+  // (ln(1 + r) - r) / r^2
+  static constexpr float table_free[] = {-0x1.08059p-3f, 0x1.1e66bap-3f,  -0x1.f3113cp-4f,
+                                         0x1.1ed718p-3f, -0x1.559dccp-3f, 0x1.99d028p-3f,
+                                         -0x1.fffefp-3f, 0x1.555506p-2f,  -0.5f};
+
+  V core(V x) const {
+    if constexpr (lanes::has_fma) return log_vector::logarithm<Base>(x);
+    const I above_split = image(x) - split;
+    const V e = lanes::to_float(above_split >> 23);
+    const V r = lanes::from_image((above_split & 0x7FFFFF) + split) - 1.0f;
+    const V ln_m = multiply_add(r * r, lanes::horner(r, table_free), r);
+    return multiply_add(e, all(Base::two_high), multiply_add(e, all(Base::two_low), ln_m));
+  }
+  Doubt care(V x) const { return log_vector::care(x); }
+  Outcome<float> scalar(float x) const { return log_scalar::logarithm<log_constants::Natural>(x); }
+};
+
+struct DLn : Unary<double> {
+  static constexpr const char* name = "vdLn";
+  using Base = log_vector::Natural<double>;
+
+  V core(V x) const { return log_vector::logarithm<Base>(x); }
+  Doubt care(V x) const { return log_vector::care(x); }
+  Outcome<double> scalar(double x) const {
+    return log_scalar::logarithm<log_constants::Natural>(x);
+  }
+};
+
+}  // namespace
+
+QOR_FILL_ROW(s, Ln, unary, A, 1, SLn)
+QOR_FILL_ROW(d, Ln, unary, A, 1, DLn)
+
+}  // namespace qor::kernels

@@ -1,0 +1,31 @@
+// Log2: the binary logarithm, single and double.
+//
+// Method.   see core.h.
+// Accuracy. see docs/accuracy.md; below 1 ulp, denormals included; exact at powers of two.
+// Special.  +-0 -> -inf code 2; x < 0 -> NaN code 1; +inf -> +inf; NaN -> quiet NaN.
+
+#include "kernels/frame/rows.h"
+#include "kernels/logarithm/core.h"
+#include "kernels/logarithm/scalar.h"
+
+namespace qor::kernels {
+namespace {
+
+template <class T>
+struct Log2 : Unary<T> {
+  static constexpr const char* name = std::is_same_v<T, float> ? "vsLog2" : "vdLog2";
+  using Base = log_vector::Binary<T>;
+  static constexpr int registers = log_vector::registers;
+  using typename Unary<T>::V;
+
+  V core(V x) const { return log_vector::logarithm<Base>(x); }
+  lanes::Doubt<T> care(V x) const { return log_vector::care(x); }
+  Outcome<T> scalar(T x) const { return log_scalar::logarithm<log_constants::Binary>(x); }
+};
+
+}  // namespace
+
+QOR_FILL_ROW(s, Log2, unary, A, 1, Log2<float>)
+QOR_FILL_ROW(d, Log2, unary, A, 1, Log2<double>)
+
+}  // namespace qor::kernels

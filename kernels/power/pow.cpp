@@ -1,0 +1,37 @@
+// Pow: x^y, single and double; the double has an HA kernel of its own.
+//
+// Method.   2^(y log2 x), the logarithm and the product in two parts (d) or in double (s); see
+//           pow_log2.h, pow_double.h, pow_single.h.
+// Accuracy. see docs/accuracy.md; d HA below 0.6 ulp, LA and EP below 1 ulp; s below 0.51 ulp.
+// Special.  IEEE values; 0 to a negative power and a negative x to a fraction code 1, overflow
+//           code 3, underflow nothing. pow(-1, +-inf) = 1; pow(x, 0) = pow(1, y) = 1, NaN too.
+
+#include "kernels/frame/rows.h"
+#include "kernels/power/special.h"
+
+namespace qor::kernels {
+namespace {
+
+struct SPow : Binary<float> {
+  static constexpr const char* name = "vsPow";
+  Provisional<float> core(V x, V y) const { return spow::power(x, y); }
+  Doubt care(V x, V y) const { return spow::care(x, y); }
+  Outcome<float> scalar(float x, float y) const { return pow_scalar(x, y); }
+};
+
+template <bool accurate>
+struct DPow : Binary<double> {
+  static constexpr int registers = dpow::registers;
+  static constexpr const char* name = "vdPow";
+  Provisional<double> core(V x, V y) const { return dpow::power<accurate>(x, y); }
+  Doubt care(V x, V y) const { return dpow::care(x, y); }
+  Outcome<double> scalar(double x, double y) const { return pow_scalar(x, y); }
+};
+
+}  // namespace
+
+QOR_FILL_ROW(s, Pow, binary, A, 1, SPow)
+QOR_FILL_ROW(d, Pow, binary, A, 0, DPow<false>)
+QOR_FILL_ROW(d, Pow, binary, B, 1, DPow<true>)
+
+}  // namespace qor::kernels
