@@ -73,9 +73,9 @@ void search_uniform_sorted(int64_t nx, const Real* x, int64_t nsite, const Real*
     auto inside = V{} == V{};
     for (int64_t j = 0; j < site_group; j += kLanes) {
       const V s = lanes::load(site + i + j);
-      inside &= (s >= lanes::all(low)) & (s <= lanes::all(high));
+      inside &= (s >= lanes::broadcast(low)) & (s <= lanes::broadcast(high));
     }
-    if (c == of_high && lanes::bits(inside) == lanes::first_lanes(kLanes)) {
+    if (c == of_high && lanes::lane_bits(inside) == lanes::first_lanes(kLanes)) {
       std::fill_n(cell + i, site_group, c);
     } else {
       search_uniform(nx, x, site_group, site + i, step, cell + i);
@@ -128,8 +128,9 @@ inline void merge_group(const Real* above, const Real* site, int32_t c, int32_t*
   for (int64_t j = 0; j < site_group; j += Lanes::count) {
     const typename Lanes::V s = lanes::load(site + j);
     // A comparison that holds is -1 in its lane.
-    const typename Lanes::M steps = (s >= lanes::all(above[0])) + (s >= lanes::all(above[1])) +
-                                    (s >= lanes::all(above[2])) + (s >= lanes::all(above[3]));
+    const typename Lanes::M steps =
+        (s >= lanes::broadcast(above[0])) + (s >= lanes::broadcast(above[1])) +
+        (s >= lanes::broadcast(above[2])) + (s >= lanes::broadcast(above[3]));
     const Cells cells = c - __builtin_convertvector(steps, Cells);
     __builtin_memcpy(cell + j, &cells, sizeof cells);
   }
@@ -165,7 +166,7 @@ bool ascends_from(Real first, int64_t nsite, const Real* site) {
   for (; i + kLanes <= nsite; i += kLanes) {
     ascends &= lanes::load(site + i - 1) <= lanes::load(site + i);
   }
-  bool all = lanes::bits(ascends) == lanes::first_lanes(kLanes);
+  bool all = lanes::lane_bits(ascends) == lanes::first_lanes(kLanes);
   for (; i < nsite; ++i) all = all && site[i - 1] <= site[i];
   return all;
 }

@@ -56,7 +56,7 @@ struct Abs : Simple<T, 1> {
 
   V core(V argument) const {
     const V x = lanes::loaded_once(argument);
-    return x * lanes::with_sign(lanes::all(T{1}), x);
+    return x * lanes::with_sign(lanes::broadcast(T{1}), x);
   }
 };
 

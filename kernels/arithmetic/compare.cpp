@@ -19,9 +19,9 @@ namespace {
 template <class T>
 struct Comparison : Binary<T> {
   using typename Binary<T>::V;
-  using typename Binary<T>::Doubt;
+  using typename Binary<T>::LaneSet;
   static constexpr int registers = 4;
-  Doubt care(V a, V b) const { return lanes::unordered(a, b); }
+  LaneSet special(V a, V b) const { return lanes::unordered(a, b); }
 };
 
 // The element chosen where a NaN takes no part: `choose` decides between two numbers.
@@ -93,10 +93,10 @@ struct MinMag : Comparison<T> {
 template <class T>
 struct Fdim : Comparison<T> {
   using typename Comparison<T>::V;
-  using typename Comparison<T>::Doubt;
+  using typename Comparison<T>::LaneSet;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsFdim" : "vdFdim";
 
-  Doubt care(V a, V b) const { return lanes::not_finite(a) | lanes::not_finite(b); }
+  LaneSet special(V a, V b) const { return lanes::not_finite(a) | lanes::not_finite(b); }
 
   // a - a for a <= b, which is +0: the difference not asked for cannot overflow.
   V core(V a, V b) const { return a - lanes::minimum(b, a); }

@@ -27,7 +27,7 @@ Outcome<T> divide_by_zero(T a, T b) {
 template <class T>
 struct Inv : Unary<T> {
   using typename Unary<T>::V;
-  using typename Unary<T>::Doubt;
+  using typename Unary<T>::LaneSet;
   static constexpr int registers = 4;
   static constexpr bool is_single = sizeof(T) == sizeof(float);
   static constexpr const char* name = is_single ? "vsInv" : "vdInv";
@@ -35,14 +35,14 @@ struct Inv : Unary<T> {
   static constexpr Environment environment = kDivision<T>;
 
   V core(V x) const { return T{1} / x; }
-  Doubt care(V x) const { return lanes::equal(x, V{}); }
+  LaneSet special(V x) const { return lanes::equal(x, V{}); }
   Outcome<T> scalar(T x) const { return divide_by_zero(T{1}, x); }
 };
 
 template <class T>
 struct Div : Binary<T> {
   using typename Binary<T>::V;
-  using typename Binary<T>::Doubt;
+  using typename Binary<T>::LaneSet;
   static constexpr int registers = 4;
   static constexpr bool is_single = sizeof(T) == sizeof(float);
   static constexpr const char* name = is_single ? "vsDiv" : "vdDiv";
@@ -50,7 +50,7 @@ struct Div : Binary<T> {
   static constexpr Environment environment = kDivision<T>;
 
   V core(V a, V b) const { return a / b; }
-  Doubt care(V, V b) const { return lanes::equal(b, V{}); }
+  LaneSet special(V, V b) const { return lanes::equal(b, V{}); }
   Outcome<T> scalar(T a, T b) const { return divide_by_zero(a, b); }
 };
 

@@ -30,24 +30,24 @@ TwoOutcomes<T> special_parts(T x) {
 template <class T>
 struct Frac : Unary<T> {
   using typename Unary<T>::V;
-  using typename Unary<T>::Doubt;
+  using typename Unary<T>::LaneSet;
   static constexpr int registers = 4;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsFrac" : "vdFrac";
 
   V core(V x) const { return finite_parts(x).second; }
-  Doubt care(V x) const { return lanes::not_finite(x); }
+  LaneSet special(V x) const { return lanes::not_finite(x); }
   Outcome<T> scalar(T x) const { return {special_parts(x).second}; }
 };
 
 template <class T>
 struct Modf : Function<T, 1, 2> {
   using typename Function<T, 1, 2>::V;
-  using typename Function<T, 1, 2>::Doubt;
+  using typename Function<T, 1, 2>::LaneSet;
   static constexpr int registers = 4;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsModf" : "vdModf";
 
   lanes::Two<V> core(V x) const { return finite_parts(x); }
-  Doubt care(V x) const { return lanes::not_finite(x); }
+  LaneSet special(V x) const { return lanes::not_finite(x); }
   TwoOutcomes<T> scalar(T x) const { return special_parts(x); }
 };
 

@@ -15,7 +15,7 @@
 namespace qor::kernels {
 namespace {
 
-using lanes::all;
+using lanes::broadcast;
 using lanes::multiply_add;
 
 template <class T>
@@ -30,7 +30,8 @@ struct Ratio : Simple<T, 2> {
   using typename Simple<T, 2>::V;
   Scalars<T> s;
   V core(V a, V b) const {
-    return multiply_add(a, all(s.a_scale), s.a_shift) / multiply_add(b, all(s.b_scale), s.b_shift);
+    return multiply_add(a, broadcast(s.a_scale), s.a_shift) /
+           multiply_add(b, broadcast(s.b_scale), s.b_shift);
   }
 };
 
@@ -38,21 +39,21 @@ template <class T>
 struct Line : Simple<T, 1> {
   using typename Simple<T, 1>::V;
   T scale, shift;
-  V core(V a) const { return multiply_add(a, all(scale), shift); }
+  V core(V a) const { return multiply_add(a, broadcast(scale), shift); }
 };
 
 template <class T>
 struct LineTimes : Simple<T, 1> {
   using typename Simple<T, 1>::V;
   T scale, shift, factor;
-  V core(V a) const { return multiply_add(a, all(scale), shift) * factor; }
+  V core(V a) const { return multiply_add(a, broadcast(scale), shift) * factor; }
 };
 
 template <class T>
 struct Hyperbola : Simple<T, 1> {
   using typename Simple<T, 1>::V;
   T numerator, scale, shift;
-  V core(V b) const { return numerator / multiply_add(b, all(scale), shift); }
+  V core(V b) const { return numerator / multiply_add(b, broadcast(scale), shift); }
 };
 
 // ---- Vectors --------------------------------------------------------------------------------

@@ -1,6 +1,6 @@
 // Logb: the exponent of a number as a number, single and double.
 //
-// Method.   the biased exponent of the image, less the bias; exact.
+// Method.   the biased exponent, less the bias; exact.
 // Special.  +-0 -> -inf code 1; +-inf -> +inf; NaN -> quiet NaN; denormals count as normalised.
 
 #include <cmath>
@@ -14,22 +14,22 @@ namespace qor::kernels {
 namespace {
 
 using lanes::abs;
-using lanes::image;
+using lanes::bits;
 
 // Zeros, infinities and NaN; else the exponent of `scaled`, less that of 1.0 and of the scale.
-template <class T, class Image>
-Outcome<T> logb_scalar(T x, T scale, int fraction_bits, Image bias) {
+template <class T, class Bits>
+Outcome<T> logb_scalar(T x, T scale, int fraction_bits, Bits bias) {
   if (x == T{0}) return {pole(T{-1}), QOR_ERROR_DOMAIN};
   if (!std::isfinite(x)) return {std::fabs(x * T{1})};
-  const Image biased = std::bit_cast<Image>(std::fabs(x) * scale) >> fraction_bits;
+  const Bits biased = std::bit_cast<Bits>(std::fabs(x) * scale) >> fraction_bits;
   return {static_cast<T>(biased - bias)};
 }
 
 struct SLogb : Unary<float> {
   static constexpr const char* name = "vsLogb";
 
-  V core(V x) const { return lanes::to_float((image(abs(x)) >> 23) - 127); }
-  Doubt care(V x) const { return log_vector::care(abs(x)); }
+  V core(V x) const { return lanes::to_float((bits(abs(x)) >> 23) - 127); }
+  LaneSet special(V x) const { return log_vector::special(abs(x)); }
   Outcome<float> scalar(float x) const {
     return logb_scalar(x, limits::slog::denormal_scale, 23, 127 + 25);
   }
@@ -39,7 +39,7 @@ struct DLogb : Unary<double> {
   static constexpr const char* name = "vdLogb";
 
   V core(V x) const { return lanes::exponent(abs(x)); }
-  Doubt care(V x) const { return log_vector::care(abs(x)); }
+  LaneSet special(V x) const { return log_vector::special(abs(x)); }
   Outcome<double> scalar(double x) const {
     return logb_scalar(x, limits::dlog::denormal_scale, 52, int64_t{1023 + 55});
   }

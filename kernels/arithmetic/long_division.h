@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <limits>
 
+#include "kernels/scalar/bits.h"
+
 namespace qor::kernels {
 
 // A magnitude as significand * 2^exponent, the significand normalised to all its digits.
@@ -15,13 +17,14 @@ struct Scaled {
   uint64_t significand;
   int exponent;
 
-  // Of an image of a finite magnitude that is not 0; 2^0 is the last place of the denormals.
-  static Scaled of(uint64_t image) {
-    const auto field = static_cast<int>(image >> (digits - 1));
+  // Of the magnitude of x, finite and not 0; 2^0 is the last place of the denormals.
+  static Scaled of(T x) {
+    const auto bits = static_cast<uint64_t>(magnitude_bits(x));
+    const auto field = static_cast<int>(bits >> (digits - 1));
     const uint64_t leading = uint64_t{1} << (digits - 1);
-    if (field != 0) return {(image & (leading - 1)) | leading, field - 1};
-    const int shift = std::countl_zero(image) - (64 - digits);
-    return {image << shift, -shift};
+    if (field != 0) return {(bits & (leading - 1)) | leading, field - 1};
+    const int shift = std::countl_zero(bits) - (64 - digits);
+    return {bits << shift, -shift};
   }
 };
 
@@ -46,7 +49,7 @@ inline Division divide(const Scaled<T>& x, const Scaled<T>& y) {
   return {rest, (quotient & 1) != 0};
 }
 
-// The image of significand * 2^exponent, a number of the type: the significand has no more than its
+// The bits of significand * 2^exponent, a number of the type: the significand has no more than its
 // digits, and no bit below the last place of the denormals.
 template <class T>
 inline uint64_t compose(uint64_t significand, int exponent) {

@@ -1,6 +1,6 @@
 // CopySign, NextAfter, single and double.
 //
-// Method.   NextAfter steps the image of x by one, away from zero or towards it.
+// Method.   NextAfter steps the bits of x by one, away from zero or towards it.
 // Accuracy. exact.
 // Special.  CopySign moves bits, NaN included. NextAfter: a NaN in either gives their sum; x = y
 //           gives y; beyond the largest number infinity, code 3; a denormal or zero, code 4.
@@ -11,6 +11,7 @@
 
 #include "kernels/frame/rows.h"
 #include "kernels/frame/simple.h"
+#include "kernels/scalar/bits.h"
 #include "kernels/scalar/signals.h"
 
 namespace qor::kernels {
@@ -22,15 +23,7 @@ struct CopySign : Simple<T, 2> {
   V core(V a, V b) const { return lanes::with_sign(lanes::abs(a), b); }
 };
 
-// Images of magnitudes order as the magnitudes do, and do so when denormals count as zero.
-template <class T>
-using ImageOf = typename lanes::Lanes<T>::Integer;
-template <class T>
-ImageOf<T> magnitude_image(T x) {
-  return std::bit_cast<ImageOf<T>>(x) & std::numeric_limits<ImageOf<T>>::max();
-}
-
-// Magnitudes that the vector path steps, one from either end of the normal range, by their images
+// Magnitudes that the vector path steps, one from either end of the normal range, by their bits
 // (high words of a double).
 template <class T>
 struct Steppable {
@@ -45,38 +38,38 @@ template <class T>
 struct NextAfter : Binary<T> {
   using typename Binary<T>::V;
   using typename Binary<T>::I;
-  using typename Binary<T>::Doubt;
+  using typename Binary<T>::LaneSet;
   static constexpr int registers = 4;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsNextAfter" : "vdNextAfter";
 
   V core(V x, V y) const {
     const I towards_zero = (x > T{0}) ^ (y > x);  // where x and y differ
     const I step = (towards_zero | 1) & (x != y);
-    return lanes::from_image(lanes::image(x) + step);
+    return lanes::from_bits(lanes::bits(x) + step);
   }
 
-  Doubt care(V x, V y) const {
+  LaneSet special(V x, V y) const {
     return lanes::magnitude_outside(x, Steppable<T>::first, Steppable<T>::last) |
            lanes::not_finite(y);
   }
 
   Outcome<T> scalar(T x, T y) const {
     if (std::isnan(x) || std::isnan(y)) return {nan_of(x, y)};
-    const ImageOf<T> from = magnitude_image(x), to = magnitude_image(y);
+    const Bits<T> from = magnitude_bits(x), to = magnitude_bits(y);
     const bool same_sign = std::signbit(x) == std::signbit(y);
     if (from == to && (same_sign || from == 0)) return {y};
     if (from == 0) return step_to(1, y);
     return step_to(same_sign && from < to ? from + 1 : from - 1, x);
   }
 
-  // The magnitude with this image and the sign of `sign`, with the flag and code of a step there.
-  static Outcome<T> step_to(ImageOf<T> magnitude, T sign) {
+  // The magnitude with these bits and the sign of `sign`, with the flag and code of a step there.
+  static Outcome<T> step_to(Bits<T> magnitude, T sign) {
     const T value = std::copysign(std::bit_cast<T>(magnitude), sign);
-    if (magnitude >= magnitude_image(std::numeric_limits<T>::infinity())) {
+    if (magnitude >= magnitude_bits(std::numeric_limits<T>::infinity())) {
       opaque(overflowed<T>());
       return {value, QOR_ERROR_OVERFLOW};
     }
-    if (magnitude < magnitude_image(std::numeric_limits<T>::min())) {
+    if (magnitude < magnitude_bits(std::numeric_limits<T>::min())) {
       opaque(underflowed<T>());
       return {value, QOR_ERROR_UNDERFLOW};
     }

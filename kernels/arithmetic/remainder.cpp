@@ -17,6 +17,7 @@
 #include "kernels/arithmetic/long_division.h"
 #include "kernels/arithmetic/rounding_core.h"
 #include "kernels/frame/rows.h"
+#include "kernels/scalar/bits.h"
 #include "kernels/scalar/signals.h"
 
 namespace qor::kernels {
@@ -37,7 +38,7 @@ struct Reach {
   static constexpr int quotient_bits = lanes::has_fma ? digits : low_bits;
 };
 
-// Operands of the vector path, by the images of their magnitudes (high words of a double). A
+// Operands of the vector path, by the bits of their magnitudes (high words of a double). A
 // divisor is so large that nothing on the way is denormal, so that it does not matter how the mode
 // treats denormals; a dividend so small that the product with a quotient rounded up does not
 // overflow.
@@ -52,14 +53,14 @@ struct Operands<double> {
   static constexpr int32_t last_dividend = 0x7FDFFFFF;
 };
 
-// Lanes whose quotient of magnitudes may reach the bound: images less than m steps of the exponent
+// Lanes whose quotient of magnitudes may reach the bound: bits less than m steps of the exponent
 // apart mean a quotient below 2^(m + 1).
-inline lanes::Doubt<float> far_apart(lanes::f32 x, lanes::f32 y) {
-  const lanes::i32 apart = lanes::image(lanes::abs(x)) - lanes::image(lanes::abs(y));
+inline lanes::LaneSet<float> far_apart(lanes::f32 x, lanes::f32 y) {
+  const lanes::i32 apart = lanes::bits(lanes::abs(x)) - lanes::bits(lanes::abs(y));
   return lanes::above(apart, (Reach<float>::quotient_bits - 1) << 23);
 }
-inline lanes::Doubt<double> far_apart(lanes::f64 x, lanes::f64 y) {
-  const lanes::i64 apart = lanes::image(lanes::abs(x)) - lanes::image(lanes::abs(y));
+inline lanes::LaneSet<double> far_apart(lanes::f64 x, lanes::f64 y) {
+  const lanes::i64 apart = lanes::bits(lanes::abs(x)) - lanes::bits(lanes::abs(y));
   return lanes::high_word_above(apart, ((Reach<double>::quotient_bits - 1) << 20) - 1);
 }
 
@@ -73,13 +74,13 @@ inline V reduce(V x, V y) {
   } else {
     using Integer = typename lanes::Lanes<T>::Integer;
     constexpr Integer high_mask = ~((Integer{1} << Reach<T>::low_bits) - 1);
-    const V high = lanes::from_image(lanes::image(y) & high_mask);
+    const V high = lanes::from_bits(lanes::bits(y) & high_mask);
     return (x - q * high) - q * (y - high);
   }
 }
 
 template <class T, class V>
-inline lanes::Doubt<T> beyond_vector_path(V x, V y) {
+inline lanes::LaneSet<T> beyond_vector_path(V x, V y) {
   return lanes::magnitude_above(x, Operands<T>::last_dividend) |
          lanes::magnitude_outside(y, Operands<T>::first_divisor, Operands<T>::last_divisor) |
          far_apart(x, y);
@@ -87,17 +88,10 @@ inline lanes::Doubt<T> beyond_vector_path(V x, V y) {
 
 template <class V, class M>
 inline V where(M mask, V x) {
-  return lanes::from_image(lanes::image(x) & mask);
+  return lanes::from_bits(lanes::bits(x) & mask);
 }
 
 // ---- Scalar ---------------------------------------------------------------------------------
-
-template <class T>
-uint64_t magnitude_image(T x) {
-  using Image = std::conditional_t<sizeof(T) == sizeof(float), uint32_t, uint64_t>;
-  return std::bit_cast<Image>(x) &
-         static_cast<Image>(std::numeric_limits<typename lanes::Lanes<T>::Integer>::max());
-}
 
 // significand * 2^exponent with the sign of x, or the other one.
 template <class T>
@@ -109,15 +103,14 @@ T compose_signed(uint64_t significand, int exponent, T x, bool opposite = false)
 
 template <class T>
 T fmod_by_long_division(T x, T y) {
-  const uint64_t image_x = magnitude_image(x), image_y = magnitude_image(y);
-  if (image_x < image_y) return x;
-  const auto a = Scaled<T>::of(image_x), b = Scaled<T>::of(image_y);
+  if (magnitude_bits(x) < magnitude_bits(y)) return x;
+  const auto a = Scaled<T>::of(x), b = Scaled<T>::of(y);
   return compose_signed(divide(a, b).rest, b.exponent, x);
 }
 
 template <class T>
 T remainder_by_long_division(T x, T y) {
-  const auto a = Scaled<T>::of(magnitude_image(x)), b = Scaled<T>::of(magnitude_image(y));
+  const auto a = Scaled<T>::of(x), b = Scaled<T>::of(y);
   if (a.exponent < b.exponent) {
     const bool above_half = a.exponent == b.exponent - 1 && a.significand > b.significand;
     if (!above_half) return x;
@@ -137,7 +130,7 @@ template <class T>
 struct Fmod : Binary<T> {
   using typename Binary<T>::V;
   using typename Binary<T>::M;
-  using typename Binary<T>::Doubt;
+  using typename Binary<T>::LaneSet;
   static constexpr int registers = 2;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsFmod" : "vdFmod";
 
@@ -149,12 +142,12 @@ struct Fmod : Binary<T> {
     return lanes::with_sign(below ? a : rest, x);
   }
 
-  Doubt care(V x, V y) const { return beyond_vector_path<T>(x, y); }
+  LaneSet special(V x, V y) const { return beyond_vector_path<T>(x, y); }
 
   Outcome<T> scalar(T x, T y) const {
     if (std::isnan(x) || std::isnan(y)) return {nan_of(x, y)};
-    if (magnitude_image(y) == 0 || std::isinf(x)) return {undefined<T>(), QOR_ERROR_SINGULARITY};
-    if (std::isinf(y) || magnitude_image(x) == 0) return {x};
+    if (magnitude_bits(y) == 0 || std::isinf(x)) return {undefined<T>(), QOR_ERROR_SINGULARITY};
+    if (std::isinf(y) || magnitude_bits(x) == 0) return {x};
     return {fmod_by_long_division(x, y)};
   }
 };
@@ -163,7 +156,7 @@ template <class T>
 struct Remainder : Binary<T> {
   using typename Binary<T>::V;
   using typename Binary<T>::M;
-  using typename Binary<T>::Doubt;
+  using typename Binary<T>::LaneSet;
   static constexpr int registers = 2;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsRemainder" : "vdRemainder";
   static constexpr T nan_factor = static_cast<T>(1.7);  // any factor quiets a NaN
@@ -173,17 +166,17 @@ struct Remainder : Binary<T> {
     const M below = a <= half;
     const V r = reduce(where(~below, a), b);
     const V rest = r - lanes::with_sign(where(lanes::abs(r) > half, b), r);
-    return lanes::from_image(lanes::image(below ? a : rest) ^ lanes::sign_bit(x));
+    return lanes::from_bits(lanes::bits(below ? a : rest) ^ lanes::sign_bit(x));
   }
 
-  Doubt care(V x, V y) const { return beyond_vector_path<T>(x, y); }
+  LaneSet special(V x, V y) const { return beyond_vector_path<T>(x, y); }
 
   Outcome<T> scalar(T x, T y) const {
     if (std::isnan(x)) return {x * nan_factor};
     if (std::isnan(y)) return {y * nan_factor};
-    if (magnitude_image(y) == 0) return {undefined<T>(), QOR_ERROR_DOMAIN};
+    if (magnitude_bits(y) == 0) return {undefined<T>(), QOR_ERROR_DOMAIN};
     if (std::isinf(x)) return {undefined<T>()};
-    if (std::isinf(y) || magnitude_image(x) == 0) return {x};
+    if (std::isinf(y) || magnitude_bits(x) == 0) return {x};
     return {remainder_by_long_division(x, y)};
   }
 };

@@ -31,14 +31,14 @@ struct Shifted {
   // An integer with the sign of x, and the lanes that passed by.
   V finish(V integer) const {
     const V signed_integer = lanes::with_sign(integer, small);
-    return lanes::from_image(lanes::image(signed_integer) | lanes::image(passed));
+    return lanes::from_bits(lanes::bits(signed_integer) | lanes::bits(passed));
   }
 };
 
 // x, a signalling NaN quieted: a product with a 1 that the compiler does not see.
 template <class V>
 inline V quieted(V x) {
-  V one = lanes::all(ElementOf<V>{1});
+  V one = lanes::broadcast(ElementOf<V>{1});
   asm("" : "+x"(one));
   return x * one;
 }
@@ -55,8 +55,8 @@ template <class V>
 inline Shifted<V> shift(V x) {
   constexpr auto s = kShift<ElementOf<V>>;
   const auto large = lanes::magnitude_from(lanes::abs(x), s);
-  const V small = lanes::from_image(lanes::image(x) & ~large);
-  const V passed = lanes::from_image(lanes::image(quieted(x)) & large);
+  const V small = lanes::from_bits(lanes::bits(x) & ~large);
+  const V passed = lanes::from_bits(lanes::bits(quieted(x)) & large);
   const V magnitude = lanes::abs(small);
   return {small, passed, magnitude, nearest_of_magnitude(magnitude)};
 }
@@ -64,7 +64,7 @@ inline Shifted<V> shift(V x) {
 // 1 in the lanes of a mask, +0 elsewhere.
 template <class V, class M>
 inline V one_where(M mask) {
-  return lanes::from_image(lanes::image(lanes::all(ElementOf<V>{1})) & mask);
+  return lanes::from_bits(lanes::bits(lanes::broadcast(ElementOf<V>{1})) & mask);
 }
 
 template <class V>
@@ -106,8 +106,8 @@ inline V half_away(V x) {
   if constexpr (lanes::has_round) {
     constexpr T below_half = half - std::numeric_limits<T>::epsilon() / 4;
     const V once = lanes::loaded_once(x);
-    return lanes::round_to<Direction::to_zero>(once +
-                                               lanes::with_sign(lanes::all(below_half), once));
+    return lanes::round_to<Direction::to_zero>(
+        once + lanes::with_sign(lanes::broadcast(below_half), once));
   }
   const Shifted<V> s = shift(x);
   return s.finish(s.nearest + one_where<V>(s.magnitude - s.nearest == half));

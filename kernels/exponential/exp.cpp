@@ -1,7 +1,7 @@
 // Exp: e^x, single and double.
 //
 // Method.   x = k ln2/N + r; e^x = 2^(k/N) e^r, the power from a table in two parts and an exponent
-//           added to its image, e^r - 1 by a polynomial (Tang, 1989).
+//           added to its bits, e^r - 1 by a polynomial (Tang, 1989).
 // Accuracy. see docs/accuracy.md; below 0.55 ulp (d), below 1 ulp (s), denormal results included.
 // Special.  -inf -> +0; +inf -> +inf; NaN -> quiet NaN; overflow code 3; denormal result or 0
 //           code 4.
@@ -16,7 +16,7 @@
 namespace qor::kernels {
 namespace {
 
-using lanes::all;
+using lanes::broadcast;
 
 // ---- Single ---------------------------------------------------------------------------------
 
@@ -31,16 +31,16 @@ struct SExp : Unary<float> {
   // (e^r - 1 - r) / r^2
   static V tail(V r) {
     if constexpr (exp_core::short_tables<float>) return lanes::horner(r, tables::exp_float_16);
-    return all(0.5f);
+    return broadcast(0.5f);
   }
 
   V core(V x) const {
-    const auto [r, bits] = exp_core::reduce(x, step);
-    return exp_core::times_power<128>(lanes::multiply_add(r * r, tail(r), r), bits);
+    const auto [r, shifted] = exp_core::reduce(x, step);
+    return exp_core::times_power<128>(lanes::multiply_add(r * r, tail(r), r), shifted);
   }
 
-  Doubt care(V x) const {
-    return lanes::above(lanes::image(lanes::abs(x)), limits::sexp::fast_image);
+  LaneSet special(V x) const {
+    return lanes::above(lanes::bits(lanes::abs(x)), limits::sexp::fast_image);
   }
 
   Outcome<float> scalar(float x) const {
@@ -54,8 +54,8 @@ struct SExp : Unary<float> {
 
   M settle(V x, V& y) const {
     const M over = x > limits::sexp::overflow, under = x < limits::sexp::underflow;
-    y = over ? all(std::numeric_limits<float>::infinity()) : y;
-    y = under ? all(0.0f) : y;
+    y = over ? broadcast(std::numeric_limits<float>::infinity()) : y;
+    y = under ? broadcast(0.0f) : y;
     return over | under;
   }
 };
@@ -71,19 +71,19 @@ struct DExp : Unary<double> {
 
   V core(V x) const {
     if constexpr (exp_core::short_tables<double>) {
-      const auto [r, head, small, bits] = exp_core::reduce_in_parts(x, step);
+      const auto [r, head, small, shifted] = exp_core::reduce_in_parts(x, step);
       const V rest = lanes::multiply_add(r * r, lanes::horner(r, tables::exp_double_16), -small);
-      return exp_core::times_short_power(head, rest, bits);
+      return exp_core::times_short_power(head, rest, shifted);
     } else {
-      const auto [r, bits] = exp_core::reduce(x, step);
+      const auto [r, shifted] = exp_core::reduce(x, step);
       const V p = lanes::horner(r, 0x1.111112d9f549bp-7, 0x1.555573f218b93p-5, 0x1.555555555653ep-3,
                                 0x1.fffffffffdb3bp-2);
-      return exp_core::times_power<64>(lanes::multiply_add(r * r, p, r), bits);
+      return exp_core::times_power<64>(lanes::multiply_add(r * r, p, r), shifted);
     }
   }
 
-  Doubt care(V x) const {
-    return lanes::high_word_above(lanes::image(lanes::abs(x)), limits::dexp::fast_high_word);
+  LaneSet special(V x) const {
+    return lanes::high_word_above(lanes::bits(lanes::abs(x)), limits::dexp::fast_high_word);
   }
 
   Outcome<double> scalar(double x) const {
@@ -97,8 +97,8 @@ struct DExp : Unary<double> {
 
   M settle(V x, V& y) const {
     const M over = x > limits::dexp::overflow, under = x < limits::dexp::underflow;
-    y = over ? all(std::numeric_limits<double>::infinity()) : y;
-    y = under ? all(0.0) : y;
+    y = over ? broadcast(std::numeric_limits<double>::infinity()) : y;
+    y = under ? broadcast(0.0) : y;
     return over | under;
   }
 };

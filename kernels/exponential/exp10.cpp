@@ -22,7 +22,7 @@ constexpr double kStepLow = 0x1.e7fbcc47c4acdp-46;      // and the rest
 constexpr double kDecimal[] = {0x1.1427c87c70a85p-1, 0x1.2bd77b840f0bfp+0, 0x1.0470591e2bc1p+1,
                                0x1.53524c73cd20ap+1, 0x1.26bb1bbb55515p+1};
 
-exp_scalar::Parts parts(double x) {
+exp_scalar::ScaledSum parts(double x) {
   const double t = kStepsPerUnit * x + exp_scalar::shifter;
   const double k = t - exp_scalar::shifter;
   const double r = (x - k * kStepHigh) - k * kStepLow;
@@ -48,12 +48,12 @@ struct SExp10 : Unary<float> {
   }
 
   V core(V x) const {
-    const auto [r, bits] = exp_core::reduce(x, step);
-    return exp_core::times_power<128>(growth(r), bits);
+    const auto [r, shifted] = exp_core::reduce(x, step);
+    return exp_core::times_power<128>(growth(r), shifted);
   }
 
-  Doubt care(V x) const {
-    return lanes::above(lanes::image(lanes::abs(x)), limits::sexp10::fast_image);
+  LaneSet special(V x) const {
+    return lanes::above(lanes::bits(lanes::abs(x)), limits::sexp10::fast_image);
   }
 
   Outcome<float> scalar(float x) const {
@@ -76,20 +76,20 @@ struct DExp10 : Unary<double> {
 
   V core(V x) const {
     if constexpr (exp_core::short_tables<double>) {
-      const auto [r, head, small, bits] = exp_core::reduce_in_parts(x, step);
+      const auto [r, head, small, shifted] = exp_core::reduce_in_parts(x, step);
       const V growth = lanes::horner(r, tables::exp10_double_16);
       return exp_core::times_short_power(head + head,
-                                         lanes::multiply_add(growth, r, -(small + small)), bits);
+                                         lanes::multiply_add(growth, r, -(small + small)), shifted);
     } else {
-      const auto [r, bits] = exp_core::reduce(x, step);
+      const auto [r, shifted] = exp_core::reduce(x, step);
       const V p = lanes::horner(r, 0x1.144c03efafb54p-1, 0x1.2bd767584db59p+0, 0x1.0470591ccea8bp+1,
                                 0x1.53524c73ce8e3p+1, 0x1.26bb1bbb55516p+1);
-      return exp_core::times_power<128>(p * r, bits);
+      return exp_core::times_power<128>(p * r, shifted);
     }
   }
 
-  Doubt care(V x) const {
-    return lanes::high_word_above(lanes::image(lanes::abs(x)), limits::dexp10::fast_high_word);
+  LaneSet special(V x) const {
+    return lanes::high_word_above(lanes::bits(lanes::abs(x)), limits::dexp10::fast_high_word);
   }
 
   Outcome<double> scalar(double x) const {

@@ -13,7 +13,7 @@
 namespace qor::kernels {
 namespace {
 
-using lanes::all;
+using lanes::broadcast;
 
 // ---- Shared by both scalar routines ---------------------------------------------------------
 
@@ -22,7 +22,7 @@ constexpr double kShifter = 0x1.8p+46;  // a unit of 1/64
 constexpr double kBinary[] = {0x1.5d870c4d8440ap-10, 0x1.3b2ad33f8b48bp-7, 0x1.c6b08d7076268p-5,
                               0x1.ebfbdff82a23ap-3, 0x1.62e42fefa39efp-1};
 
-exp_scalar::Parts parts(double x) {
+exp_scalar::ScaledSum parts(double x) {
   const double t = x + kShifter;
   const double r = x - (t - kShifter);
   return exp_scalar::parts(exp_scalar::polynomial(r, kBinary) * r, exp_scalar::low_integer(t));
@@ -43,12 +43,12 @@ struct SExp2 : Unary<float> {
   }
 
   V core(V x) const {
-    const auto [r, bits] = exp_core::reduce(x, shifter);
-    return exp_core::times_power<64>(tail(r) * r, bits);
+    const auto [r, shifted] = exp_core::reduce(x, shifter);
+    return exp_core::times_power<64>(tail(r) * r, shifted);
   }
 
-  Doubt care(V x) const {
-    return lanes::above(lanes::image(lanes::abs(x)), limits::sexp2::fast_image);
+  LaneSet special(V x) const {
+    return lanes::above(lanes::bits(lanes::abs(x)), limits::sexp2::fast_image);
   }
 
   Outcome<float> scalar(float x) const {
@@ -68,17 +68,17 @@ struct DExp2 : Unary<double> {
   static constexpr double shifter = exp_scalar::shifter / exp_core::steps<double, 64>;
 
   V core(V x) const {
-    const auto [r, bits] = exp_core::reduce(x, shifter);
+    const auto [r, shifted] = exp_core::reduce(x, shifter);
     if constexpr (exp_core::short_tables<double>) {
       const V rest = lanes::horner(r, tables::exp2_double_16) * r;
-      return exp_core::times_short_power(r * all(0.5), rest, bits);
+      return exp_core::times_short_power(r * broadcast(0.5), rest, shifted);
     } else {
-      return exp_core::times_power<64>(lanes::horner(r, kBinary) * r, bits);
+      return exp_core::times_power<64>(lanes::horner(r, kBinary) * r, shifted);
     }
   }
 
-  Doubt care(V x) const {
-    return lanes::high_word_above(lanes::image(lanes::abs(x)), limits::dexp2::fast_high_word);
+  LaneSet special(V x) const {
+    return lanes::high_word_above(lanes::bits(lanes::abs(x)), limits::dexp2::fast_high_word);
   }
 
   Outcome<double> scalar(double x) const {

@@ -16,8 +16,8 @@
 namespace qor::kernels {
 namespace {
 
-using lanes::all;
-using lanes::image;
+using lanes::bits;
+using lanes::broadcast;
 using lanes::multiply_add;
 
 struct SExpm1 : Unary<float> {
@@ -32,18 +32,18 @@ struct SExpm1 : Unary<float> {
   using Exact = lanes::Two<V>;
 
   // e^x - 1 from the terms of a table kept in registers (multiply-add; k step is exact).
-  static V by_short_table(V r, V k, I bits) {
-    const V a =
-        lanes::from_image(image(lanes::look_up(tables::exp2_float_16_bases, bits)) + (bits << 19));
+  static V by_short_table(V r, V k, I shifted) {
+    const V a = lanes::from_bits(bits(lanes::look_up(tables::exp2_float_16_bases, shifted)) +
+                                 (shifted << 19));
     const V lost =
-        multiply_add(k, all(-step.low), lanes::look_up(tables::exp2_float_16_rests, bits));
+        multiply_add(k, broadcast(-step.low), lanes::look_up(tables::exp2_float_16_rests, shifted));
     // (1 + lost) e^r - 1 - r
     const V growth = lanes::horner(r, tables::exp_float_16);
     const V tail = multiply_add(r, multiply_add(r, growth, lost), lost);
     // Between 1/2 and 2^24, a - 1 is exact.
-    const auto huge = a > all(0x1p24f);
-    const V less_one = huge ? a : a - all(1.0f);
-    const V rest = huge ? all(-1.0f) : a - (less_one + all(1.0f));
+    const auto huge = a > broadcast(0x1p24f);
+    const V less_one = huge ? a : a - broadcast(1.0f);
+    const V rest = huge ? broadcast(-1.0f) : a - (less_one + broadcast(1.0f));
     const V y = multiply_add(a, r, less_one);
     return y + multiply_add(a, tail, multiply_add(a, r, less_one - y) + rest);
   }
@@ -54,11 +54,11 @@ struct SExpm1 : Unary<float> {
   }
 
   // The first 12 bits.
-  static V head(V x) { return lanes::from_image(image(x) & static_cast<int32_t>(0xFFFFF000)); }
+  static V head(V x) { return lanes::from_bits(bits(x) & static_cast<int32_t>(0xFFFFF000)); }
 
   // (a - 1) + a r, |a r| below |a - 1| or a = 1.
   static Exact leading_terms(V a, V r) {
-    const Exact b = sum(a, all(-1.0f));
+    const Exact b = sum(a, broadcast(-1.0f));
     const V a_head = head(a), r_head = head(r);
     const V product = a_head * r_head;  // exact
     const V rest = a_head * (r - r_head) + (a - a_head) * r;
@@ -67,9 +67,9 @@ struct SExpm1 : Unary<float> {
   }
 
   // The same from the terms of a table in memory.
-  static V by_long_table(V r, V lost, I bits) {
-    const V scale = exp_core::power<6>(bits);
-    const auto row = lanes::gather_rows(tables::exp2_float_64, bits & 63);
+  static V by_long_table(V r, V lost, I shifted) {
+    const V scale = exp_core::power<6>(shifted);
+    const auto row = lanes::gather_entries(tables::exp2_float_64, shifted & 63);
     const V growth = lanes::horner(r, 0x1.55557ep-3f, 0x1.00001ep-1f);
     const V tail = multiply_add(r * r, growth, lost);
     const V rest = multiply_add(row.first, tail, multiply_add(row.second, r, row.second));
@@ -78,23 +78,23 @@ struct SExpm1 : Unary<float> {
   }
 
   V core(V argument) const {
-    const V x = lanes::maximum(argument, all(saturated));
-    const V t = multiply_add(x, all(step.per_unit), step.shifter);
+    const V x = lanes::maximum(argument, broadcast(saturated));
+    const V t = multiply_add(x, broadcast(step.per_unit), step.shifter);
     const V k = t - step.shifter;
-    const V head_of_r = multiply_add(k, all(-step.high), x);  // exact
+    const V head_of_r = multiply_add(k, broadcast(-step.high), x);  // exact
     V result;
     if constexpr (exp_core::short_tables<float>) {
-      result = by_short_table(head_of_r, k, image(t));
+      result = by_short_table(head_of_r, k, bits(t));
     } else {
-      const V r = multiply_add(k, all(-step.low), head_of_r);
-      const V lost = multiply_add(k, all(-step.low), head_of_r - r);
-      result = by_long_table(r, lost, image(t));
+      const V r = multiply_add(k, broadcast(-step.low), head_of_r);
+      const V lost = multiply_add(k, broadcast(-step.low), head_of_r - r);
+      result = by_long_table(r, lost, bits(t));
     }
     return lanes::with_sign(result, argument);  // -0 too
   }
 
-  Doubt care(V x) const {
-    return lanes::above(image(x), limits::sexpm1::fast_image) | lanes::not_finite(x);
+  LaneSet special(V x) const {
+    return lanes::above(bits(x), limits::sexpm1::fast_image) | lanes::not_finite(x);
   }
 
   // Large arguments and special ones: an exponential, where the 1 is lost anyway.

@@ -16,6 +16,7 @@
 #include "kernels/exponential/limits.h"
 #include "kernels/exponential/scalar.h"
 #include "kernels/frame/rows.h"
+#include "kernels/scalar/bits.h"
 
 namespace qor::kernels {
 namespace {
@@ -29,11 +30,9 @@ constexpr double kStepsPerUnit = 0x1.71547652b82fep+7;  // 128 / ln 2
 constexpr double kStepHigh = 0x1.62e42p-8;              // ln 2 / 128, its first 20 bits
 constexpr double kStepLow = 0x1.fdf473de6af28p-29;      // and the rest
 
-constexpr int64_t bits_of(double x) { return std::bit_cast<int64_t>(x); }
-
 // Loaded by itself, so that the x87 unit loads x from where it is: a value that goes through the
 // stack to the unit and back costs as much as all the arithmetic.
-inline int64_t image_in_memory(const double& x) {
+inline int64_t bits_in_memory(const double& x) {
   const double* from = &x;
   asm("" : "+r"(from));
   int64_t bits;
@@ -41,7 +40,7 @@ inline int64_t image_in_memory(const double& x) {
   return bits;
 }
 
-// `Number` is what the arithmetic is done in. Decisions look at integer images: a comparison would
+// `Number` is what the arithmetic is done in. Decisions look at integer bits: a comparison would
 // look at MXCSR.
 template <class Number>
 struct DExpm1 : Unary<double> {
@@ -75,14 +74,14 @@ struct DExpm1 : Unary<double> {
   // 2^n (high + rest) - 1, high of 32 bits.
   static Number assemble(double high, Number rest, int32_t n) {
     if (n < -20) {  // the 1 leads
-      const Number scale = exp_scalar::power_of_two(n + 1023);
+      const Number scale = power_of_two<double>(n);
       return (high * scale + rest * scale) - 1.0;
     }
     if (n > 52) {  // the power leads, up to 2^1024
-      const Number half_scale = exp_scalar::power_of_two(n + 1022);
+      const Number half_scale = power_of_two<double>(n - 1);
       return (high * half_scale + (rest * half_scale - 0.5)) * 2.0;
     }
-    const double scale = exp_scalar::power_of_two(n + 1023);
+    const double scale = power_of_two<double>(n);
     const double leading = high * scale - 1.0;  // exact, whatever MXCSR says
     return leading + rest * scale;
   }
@@ -105,13 +104,13 @@ struct DExpm1 : Unary<double> {
   // too many bits for the sums that their products go into.
   static bool raises_x87_inexact(const double& x) {
     if constexpr (!std::is_same_v<Number, long double>) return false;
-    const int64_t magnitude = image_in_memory(x) & INT64_MAX;
+    const int64_t magnitude = bits_in_memory(x) & INT64_MAX;
     return magnitude >= bits_of(tiny) && magnitude <= bits_of(-saturated);
   }
 
   // The value of an element, and its code.
   int32_t evaluate(const double& x, double& y) const {
-    const int64_t bits = image_in_memory(x), magnitude = bits & INT64_MAX;
+    const int64_t bits = bits_in_memory(x), magnitude = bits & INT64_MAX;
     if (magnitude < bits_of(small)) {
       if (magnitude < bits_of(tiny)) {
         y = static_cast<double>(Number{x} * opaque(1.0));

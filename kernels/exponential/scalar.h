@@ -7,6 +7,7 @@
 
 #include "kernels/exponential/tables/exp_tables.h"
 #include "kernels/frame.h"
+#include "kernels/scalar/bits.h"
 #include "kernels/scalar/signals.h"
 
 namespace qor::kernels::exp_scalar {
@@ -41,42 +42,34 @@ Outcome<T> underflow() {
 // ---- 2^(m/64) (1 + p) -----------------------------------------------------------------------
 
 // (q + t) 2^(m >> 6), q small against t.
-struct Parts {
+struct ScaledSum {
   double q, t;
   int32_t m;
 };
 
-inline Parts parts(double p, int32_t m) {
+inline ScaledSum parts(double p, int32_t m) {
   const auto& row = tables::exp2_relative_64[m & 63];
   return {(p + row.low) * row.high, row.high, m};
 }
 
-// 2^(exponent - 1023)
-inline double power_of_two(int32_t exponent) {
-  return std::bit_cast<double>(static_cast<int64_t>(exponent) << 52);
-}
-
-// The biased exponent of the scale 2^(m >> 6), with `bias` for 1.0.
-inline int32_t scale_exponent(int32_t m, int32_t bias) { return ((m >> 6) + bias) & 0x7FF; }
-
 // The value, for results that are normal.
-inline double scale_normal(const Parts& e) {
+inline double scale_normal(const ScaledSum& e) {
   const double sum = e.q + e.t;
-  const int32_t exponent = scale_exponent(e.m, 1023);
-  if (exponent > 2046) return sum * power_of_two(exponent - 1) * 2.0;
-  return sum * power_of_two(exponent);
+  const int32_t n = e.m >> 6;
+  if (n > 1023) return sum * power_of_two<double>(n - 1) * 2.0;
+  return sum * power_of_two<double>(n);
 }
 
 // The same for results that may be denormal: worked out 2^60 times too large, split so that the
 // last step rounds once.
-inline double scale_denormal(const Parts& e) {
+inline double scale_denormal(const ScaledSum& e) {
   constexpr double down = 0x1p-60;
   constexpr double split = 0x1.8p+32;
-  const int32_t exponent = scale_exponent(e.m, 1083);
-  const double power = opaque(power_of_two(exponent));
+  const int32_t n = e.m >> 6;
+  const double power = opaque(power_of_two<double>(n + 60));
   const double v = e.q * power, w = e.t * power;
   const double s = v + w;
-  if (exponent <= 50) return s * down;
+  if (n <= -1033) return s * down;
   const double h = (s + s * split) - s * split;
   const double error = (w - s + v) + (s - h);
   return h * down + error * down;
@@ -84,7 +77,7 @@ inline double scale_denormal(const Parts& e) {
 
 // The outcome of a result within the type's range, with the code of a denormal one.
 template <class T>
-Outcome<T> in_range(const Parts& e, bool denormal) {
+Outcome<T> in_range(const ScaledSum& e, bool denormal) {
   if (denormal) return {static_cast<T>(scale_denormal(e)), QOR_ERROR_UNDERFLOW};
   return {static_cast<T>(scale_normal(e))};
 }
@@ -104,19 +97,19 @@ inline double polynomial(double r, const double (&coefficients)[5]) {
   return sum;
 }
 
-inline Parts natural_parts(double r, int32_t m) {
+inline ScaledSum natural_parts(double r, int32_t m) {
   return parts(polynomial(r, natural) * r * r + r, m);
 }
 
 // e^x where it is within float's range. The smaller part of a step goes first.
-inline Parts natural_of_float(double x) {
+inline ScaledSum natural_of_float(double x) {
   const double t = steps_per_unit * x + shifter;
   const double k = t - shifter;
   return natural_parts((x - k * step_low) - k * step_high, low_integer(t));
 }
 
 // e^x where it is within double's range. The larger part goes first.
-inline Parts natural_of_double(double x) {
+inline ScaledSum natural_of_double(double x) {
   const double t = steps_per_unit * x + shifter;
   const double k = t - shifter;
   return natural_parts((x - k * step_high) - k * step_low, low_integer(t));

@@ -24,9 +24,9 @@ struct TwoOutcomes {
 // What a core answers that finds out on its way which lanes it cannot do, from an intermediate
 // value that the input decides. Such lanes must raise no flag of their own.
 template <class T>
-struct Provisional {
+struct Checked {
   typename lanes::Lanes<T>::V value;
-  lanes::Doubt<T> doubt;
+  lanes::LaneSet<T> special;
 };
 
 // Constants that most functions share; a function's struct takes them from here and hides what it
@@ -37,10 +37,10 @@ struct Function {
   using V = typename lanes::Lanes<T>::V;
   using I = typename lanes::Lanes<T>::I;
   using M = typename lanes::Lanes<T>::M;
-  using Doubt = lanes::Doubt<T>;
+  using LaneSet = lanes::LaneSet<T>;
   static constexpr int inputs = input_count;
   static constexpr int outputs = output_count;
-  static constexpr T filler = static_cast<T>(0.75);
+  static constexpr T stand_in = static_cast<T>(0.75);
   static constexpr Environment environment{};
   static constexpr Environment strided_environment{};
 };

@@ -9,9 +9,9 @@ namespace qor::kernels {
 
 // Lanes of a block that need care, as bits.
 template <class F>
-inline uint32_t careful_lanes(const F& f, const Inputs<F>& x) {
+inline uint32_t special_lanes(const F& f, const Inputs<F>& x) {
   if constexpr (has_side_path<F>) {
-    return lanes::bits(care(f, x));
+    return lanes::lane_bits(special_of(f, x));
   } else {
     return 0;
   }
@@ -29,17 +29,17 @@ inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i, in
     for (int r = 0; r < F::registers; ++r) {
       for (int k = 0; k < F::inputs; ++k) x[r].at[k] = vectors.load(k, i + r * width);
     }
-    auto doubt = care(f, x[0]);
-    for (int r = 1; r < F::registers; ++r) doubt = doubt | care(f, x[r]);
-    if (lanes::bits(doubt) != 0) [[unlikely]]
+    auto found = special_of(f, x[0]);
+    for (int r = 1; r < F::registers; ++r) found = found | special_of(f, x[r]);
+    if (lanes::lane_bits(found) != 0) [[unlikely]]
       return i;
     Computed<F> block[F::registers];
-    uint32_t careful = 0;
+    uint32_t special = 0;
     for (int r = 0; r < F::registers; ++r) {
       block[r] = compute(f, x[r]);
-      careful |= block[r].careful;
+      special |= block[r].special;
     }
-    if (careful != 0) [[unlikely]]
+    if (special != 0) [[unlikely]]
       return i;
     for (int r = 0; r < F::registers; ++r) {
       for (int k = 0; k < F::outputs; ++k) vectors.store(k, i + r * width, block[r].y.at[k]);
@@ -59,10 +59,10 @@ template <class F, class Vectors>
   for (; i + width <= n; i += width) {
     Inputs<F> x;
     for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i);
-    if (careful_lanes(f, x) != 0) [[unlikely]]
+    if (special_lanes(f, x) != 0) [[unlikely]]
       return i;
     const Computed<F> block = compute(f, x);
-    if (block.careful != 0) [[unlikely]]
+    if (block.special != 0) [[unlikely]]
       return i;
     for (int k = 0; k < F::outputs; ++k) vectors.store(k, i, block.y.at[k]);
   }
@@ -81,7 +81,7 @@ template <class F, class Vectors>
     if constexpr (has_side_path<F>) {
       Inputs<F> x;
       for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i);
-      const Outputs<F> y = careful_block(f, vectors, i, x, careful_lanes(f, x), mode);
+      const Outputs<F> y = special_block(f, vectors, i, x, special_lanes(f, x), mode);
       for (int k = 0; k < F::outputs; ++k) vectors.store(k, i, y.at[k]);
     }
   }
@@ -89,15 +89,15 @@ template <class F, class Vectors>
   const int left = static_cast<int>(n - i);
   Inputs<F> x;
   for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load_first(k, i, left);
-  const uint32_t careful = careful_lanes(f, x);
+  const uint32_t special = special_lanes(f, x);
   const Outputs<F> y = [&] {
     if constexpr (has_side_path<F>) {
-      if (careful == 0) {
+      if (special == 0) {
         const Computed<F> block = compute(f, x);
-        if (block.careful == 0) [[likely]]
+        if (block.special == 0) [[likely]]
           return block.y;
       }
-      return careful_block(f, vectors, i, x, careful, mode);
+      return special_block(f, vectors, i, x, special, mode);
     } else {
       return compute(f, x).y;
     }

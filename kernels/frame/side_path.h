@@ -12,7 +12,7 @@ namespace qor::kernels {
 template <class F>
 struct Computed {
   Outputs<F> y;
-  uint32_t careful = 0;
+  uint32_t special = 0;
 };
 
 template <class F>
@@ -26,8 +26,8 @@ inline Computed<F> compute(const F& f, const Inputs<F>& x) {
   }();
   if constexpr (F::outputs == 2) {
     return {{y.first, y.second}};
-  } else if constexpr (requires { y.doubt; }) {
-    return {{y.value}, lanes::bits(y.doubt)};
+  } else if constexpr (requires { y.special; }) {
+    return {{y.value}, lanes::lane_bits(y.special)};
   } else {
     return {{y}};
   }
@@ -35,15 +35,15 @@ inline Computed<F> compute(const F& f, const Inputs<F>& x) {
 
 template <class F>
 inline constexpr bool has_side_path = requires {
-  &F::care;
+  &F::special;
 };
 
 template <class F>
-inline auto care(const F& f, const Inputs<F>& x) {
+inline auto special_of(const F& f, const Inputs<F>& x) {
   if constexpr (F::inputs == 1) {
-    return f.care(x.at[0]);
+    return f.special(x.at[0]);
   } else {
-    return f.care(x.at[0], x.at[1]);
+    return f.special(x.at[0], x.at[1]);
   }
 }
 
@@ -85,38 +85,38 @@ int32_t run_scalar(const F& f, const LaneBuffer<typename F::Real, F::inputs>& x,
   return outcome.code;
 }
 
-// Takes the lanes out of `careful` whose values a few selects can give when nobody is to hear of
+// Takes the lanes out of `special` whose values a few selects can give when nobody is to hear of
 // them (the error field is NOERR alone), for functions with `settle(x, y)`: it changes y and
 // returns the mask of the lanes done.
 template <class F>
 uint32_t settle_lanes(const F& f, uint32_t mode, const Inputs<F>& x, Outputs<F>& y,
-                      uint32_t careful) {
+                      uint32_t special) {
   if constexpr (requires { &F::settle; }) {
     if ((mode & QOR_MODE_ERRORS) == QOR_MODE_ERRORS_NOERR) {
-      return careful & ~lanes::bits(f.settle(x.at[0], y.at[0]));
+      return special & ~lanes::lane_bits(f.settle(x.at[0], y.at[0]));
     }
   }
-  return careful;
+  return special;
 }
 
 // A block with lanes that need care, from element i on: the others take the vector path (where
-// these hold the filler, so that they raise no stray flag), these the scalar routine in ascending
+// these hold the stand_in, so that they raise no stray flag), these the scalar routine in ascending
 // order. A lane with a code is stored and reported at once, and read back: the report may change
 // it.
 template <class F, class Vectors>
-[[gnu::cold, gnu::noinline]] Outputs<F> careful_block(const F& f, const Vectors& vectors, int64_t i,
-                                                      Inputs<F> x, uint32_t careful,
+[[gnu::cold, gnu::noinline]] Outputs<F> special_block(const F& f, const Vectors& vectors, int64_t i,
+                                                      Inputs<F> x, uint32_t special,
                                                       uint32_t mode) {
   const LaneBuffer<typename F::Real, F::inputs> arguments(x);
   LaneBuffer<typename F::Real, F::inputs> calm(x);
-  for (uint32_t rest = careful; rest != 0; rest &= rest - 1) {
-    for (auto& row : calm.at) row[std::countr_zero(rest)] = F::filler;
+  for (uint32_t rest = special; rest != 0; rest &= rest - 1) {
+    for (auto& row : calm.at) row[std::countr_zero(rest)] = F::stand_in;
   }
   auto [y, more] = compute(f, calm.block());
-  careful |= more;
-  careful = settle_lanes(f, mode, x, y, careful);
+  special |= more;
+  special = settle_lanes(f, mode, x, y, special);
   LaneBuffer<typename F::Real, F::outputs> results(y);
-  for (uint32_t rest = careful; rest != 0; rest &= rest - 1) {
+  for (uint32_t rest = special; rest != 0; rest &= rest - 1) {
     const int lane = std::countr_zero(rest);
     const int32_t code = run_scalar(f, arguments, results, lane);
     if (code == QOR_ERROR_NONE) continue;

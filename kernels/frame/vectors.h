@@ -28,7 +28,7 @@ struct Contiguous {
 
   typename F::V load(int k, int64_t i) const { return lanes::load(in[k] + i); }
   typename F::V load_first(int k, int64_t i, int count) const {
-    return lanes::load_first(in[k] + i, count, F::filler);
+    return lanes::load_first(in[k] + i, count, F::stand_in);
   }
   void store(int k, int64_t i, typename F::V y) const { lanes::store(out[k] + i, y); }
   void store_first(int k, int64_t i, int count, typename F::V y) const {
@@ -55,11 +55,11 @@ struct Strided {
 
   typename F::V load(int k, int64_t i) const {
     if (in_inc[k] == 1) return lanes::load(in[k] + i);
-    if (in_inc[k] == 0) return lanes::all(in[k][0]);
+    if (in_inc[k] == 0) return lanes::broadcast(in[k][0]);
     return lanes::load_strided(in[k] + i * in_inc[k], in_inc[k]);
   }
   typename F::V load_first(int k, int64_t i, int count) const {
-    typename F::V x = lanes::all(F::filler);
+    typename F::V x = lanes::broadcast(F::stand_in);
     for (int lane = 0; lane < count; ++lane) x[lane] = in[k][(i + lane) * in_inc[k]];
     return x;
   }

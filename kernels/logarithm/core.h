@@ -23,9 +23,9 @@
 
 namespace qor::kernels::log_vector {
 
-using lanes::all;
-using lanes::from_image;
-using lanes::image;
+using lanes::bits;
+using lanes::broadcast;
+using lanes::from_bits;
 using lanes::Lanes;
 using lanes::multiply_add;
 
@@ -43,7 +43,7 @@ inline constexpr int registers = 2;
 
 // Images of 1 and of the parts of a number.
 template <class T>
-struct Format : log_constants::Format<T> {
+struct BitLayout : log_constants::Format<T> {
   using Base = log_constants::Format<T>;
   using Integer = typename Lanes<T>::Integer;
   static constexpr Integer exponent_step = Integer{1} << Base::fraction_bits;
@@ -77,8 +77,8 @@ inline Pair<T> add_exponent(V<T> e, Pair<T> row) {
   if constexpr (Base::two_low == 0) {
     return {e + row.first, row.second};
   } else {
-    return {multiply_add(e, all(Base::two_high), row.first),
-            multiply_add(e, all(Base::two_low), row.second)};
+    return {multiply_add(e, broadcast(Base::two_high), row.first),
+            multiply_add(e, broadcast(Base::two_low), row.second)};
   }
 }
 
@@ -98,7 +98,7 @@ inline lanes::f64 add_up(lanes::f64 high, lanes::f64 lead, lanes::f64 low, lanes
 // enough for its rounding, and that of the sum with it, to be kept.
 template <class T>
 inline V<T> add_up_apart(Pair<T> log, V<T> r, V<T> p) {
-  const V<T> half = all(T{-0.5});
+  const V<T> half = broadcast(T{-0.5});
   const V<T> square = r * r, square_low = multiply_add(r, r, -square);
   const V<T> first = log.first + r, second = multiply_add(square, half, first);
   const V<T> lost = multiply_add(square, half, first - second) + (r - (first - log.first));
@@ -121,25 +121,25 @@ inline V polynomial(V x, const T (&coefficients)[count]) {
 // bits of m and with the others are exact; with slope 1 so is their sum.
 template <class Base, class R, class T = typename Base::Real>
 inline V<T> by_rows(V<T> x, R rest) {
-  using F = Format<T>;
-  constexpr int bits = Base::row_bits;
-  constexpr auto unit = F::one - bits * F::exponent_step;  // the image of 2^-bits
-  constexpr T shifter = F::shifter - (1 << (bits - 1));    // the least c has row 0
-  const V<T> m = from_image((image(x) & F::fraction) | unit);
+  using F = BitLayout<T>;
+  constexpr int row_bits = Base::row_bits;
+  constexpr auto unit = F::one - row_bits * F::exponent_step;  // the bits of 2^-row_bits
+  constexpr T shifter = F::shifter - (1 << (row_bits - 1));    // the least c has row 0
+  const V<T> m = from_bits((bits(x) & F::fraction) | unit);
   const V<T> t = T{1} / m + shifter;
   const V<T> c = t - shifter;
-  const Pair<T> row = lanes::gather_rows<T>(Base::rows, image(t) & ((1 << bits) - 1));
+  const Pair<T> row = lanes::gather_entries<T>(Base::rows, bits(t) & ((1 << row_bits) - 1));
   Pair<T> sum = add_exponent<Base, T>(lanes::biased_exponent(x), row);
 
-  const V<T> leading = from_image((image(m) + F::half_trailing) & F::leading);
+  const V<T> leading = from_bits((bits(m) + F::half_trailing) & F::leading);
   const V<T> scaled = c * Base::slope;
   const V<T> v_high = leading * scaled - Base::slope, v_low = (m - leading) * scaled;
   const V<T> v = v_high + v_low;
   const V<T> p = polynomial(v, Base::row_polynomial);
   if constexpr (Base::slope != 1) return add_up(sum.first, v_high, v_low + sum.second, v, p);
   if constexpr (std::is_same_v<R, Rest<T>>) {
-    const V<T> power = from_image(image(m) - image(x) + (F::one + bits * F::exponent_step));
-    sum.second += rest_term<T>(rest, c * (T{1} / (1 << bits)) * power, v);
+    const V<T> power = from_bits(bits(m) - bits(x) + (F::one + row_bits * F::exponent_step));
+    sum.second += rest_term<T>(rest, c * (T{1} / (1 << row_bits)) * power, v);
   }
   return add_up(sum.first, v, sum.second, v * v, p);
 }
@@ -156,7 +156,7 @@ struct CellRow {
 // The top bits of x's fraction; other bits stand above them.
 template <std::size_t count, class T>
 inline I<T> cell_index(V<T> x) {
-  constexpr int last = Format<T>::fraction_bits - std::countr_zero(count);
+  constexpr int last = BitLayout<T>::fraction_bits - std::countr_zero(count);
   return std::bit_cast<I<T>>(std::bit_cast<typename Lanes<T>::U>(x) >> last);
 }
 
@@ -166,22 +166,22 @@ inline CellRow<T> look_up_cell(const T (&cells)[3][count], V<T> x) {
   return {lanes::look_up(cells[0], i), {lanes::look_up(cells[1], i), lanes::look_up(cells[2], i)}};
 }
 template <class T, std::size_t count>
-inline CellRow<T> look_up_cell(const lanes::Row4<double> (&cells)[count], V<T> x) {
-  const auto row = lanes::gather_rows(cells, cell_index<count, T>(x) & int64_t{count - 1});
+inline CellRow<T> look_up_cell(const lanes::TableQuad<double> (&cells)[count], V<T> x) {
+  const auto row = lanes::gather_entries(cells, cell_index<count, T>(x) & int64_t{count - 1});
   return {row.a, {row.b, row.c}};
 }
 
 // A table row for each cell of m. m c - 1 is exact when fused.
 template <class Base, class R, class T = typename Base::Real>
 inline V<T> by_cells(V<T> x, R rest) {
-  using F = Format<T>;
+  using F = BitLayout<T>;
   const V<T> m = lanes::mantissa_around_one(x);
   const CellRow<T> row = look_up_cell<T>(Base::cells, x);
   Pair<T> sum = add_exponent<Base, T>(lanes::exponent(x), row.logarithm);
   const V<T> r = multiply_add(m, row.reciprocal, T{-1});
   const V<T> p = polynomial(r, Base::cell_polynomial);
   if constexpr (std::is_same_v<R, Rest<T>>) {
-    const V<T> power = from_image(image(m) - image(x) + F::one);
+    const V<T> power = from_bits(bits(m) - bits(x) + F::one);
     sum.second += rest_term<T>(rest, row.reciprocal * power, r);
   }
   if constexpr (Base::log_e == 1) {
@@ -189,14 +189,14 @@ inline V<T> by_cells(V<T> x, R rest) {
     return add_up(sum.first, r, sum.second, r * r, p);
   } else if constexpr (std::is_same_v<T, float> && Base::two_low == 0) {
     // Base 2: r log_e is the largest beside the logarithm; rounded once more it would cost 0.3 ulp.
-    const V<T> high = multiply_add(r, all(Base::log_e), sum.first);
-    const V<T> lost = multiply_add(r, all(Base::log_e), sum.first - high);
+    const V<T> high = multiply_add(r, broadcast(Base::log_e), sum.first);
+    const V<T> lost = multiply_add(r, broadcast(Base::log_e), sum.first - high);
     return high + multiply_add(r, p, sum.second + lost);
   } else if constexpr (std::is_same_v<T, float>) {
-    return sum.first + multiply_add(r, all(Base::log_e), multiply_add(r, p, sum.second));
+    return sum.first + multiply_add(r, broadcast(Base::log_e), multiply_add(r, p, sum.second));
   } else {
     const V<T> lead = r * Base::log_e;
-    const V<T> lead_low = multiply_add(r, all(Base::log_e), -lead);
+    const V<T> lead_low = multiply_add(r, broadcast(Base::log_e), -lead);
     return add_up(sum.first, lead, lead_low + sum.second, r, p);
   }
 }
@@ -214,11 +214,11 @@ inline auto logarithm(V<typename Base::Real> x, R rest = {}) {
 }
 
 // Lanes that are not positive normal numbers.
-inline lanes::Doubt<float> care(lanes::f32 x) {
-  return lanes::outside(image(x), limits::slog::first_image, limits::slog::last_image);
+inline lanes::LaneSet<float> special(lanes::f32 x) {
+  return lanes::outside(bits(x), limits::slog::first_image, limits::slog::last_image);
 }
-inline lanes::Doubt<double> care(lanes::f64 x) {
-  return lanes::outside(image(x), limits::dlog::first_high_word, limits::dlog::last_high_word);
+inline lanes::LaneSet<double> special(lanes::f64 x) {
+  return lanes::outside(bits(x), limits::dlog::first_high_word, limits::dlog::last_high_word);
 }
 
 }  // namespace qor::kernels::log_vector

@@ -12,8 +12,8 @@
 namespace qor::kernels {
 namespace {
 
-using lanes::all;
-using lanes::image;
+using lanes::bits;
+using lanes::broadcast;
 using lanes::multiply_add;
 
 struct SLn : Unary<float> {
@@ -27,13 +27,14 @@ struct SLn : Unary<float> {
 
   V core(V x) const {
     if constexpr (lanes::has_fma) return log_vector::logarithm<Base>(x);
-    const I above_split = image(x) - split;
+    const I above_split = bits(x) - split;
     const V e = lanes::to_float(above_split >> 23);
-    const V r = lanes::from_image((above_split & 0x7FFFFF) + split) - 1.0f;
+    const V r = lanes::from_bits((above_split & 0x7FFFFF) + split) - 1.0f;
     const V ln_m = multiply_add(r * r, lanes::horner(r, table_free), r);
-    return multiply_add(e, all(Base::two_high), multiply_add(e, all(Base::two_low), ln_m));
+    return multiply_add(e, broadcast(Base::two_high),
+                        multiply_add(e, broadcast(Base::two_low), ln_m));
   }
-  Doubt care(V x) const { return log_vector::care(x); }
+  LaneSet special(V x) const { return log_vector::special(x); }
   Outcome<float> scalar(float x) const { return log_scalar::logarithm<log_constants::Natural>(x); }
 };
 
@@ -42,7 +43,7 @@ struct DLn : Unary<double> {
   using Base = log_vector::Natural<double>;
 
   V core(V x) const { return log_vector::logarithm<Base>(x); }
-  Doubt care(V x) const { return log_vector::care(x); }
+  LaneSet special(V x) const { return log_vector::special(x); }
   Outcome<double> scalar(double x) const {
     return log_scalar::logarithm<log_constants::Natural>(x);
   }

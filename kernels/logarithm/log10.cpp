@@ -19,7 +19,7 @@ struct Log10 : Unary<T> {
   using typename Unary<T>::V;
 
   V core(V x) const { return log_vector::logarithm<Base>(x); }
-  lanes::Doubt<T> care(V x) const { return log_vector::care(x); }
+  lanes::LaneSet<T> special(V x) const { return log_vector::special(x); }
   Outcome<T> scalar(T x) const { return log_scalar::logarithm<log_constants::Decimal>(x); }
 };
 

@@ -11,8 +11,8 @@
 namespace qor::kernels {
 namespace {
 
-using lanes::from_image;
-using lanes::image;
+using lanes::bits;
+using lanes::from_bits;
 
 // ln(1 + x) with the sign of x, which is that of the result, -0 included.
 template <class T>
@@ -21,7 +21,7 @@ typename lanes::Lanes<T>::V log1p(typename lanes::Lanes<T>::V x) {
   const auto h = x + T{1};
   const log_vector::Rest<T> rest = {x - (h - T{1})};
   const auto y = log_vector::logarithm<log_vector::Natural<T>>(h, rest);
-  return from_image(image(y) | (image(x) & sign_bit));
+  return from_bits(bits(y) | (bits(x) & sign_bit));
 }
 
 // The arguments are -1 and less, large, infinite or NaN: the sum with 1 is exact or far from it.
@@ -35,9 +35,9 @@ struct SLog1p : Unary<float> {
   static constexpr int32_t sign_bit = std::numeric_limits<int32_t>::min();
 
   V core(V x) const { return log1p<float>(x); }
-  Doubt care(V x) const {
-    return lanes::above(image(x), limits::slog1p::last_image) |
-           lanes::above(image(x) ^ sign_bit, limits::slog1p::negative_image);
+  LaneSet special(V x) const {
+    return lanes::above(bits(x), limits::slog1p::last_image) |
+           lanes::above(bits(x) ^ sign_bit, limits::slog1p::negative_image);
   }
   Outcome<float> scalar(float x) const { return log1p_scalar(x); }
 };
@@ -47,9 +47,9 @@ struct DLog1p : Unary<double> {
   static constexpr int64_t sign_bit = std::numeric_limits<int64_t>::min();
 
   V core(V x) const { return log1p<double>(x); }
-  Doubt care(V x) const {
-    return lanes::high_word_above(image(x), limits::dlog1p::last_high_word) |
-           lanes::high_word_above(image(x) ^ sign_bit, limits::dlog1p::negative_high_word);
+  LaneSet special(V x) const {
+    return lanes::high_word_above(bits(x), limits::dlog1p::last_high_word) |
+           lanes::high_word_above(bits(x) ^ sign_bit, limits::dlog1p::negative_high_word);
   }
   Outcome<double> scalar(double x) const { return log1p_scalar(x); }
 };

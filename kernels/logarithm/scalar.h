@@ -25,7 +25,7 @@ inline double ln_of_mantissa(double m) {
                                    0x1.5555555555613p-2,
                                    -0.5};
   const auto index = static_cast<uint64_t>(std::bit_cast<int64_t>(m + to_index)) & 127;
-  const lanes::Row4<double>& row = tables::ln_scalar_rows[index];
+  const lanes::TableQuad<double>& row = tables::ln_scalar_rows[index];
   const double leading = (m + to_leading) - to_leading;
   const double r_high = leading * row.a - 1.0;
   const double r = r_high + (m - leading) * row.a;

@@ -31,35 +31,34 @@ inline Parts product(f64 y, Parts log) {
   }
 }
 
-// 2^p as (high + low) 2^floor(m / 128), m the low bits of the shifted product's image.
-struct Power {
+// 2^p as (high + low) 2^floor(m / 128), m the low bits of the shifted product.
+struct ScaledPower {
   f64 high, low;
-  i64 bits;
+  i64 shifted;
 };
 
-inline Power exp2(Parts p) {
+inline ScaledPower exp2(Parts p) {
   const f64 t = (p.high + p.low) + kShifter;
-  const i64 bits = lanes::image(t);
+  const i64 shifted = lanes::bits(t);
   const f64 f = (p.high - (t - kShifter)) + p.low;
   // In halves: the port that transposes rows has those of the logarithm to do.
-  const auto row = lanes::gather_halves(tables::exp2_double_128, bits & 127);
-  return {row.first, multiply_add(f * lanes::horner(f, kExp2), row.first, row.second), bits};
+  const auto row = lanes::gather_halves(tables::exp2_double_128, shifted & 127);
+  return {row.first, multiply_add(f * lanes::horner(f, kExp2), row.first, row.second), shifted};
 }
 
 template <bool accurate>
-inline Provisional<double> power(f64 x, f64 y) {
+inline Checked<double> power(f64 x, f64 y) {
   const Parts p = product(y, log2<accurate>(x));
-  const Power power = exp2(p);
-  const i64 exponent = (power.bits & -128) << 45;
-  return {
-      lanes::from_image(lanes::image(power.high + power.low) + exponent),
-      lanes::high_word_above(lanes::image(lanes::abs(p.high)), limits::dpow::product_high_word)};
+  const ScaledPower power = exp2(p);
+  const i64 exponent = (power.shifted & -128) << 45;
+  return {lanes::from_bits(lanes::bits(power.high + power.low) + exponent),
+          lanes::high_word_above(lanes::bits(lanes::abs(p.high)), limits::dpow::product_high_word)};
 }
 
-inline lanes::Doubt<double> care(f64 x, f64 y) {
+inline lanes::LaneSet<double> special(f64 x, f64 y) {
   using namespace limits::dpow;
-  return lanes::outside(lanes::image(x), base.first, base.last) |
-         lanes::outside(lanes::image(lanes::abs(y)), exponent.first, exponent.last);
+  return lanes::outside(lanes::bits(x), base.first, base.last) |
+         lanes::outside(lanes::bits(lanes::abs(y)), exponent.first, exponent.last);
 }
 
 // ---- One pair of numbers --------------------------------------------------------------------
@@ -79,8 +78,8 @@ inline double denormal_sum(double high, double low, int exponent) {
 inline double exp2_of_one(double high, double low) {
   if (high >= 1025) return overflowed<double>();
   if (high <= -1080) return underflowed<double>();
-  const Power power = exp2({all(high), all(low)});
-  const int exponent = static_cast<int32_t>(power.bits[0]) >> 7;
+  const ScaledPower power = exp2({broadcast(high), broadcast(low)});
+  const int exponent = static_cast<int32_t>(power.shifted[0]) >> 7;
   if (exponent < -1020) return denormal_sum(power.high[0], power.low[0], exponent);
   constexpr int first = 1000;  // 2^exponent itself may be above the range
   const double sum = power.high[0] + power.low[0];
@@ -90,9 +89,9 @@ inline double exp2_of_one(double high, double low) {
 
 // log2 of a positive x, denormal or not.
 inline Parts log2_of_one(double x) {
-  if (x >= std::numeric_limits<double>::min()) return log2<true>(all(x));
+  if (x >= std::numeric_limits<double>::min()) return log2<true>(broadcast(x));
   constexpr double scale = 0x1.0p+200;  // 1.6069380442589903e60
-  const Parts log = log2<true>(all(x * scale));
+  const Parts log = log2<true>(broadcast(x * scale));
   const f64 high = log.high - 200.0;
   return {high, ((log.high - high) - 200.0) + log.low};
 }
@@ -103,7 +102,7 @@ inline double power_of_one(double x, double y) {
   const double size = magnitude(y);
   if (size >= 0x1p+64) return (x > 1) == (y > 0) ? overflowed<double>() : underflowed<double>();
   if (size < 0x1p-65) return 1 + y;
-  const Parts p = product(all(y), log2_of_one(x));
+  const Parts p = product(broadcast(y), log2_of_one(x));
   return exp2_of_one(p.high[0], p.low[0]);
 }
 

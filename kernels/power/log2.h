@@ -13,7 +13,7 @@
 
 namespace qor::kernels::dpow {
 
-using lanes::all;
+using lanes::broadcast;
 using lanes::f64;
 using lanes::i64;
 using lanes::multiply_add;
@@ -24,7 +24,7 @@ struct Parts {
 };
 
 // The leading 26 bits.
-inline f64 short_part(f64 x) { return lanes::from_image(lanes::image(x) & -0x8000000); }
+inline f64 short_part(f64 x) { return lanes::from_bits(lanes::bits(x) & -0x8000000); }
 
 // A positive normal x as 2^k z, z in [a, 2 a), and the cell of z.
 template <int32_t first_high_word, int cell_bits>
@@ -36,12 +36,12 @@ struct Split {
     constexpr int64_t a = int64_t{first_high_word} << 32;
     constexpr int64_t mantissa = 0xFFFFFFFFFFFFF;
     constexpr int64_t bias = 1024;  // keeps the exponent's field positive
-    const i64 moved = lanes::image(x) + ((bias << 52) - a);
-    z = lanes::from_image((moved & mantissa) + a);
+    const i64 moved = lanes::bits(x) + ((bias << 52) - a);
+    z = lanes::from_bits((moved & mantissa) + a);
     cell = lanes::shift_right(moved, 52 - cell_bits) & ((1 << cell_bits) - 1);
-    constexpr double two_52 = 0x1p+52;  // a number below it, or-ed to its image, is added to it
+    constexpr double two_52 = 0x1p+52;  // a number below it, or-ed to its bits, is added to it
     const i64 field = lanes::shift_right(moved, 52) | std::bit_cast<int64_t>(two_52);
-    k = lanes::from_image(field) - (two_52 + static_cast<double>(bias));
+    k = lanes::from_bits(field) - (two_52 + static_cast<double>(bias));
   }
 };
 
@@ -58,14 +58,15 @@ inline constexpr double kSeries[] = {-2 * kLog2e / 9, 2 * kLog2e / 8,  -2 * kLog
 
 inline Parts log2_fused(f64 x) {
   const Split<0x3FE7F000, 7> split(x);
-  const auto row = lanes::gather_rows(tables::pow_log2_128, split.cell);
+  const auto row = lanes::gather_entries(tables::pow_log2_128, split.cell);
   const f64 r = multiply_add(split.z, row.a, -1.0);
   const f64 minus_half = r * -0.5, square = minus_half * r;  // -r^2/2
   const f64 u = r + square;
   const f64 u_low = ((r - u) + square) + multiply_add(minus_half, r, -square);
   const f64 product = u * kLog2e;
   const f64 product_low = multiply_add(
-      u_low, all(kLog2e), multiply_add(u, all(kLog2eLow), multiply_add(u, all(kLog2e), -product)));
+      u_low, broadcast(kLog2e),
+      multiply_add(u, broadcast(kLog2eLow), multiply_add(u, broadcast(kLog2e), -product)));
   const f64 t = split.k + row.b;
   const f64 sum = t + product;
   const f64 rest = ((t - sum) + product) + (row.c + product_low);
@@ -86,7 +87,7 @@ inline constexpr double kLinear = 9.5979350332335112e-08;
 template <bool accurate>
 inline Parts log2_split(f64 x) {
   const Split<0x3FE7FE00, 10> split(x);
-  const auto row = lanes::gather_rows(tables::pow_log2_1024, split.cell);
+  const auto row = lanes::gather_entries(tables::pow_log2_1024, split.cell);
   const f64 z_high = short_part(split.z);
   const f64 r_high = z_high * row.a - 1.0;  // exact, 30 bits
   const f64 r_low = (split.z - z_high) * row.a;

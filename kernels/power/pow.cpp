@@ -14,8 +14,8 @@ namespace {
 
 struct SPow : Binary<float> {
   static constexpr const char* name = "vsPow";
-  Provisional<float> core(V x, V y) const { return spow::power(x, y); }
-  Doubt care(V x, V y) const { return spow::care(x, y); }
+  Checked<float> core(V x, V y) const { return spow::power(x, y); }
+  LaneSet special(V x, V y) const { return spow::special(x, y); }
   Outcome<float> scalar(float x, float y) const { return pow_scalar(x, y); }
 };
 
@@ -23,8 +23,8 @@ template <bool accurate>
 struct DPow : Binary<double> {
   static constexpr int registers = dpow::registers;
   static constexpr const char* name = "vdPow";
-  Provisional<double> core(V x, V y) const { return dpow::power<accurate>(x, y); }
-  Doubt care(V x, V y) const { return dpow::care(x, y); }
+  Checked<double> core(V x, V y) const { return dpow::power<accurate>(x, y); }
+  LaneSet special(V x, V y) const { return dpow::special(x, y); }
   Outcome<double> scalar(double x, double y) const { return pow_scalar(x, y); }
 };
 

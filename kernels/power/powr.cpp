@@ -14,16 +14,16 @@ namespace {
 
 struct SPowr : Binary<float> {
   static constexpr const char* name = "vsPowr";
-  Provisional<float> core(V x, V y) const { return spow::power(x, y); }
-  Doubt care(V x, V y) const { return spow::care(x, y); }
+  Checked<float> core(V x, V y) const { return spow::power(x, y); }
+  LaneSet special(V x, V y) const { return spow::special(x, y); }
   Outcome<float> scalar(float x, float y) const { return powr_scalar(x, y); }
 };
 
 struct DPowr : Binary<double> {
   static constexpr int registers = dpow::registers;
   static constexpr const char* name = "vdPowr";
-  Provisional<double> core(V x, V y) const { return dpow::power<true>(x, y); }
-  Doubt care(V x, V y) const { return dpow::care(x, y); }
+  Checked<double> core(V x, V y) const { return dpow::power<true>(x, y); }
+  LaneSet special(V x, V y) const { return dpow::special(x, y); }
   Outcome<double> scalar(double x, double y) const { return powr_scalar(x, y); }
 };
 

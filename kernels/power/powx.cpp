@@ -43,11 +43,11 @@ const Delegate<double> kDDelegates[] = {
 inline const auto& delegates(float) { return kSDelegates; }
 inline const auto& delegates(double) { return kDDelegates; }
 
-// The one for b, by its image: the caller's environment has no say. Null when there is none.
+// The one for b, by its bits: the caller's environment has no say. Null when there is none.
 template <class T>
 const Delegate<T>* delegate(T b) {
   for (const Delegate<T>& candidate : delegates(b)) {
-    if (image_of(candidate.b) == image_of(b)) return &candidate;
+    if (bits_of(candidate.b) == bits_of(b)) return &candidate;
   }
   return nullptr;
 }
@@ -74,23 +74,23 @@ struct Square : Powx<T> {
 template <class T>
 struct General : Powx<T> {
   using typename Powx<T>::V;
-  using typename Powx<T>::Doubt;
+  using typename Powx<T>::LaneSet;
   static constexpr int registers = sizeof(T) == sizeof(double) ? dpow::registers : 1;
   T b;
 
   explicit General(T exponent) : b(exponent) {}
-  Provisional<T> core(V x) const {
+  Checked<T> core(V x) const {
     if constexpr (sizeof(T) == sizeof(float)) {
-      return spow::power(x, lanes::all(b));
+      return spow::power(x, lanes::broadcast(b));
     } else {
-      return dpow::power<true>(x, lanes::all(b));
+      return dpow::power<true>(x, lanes::broadcast(b));
     }
   }
-  Doubt care(V x) const {
+  LaneSet special(V x) const {
     if constexpr (sizeof(T) == sizeof(float)) {
-      return spow::care(x, lanes::all(b));
+      return spow::special(x, lanes::broadcast(b));
     } else {
-      return dpow::care(x, lanes::all(b));
+      return dpow::special(x, lanes::broadcast(b));
     }
   }
   Outcome<T> scalar(T x) const { return pow_scalar(x, b); }
@@ -124,20 +124,20 @@ void run_strided(const F& f, int32_t n, const T* a, int32_t inca, T* y, int32_t 
 template <class T>
 void powx(int32_t n, const T* a, T b, T* y) {
   if (const Delegate<T>* other = delegate(b)) return (*other->contiguous)(n, a, y);
-  const auto image = image_of(b);
-  if (image == 0 || image == sign_image<T>) return ones(n, y, 1);
-  if (image == image_of(T{1})) return run_contiguous(Copy<T>{}, n, a, y);
-  if (image == image_of(T{2})) return run_contiguous(Square<T>{}, n, a, y);
+  const auto bits = bits_of(b);
+  if (bits == 0 || bits == sign_mask<T>) return ones(n, y, 1);
+  if (bits == bits_of(T{1})) return run_contiguous(Copy<T>{}, n, a, y);
+  if (bits == bits_of(T{2})) return run_contiguous(Square<T>{}, n, a, y);
   run_contiguous(General<T>{b}, n, a, y);
 }
 
 template <class T>
 void powx_strided(int32_t n, const T* a, int32_t inca, T b, T* y, int32_t incy) {
   if (const Delegate<T>* other = delegate(b)) return (*other->strided)(n, a, inca, y, incy);
-  const auto image = image_of(b);
-  if (image == 0 || image == sign_image<T>) return ones(n, y, incy);
-  if (image == image_of(T{1})) return run_strided(Copy<T>{}, n, a, inca, y, incy);
-  if (image == image_of(T{2})) return run_strided(Square<T>{}, n, a, inca, y, incy);
+  const auto bits = bits_of(b);
+  if (bits == 0 || bits == sign_mask<T>) return ones(n, y, incy);
+  if (bits == bits_of(T{1})) return run_strided(Copy<T>{}, n, a, inca, y, incy);
+  if (bits == bits_of(T{2})) return run_strided(Square<T>{}, n, a, inca, y, incy);
   run_strided(General<T>{b}, n, a, inca, y, incy);
 }
 

@@ -13,14 +13,14 @@ enum class Parity { fraction, even, odd };
 template <class T>
 inline Parity parity(T y) {
   constexpr int mantissa_bits = std::numeric_limits<T>::digits - 1;
-  const auto image = image_of(magnitude(y));
+  const auto bits = bits_of(magnitude(y));
   const int exponent =
-      static_cast<int>(image >> mantissa_bits) - (std::numeric_limits<T>::max_exponent - 1);
-  if (image == 0 || exponent > mantissa_bits) return Parity::even;
+      static_cast<int>(bits >> mantissa_bits) - (std::numeric_limits<T>::max_exponent - 1);
+  if (bits == 0 || exponent > mantissa_bits) return Parity::even;
   if (exponent < 0) return Parity::fraction;
-  const auto unit = Image<T>{1} << (mantissa_bits - exponent);
-  if ((image & (unit - 1)) != 0) return Parity::fraction;
-  const bool is_odd = exponent == 0 || (image & unit) != 0;
+  const auto unit = Bits<T>{1} << (mantissa_bits - exponent);
+  if ((bits & (unit - 1)) != 0) return Parity::fraction;
+  const bool is_odd = exponent == 0 || (bits & unit) != 0;
   return is_odd ? Parity::odd : Parity::even;
 }
 

@@ -30,14 +30,14 @@ inline constexpr limits::Range kNormal<float> = limits::root::normal_float;
 template <class V, class Power>
 V odd(V x, Power power) {
   const V magnitude = lanes::abs(x);
-  const auto sign = lanes::image(x) ^ lanes::image(magnitude);
-  return lanes::from_image(lanes::image(power(magnitude)) | sign);
+  const auto sign = lanes::bits(x) ^ lanes::bits(magnitude);
+  return lanes::from_bits(lanes::bits(power(magnitude)) | sign);
 }
 
 template <class T, int p>
 struct CubeRoot : Unary<T> {
   using typename Unary<T>::V;
-  using typename Unary<T>::Doubt;
+  using typename Unary<T>::LaneSet;
   using Power = RationalPower<T, p, 3>;
   static constexpr bool is_single = sizeof(T) == sizeof(float);
   static constexpr bool is_inverse = p < 0;
@@ -51,8 +51,8 @@ struct CubeRoot : Unary<T> {
     return odd(x, [](V magnitude) { return Power::of(magnitude); });
   }
 
-  Doubt care(V x) const {
-    return lanes::outside(lanes::image(lanes::abs(x)), kNormal<T>.first, kNormal<T>.last);
+  LaneSet special(V x) const {
+    return lanes::outside(lanes::bits(lanes::abs(x)), kNormal<T>.first, kNormal<T>.last);
   }
 
   Outcome<T> scalar(T x) const {

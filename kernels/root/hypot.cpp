@@ -16,7 +16,7 @@
 namespace qor::kernels {
 namespace {
 
-using lanes::all;
+using lanes::broadcast;
 using lanes::multiply_add;
 
 template <class T>
@@ -47,12 +47,12 @@ template <class T>
 struct Hypot : Binary<T> {
   using typename Binary<T>::V;
   using typename Binary<T>::I;
-  using typename Binary<T>::Doubt;
+  using typename Binary<T>::LaneSet;
   using Pair = lanes::Two<V>;
   using Constants = HypotConstants<T>;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsHypot" : "vdHypot";
 
-  static V part(V x, Image<T> mask) { return lanes::from_image(lanes::image(x) & mask); }
+  static V part(V x, Bits<T> mask) { return lanes::from_bits(lanes::bits(x) & mask); }
 
   // x^2 in two parts, exact but for the last bits of the second.
   static Pair square(V x) {
@@ -96,10 +96,10 @@ struct Hypot : Binary<T> {
     return multiply_add(missing, inverse * T{0.5}, root);
   }
 
-  Doubt care(V x, V y) const {
+  LaneSet special(V x, V y) const {
     const auto [first, last] = kMiddle<T>;
-    return lanes::outside(lanes::image(lanes::abs(x)), first, last) |
-           lanes::outside(lanes::image(lanes::abs(y)), first, last);
+    return lanes::outside(lanes::bits(lanes::abs(x)), first, last) |
+           lanes::outside(lanes::bits(lanes::abs(y)), first, last);
   }
 
   // Once neither is 0 and they are near each other, one scale brings both to the middle range.
@@ -109,12 +109,12 @@ struct Hypot : Binary<T> {
     const T larger = std::max(magnitude(x), magnitude(y));
     const T smaller = std::min(magnitude(x), magnitude(y));
     constexpr int digits = std::numeric_limits<T>::digits;
-    const auto gap = (image_of(larger) >> (digits - 1)) - (image_of(smaller) >> (digits - 1));
+    const auto gap = (bits_of(larger) >> (digits - 1)) - (bits_of(smaller) >> (digits - 1));
     if (smaller == 0 || gap > digits + 1) return {larger + smaller};
     constexpr int n = std::numeric_limits<T>::max_exponent * 11 / 16;
     const int up = larger < 1 ? n : -n;
     const T scale = power_of_two<T>(up);
-    return {core(all(larger * scale), all(smaller * scale))[0] * power_of_two<T>(-up)};
+    return {core(broadcast(larger * scale), broadcast(smaller * scale))[0] * power_of_two<T>(-up)};
   }
 };
 

@@ -21,7 +21,7 @@ inline constexpr limits::Range kNormal = limits::root::normal_double;
 template <>
 inline constexpr limits::Range kNormal<float> = limits::root::normal_float;
 
-using lanes::all;
+using lanes::broadcast;
 using lanes::f32;
 using lanes::f64;
 using lanes::multiply_add;
@@ -37,14 +37,14 @@ lanes::Two<V> estimate_fused(V x) {
 
 // The same without: y of 9 bits, so that y * y is exact.
 [[maybe_unused]] lanes::Two<f32> estimate_cut(f32 x) {
-  const f32 y = lanes::from_image(lanes::image(lanes::inverse_root_estimate(x)) & -0x8000);
+  const f32 y = lanes::from_bits(lanes::bits(lanes::inverse_root_estimate(x)) & -0x8000);
   return {y, x * (y * y) - 1.0f};
 }
 
 // And y of 13 bits; x in 26 bits and the rest.
 [[maybe_unused]] lanes::Two<f64> estimate_cut(f64 x) {
-  const f64 y = lanes::from_image(lanes::image(lanes::inverse_root_estimate(x)) & -0x10000000000);
-  const f64 high = lanes::from_image(lanes::image(x) & -0x8000000);
+  const f64 y = lanes::from_bits(lanes::bits(lanes::inverse_root_estimate(x)) & -0x10000000000);
+  const f64 high = lanes::from_bits(lanes::bits(x) & -0x8000000);
   return {y, (high * y * y - 1.0) + (x - high) * y * y};
 }
 
@@ -68,7 +68,7 @@ f64 series(f64 e) {
 template <class T>
 struct InvSqrt : Unary<T> {
   using typename Unary<T>::V;
-  using typename Unary<T>::Doubt;
+  using typename Unary<T>::LaneSet;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsInvSqrt" : "vdInvSqrt";
 
   V core(V x) const {
@@ -76,8 +76,8 @@ struct InvSqrt : Unary<T> {
     return multiply_add(y * e, series(e), y);
   }
 
-  Doubt care(V x) const {
-    return lanes::outside(lanes::image(x), kNormal<T>.first, kNormal<T>.last);
+  LaneSet special(V x) const {
+    return lanes::outside(lanes::bits(x), kNormal<T>.first, kNormal<T>.last);
   }
 
   Outcome<T> scalar(T x) const {
@@ -86,7 +86,7 @@ struct InvSqrt : Unary<T> {
     if (is_negative(x)) return {undefined<T>(), QOR_ERROR_DOMAIN};
     if (is_infinite(x)) return {T{0}};
     constexpr int n = std::numeric_limits<T>::digits / 2 + 1;  // 4^n makes a denormal normal
-    return {core(all(x * power_of_two<T>(2 * n)))[0] * power_of_two<T>(n)};
+    return {core(broadcast(x * power_of_two<T>(2 * n)))[0] * power_of_two<T>(n)};
   }
 };
 

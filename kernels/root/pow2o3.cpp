@@ -21,13 +21,13 @@ inline constexpr limits::Range kNormal<float> = limits::root::normal_float;
 template <class T>
 struct Pow2o3 : Unary<T> {
   using typename Unary<T>::V;
-  using typename Unary<T>::Doubt;
+  using typename Unary<T>::LaneSet;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsPow2o3" : "vdPow2o3";
 
   V core(V x) const { return RationalPower<T, 2, 3>::of(lanes::abs(x)); }
 
-  Doubt care(V x) const {
-    return lanes::outside(lanes::image(lanes::abs(x)), kNormal<T>.first, kNormal<T>.last);
+  LaneSet special(V x) const {
+    return lanes::outside(lanes::bits(lanes::abs(x)), kNormal<T>.first, kNormal<T>.last);
   }
 
   Outcome<T> scalar(T x) const {

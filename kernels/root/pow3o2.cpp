@@ -23,17 +23,19 @@ inline constexpr limits::Range kFast<float> = limits::root::spow3o2;
 template <class T>
 struct Pow3o2 : Unary<T> {
   using typename Unary<T>::V;
-  using typename Unary<T>::Doubt;
+  using typename Unary<T>::LaneSet;
   using Power = RationalPower<T, 3, 2>;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsPow3o2" : "vdPow3o2";
 
   V core(V x) const { return Power::of(x); }
 
-  Doubt care(V x) const { return lanes::outside(lanes::image(x), kFast<T>.first, kFast<T>.last); }
+  LaneSet special(V x) const {
+    return lanes::outside(lanes::bits(x), kFast<T>.first, kFast<T>.last);
+  }
 
   // x 4^-n to the 3/2, times 8^n: only the last product may overflow or become denormal.
   static T scaled(T x, int n) {
-    const T power = Power::of(lanes::all(x * power_of_two<T>(-n) * power_of_two<T>(-n)))[0];
+    const T power = Power::of(lanes::broadcast(x * power_of_two<T>(-n) * power_of_two<T>(-n)))[0];
     const T scale = power_of_two<T>(n);
     return power * scale * scale * scale;
   }

@@ -28,7 +28,7 @@ constexpr std::array<T, degree> binomial_series() {
 }
 
 template <class T, int p, int q>
-inline constexpr const lanes::Row4<T>* root_table = nullptr;
+inline constexpr const lanes::TableQuad<T>* root_table = nullptr;
 template <>
 inline constexpr auto root_table<float, 1, 3> = tables::cbrt_float;
 template <>
@@ -73,30 +73,30 @@ struct RationalPower {
   }
 
   static V series_at(V r) {
-    V sum = lanes::all(series[0]);
+    V sum = lanes::broadcast(series[0]);
     for (size_t i = 1; i < degree; ++i) sum = lanes::multiply_add(sum, r, series[i]);
     return sum;
   }
 
   static V of(V x) {
-    const I bits = lanes::image(x);
-    const I e = lanes::shift_right(bits, mantissa_bits) + shift;
+    const I x_bits = lanes::bits(x);
+    const I e = lanes::shift_right(x_bits, mantissa_bits) + shift;
     const I n = quotient(e);
     const I k = q == 3 ? e - n - n - n : e - n - n;
-    const I cell = lanes::shift_right(bits, mantissa_bits - cell_bits) & ((1 << cell_bits) - 1);
-    const auto row = lanes::gather_rows(root_table<T, p, q>, (k << cell_bits) | cell);
-    constexpr Image<T> one = Image<T>{bias} << mantissa_bits;
-    const V m = lanes::from_image((bits & ((Image<T>{1} << mantissa_bits) - 1)) | one);
+    const I cell = lanes::shift_right(x_bits, mantissa_bits - cell_bits) & ((1 << cell_bits) - 1);
+    const auto row = lanes::gather_entries(root_table<T, p, q>, (k << cell_bits) | cell);
+    constexpr Bits<T> one = Bits<T>{bias} << mantissa_bits;
+    const V m = lanes::from_bits((x_bits & ((Bits<T>{1} << mantissa_bits) - 1)) | one);
     const V r = (m - row.c) * row.d;
     const V y = lanes::multiply_add(row.a, r * series_at(r), row.b) + row.a;
     constexpr int middle = (bias + shift) / q;
-    return lanes::from_image(lanes::image(y) + (multiple(n - middle) << mantissa_bits));
+    return lanes::from_bits(lanes::bits(y) + (multiple(n - middle) << mantissa_bits));
   }
 
   // The same for one denormal number, scaled by 2^(q n): the power stays normal unless p > q.
   static T of_denormal(T x) {
     constexpr int n = (mantissa_bits + q) / q;
-    return of(lanes::all(x * power_of_two<T>(q * n)))[0] * power_of_two<T>(-p * n);
+    return of(lanes::broadcast(x * power_of_two<T>(q * n)))[0] * power_of_two<T>(-p * n);
   }
 };
 

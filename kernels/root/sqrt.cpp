@@ -20,16 +20,18 @@ inline constexpr limits::Range kFast<float> = limits::root::ssqrt;
 template <class T>
 struct Sqrt : Unary<T> {
   using typename Unary<T>::V;
-  using typename Unary<T>::Doubt;
+  using typename Unary<T>::LaneSet;
   static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsSqrt" : "vdSqrt";
 
   V core(V x) const { return lanes::sqrt(x); }
 
-  Doubt care(V x) const { return lanes::outside(lanes::image(x), kFast<T>.first, kFast<T>.last); }
+  LaneSet special(V x) const {
+    return lanes::outside(lanes::bits(x), kFast<T>.first, kFast<T>.last);
+  }
 
   // The instruction raises the flags that are due; a denormal that counts as 0 gives 0.
   Outcome<T> scalar(T x) const {
-    const T root = lanes::sqrt(lanes::all(x))[0];
+    const T root = lanes::sqrt(lanes::broadcast(x))[0];
     const bool is_undefined = is_nan(root) && !is_nan(x);
     return {root, is_undefined ? QOR_ERROR_DOMAIN : QOR_ERROR_NONE};
   }

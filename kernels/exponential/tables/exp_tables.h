@@ -6,10 +6,10 @@
 // clang-format off
 namespace qor::kernels::tables {
 
-using lanes::Row;
+using lanes::TablePair;
 
 // 2^(j/64): the nearest float, and the float nearest to the rest.
-alignas(64) inline constexpr Row<float> exp2_float_64[64] = {
+alignas(64) inline constexpr TablePair<float> exp2_float_64[64] = {
   {0x1p+0f, 0x0p+0f},
   {0x1.02c9a4p+0f, -0x1.887fap-28f},
   {0x1.059b0ep+0f, -0x1.9d4f52p-25f},
@@ -77,7 +77,7 @@ alignas(64) inline constexpr Row<float> exp2_float_64[64] = {
 };
 
 // 2^(j/128): the nearest float, and the float nearest to the rest.
-alignas(64) inline constexpr Row<float> exp2_float_128[128] = {
+alignas(64) inline constexpr TablePair<float> exp2_float_128[128] = {
   {0x1p+0f, 0x0p+0f},
   {0x1.0163dap+0f, 0x1.3f6666p-25f},
   {0x1.02c9a4p+0f, -0x1.887fap-28f},
@@ -221,7 +221,7 @@ inline constexpr double exp2_double_16_high[16] = {0x1p+0, 0x1.0b5586cf9890fp+0,
 inline constexpr double exp2_double_16_low[16] = {0x0p+0, 0x1.8a62e4adc610bp-54, -0x1.19041b9d78a76p-55, 0x1.9b07eb6c70573p-54, 0x1.6f46ad23182e4p-55, 0x1.ada0911f09ebcp-55, 0x1.d4397afec42e2p-56, 0x1.6324c054647adp-54, -0x1.bdd3413b26456p-54, -0x1.41577ee04992fp-55, 0x1.6e9f156864b27p-54, 0x1.c7c46b071f2bep-56, 0x1.7a1cd345dcc81p-54, 0x1.11065895048ddp-55, 0x1.2ed02d75b3707p-55, -0x1.e9c23179c2893p-54};
 
 // 2^(j/64): the nearest double, and the double nearest to the rest.
-alignas(64) inline constexpr Row<double> exp2_double_64[64] = {
+alignas(64) inline constexpr TablePair<double> exp2_double_64[64] = {
   {0x1p+0, 0x0p+0},
   {0x1.02c9a3e778061p+0, -0x1.19083535b085dp-56},
   {0x1.059b0d3158574p+0, 0x1.d73e2a475b465p-55},
@@ -289,7 +289,7 @@ alignas(64) inline constexpr Row<double> exp2_double_64[64] = {
 };
 
 // 2^(j/128): the nearest double, and the double nearest to the rest.
-alignas(64) inline constexpr Row<double> exp2_double_128[128] = {
+alignas(64) inline constexpr TablePair<double> exp2_double_128[128] = {
   {0x1p+0, 0x0p+0},
   {0x1.0163da9fb3335p+0, 0x1.b61299ab8cdb7p-54},
   {0x1.02c9a3e778061p+0, -0x1.19083535b085dp-56},
@@ -421,7 +421,7 @@ alignas(64) inline constexpr Row<double> exp2_double_128[128] = {
 };
 
 // 2^(j/128): its first 32 bits, and the double nearest to the rest.
-alignas(64) inline constexpr Row<double> exp2_split_128[128] = {
+alignas(64) inline constexpr TablePair<double> exp2_split_128[128] = {
   {0x1p+0, 0x0p+0},
   {0x1.0163da9ep+0, 0x1.b33356d84a66bp-32},
   {0x1.02c9a3e6p+0, 0x1.78060ee6f7cadp-32},
@@ -553,7 +553,7 @@ alignas(64) inline constexpr Row<double> exp2_split_128[128] = {
 };
 
 // 2^(j/64): the nearest double T, and the rest divided by T.
-alignas(64) inline constexpr Row<double> exp2_relative_64[64] = {
+alignas(64) inline constexpr TablePair<double> exp2_relative_64[64] = {
   {0x1p+0, 0x0p+0},
   {0x1.02c9a3e778061p+0, -0x1.160139cd8dc5dp-56},
   {0x1.059b0d3158574p+0, 0x1.cd2523567f613p-55},
@@ -621,8 +621,8 @@ alignas(64) inline constexpr Row<double> exp2_relative_64[64] = {
 };
 
 // A step of the 16-row tables, as an argument: the nearest float, and the rest.
-inline constexpr Row<float> exp_step_16 = {0x1.62e43p-5f, -0x1.05c61p-33f};
-inline constexpr Row<float> exp10_step_16 = {0x1.344136p-6f, -0x1.ec10cp-31f};
+inline constexpr TablePair<float> exp_step_16 = {0x1.62e43p-5f, -0x1.05c61p-33f};
+inline constexpr TablePair<float> exp10_step_16 = {0x1.344136p-6f, -0x1.ec10cp-31f};
 
 // (e^r - 1 - r) / r^2, |r| <= 0.02166; error times |r|^2 below 2^-36.5.
 inline constexpr float exp_float_16[3] = {0x1.55565cp-5f, 0x1.5556dep-3f, 0x1p-1f};

@@ -6,15 +6,15 @@
 // clang-format off
 namespace qor::kernels::tables {
 
-using lanes::Row;
-using lanes::Row4;
+using lanes::TablePair;
+using lanes::TableQuad;
 
 using Doubles16 = double[16];
 using Floats16 = float[16];
 using Floats8 = float[8];
 
 // ln(1024 / c) - 1023 ln(2) for c = 512..1024: high part, low part.
-alignas(64) inline constexpr Row<double> dln_rows[513] = {
+alignas(64) inline constexpr TablePair<double> dln_rows[513] = {
   {-0x1.6232bdd7a83p+9, -0x1.ce91eef3fb1p-30},
   {-0x1.6232fdc7ad836p+9, -0x1.ce8cffda73b79p-30},
   {-0x1.62333d97d2bacp+9, -0x1.ce9406748f20dp-30},
@@ -531,7 +531,7 @@ alignas(64) inline constexpr Row<double> dln_rows[513] = {
 };
 
 // c, ln(1 / c) high and low, for m in 128 cells of [0.75, 1.5), by its top bits.
-alignas(64) inline constexpr Row4<double> dln_cells_128[128] = {
+alignas(64) inline constexpr TableQuad<double> dln_cells_128[128] = {
   {0x1p+0, 0x0p+0, 0x0p+0, 0x0p+0},
   {0x1.fcp-1, 0x1.010157588p-7, 0x1.bce251998b506p-44, 0x0p+0},
   {0x1.f8p-1, 0x1.020565893p-6, 0x1.611d27c8e8417p-44, 0x0p+0},
@@ -670,7 +670,7 @@ alignas(64) inline constexpr Doubles16 dln_cells_16[3] = {
 };
 
 // ln(128 / c) - 127 ln(2) for c = 64..128: high part, low part.
-alignas(64) inline constexpr Row<float> sln_rows[65] = {
+alignas(64) inline constexpr TablePair<float> sln_rows[65] = {
   {-0x1.5d587p+6f, -0x1.797f28p-13f},
   {-0x1.5d685p+6f, -0x1.7c21ecp-13f},
   {-0x1.5d77f4p+6f, -0x1.6e579cp-13f},
@@ -753,7 +753,7 @@ alignas(64) inline constexpr Floats16 sln_cells_16[3] = {
 };
 
 // log10(1024 / c) - 1023 log10(2) for c = 512..1024: high part, low part.
-alignas(64) inline constexpr Row<double> dlog10_rows[513] = {
+alignas(64) inline constexpr TablePair<double> dlog10_rows[513] = {
   {-0x1.33a7146f6b08p+8, -0x1.e707ce619c2p-30},
   {-0x1.33a74bf88015p+8, -0x1.e70410bcf87c2p-30},
   {-0x1.33a78365e55ap+8, -0x1.e70a7d6a48a82p-30},
@@ -1270,7 +1270,7 @@ alignas(64) inline constexpr Row<double> dlog10_rows[513] = {
 };
 
 // c, log10(1 / c) high and low, for m in 128 cells of [0.75, 1.5), by its top bits.
-alignas(64) inline constexpr Row4<double> dlog10_cells_128[128] = {
+alignas(64) inline constexpr TableQuad<double> dlog10_cells_128[128] = {
   {0x1p+0, 0x0p+0, 0x0p+0, 0x0p+0},
   {0x1.fcp-1, 0x1.be76bd778p-9, 0x1.a7e186b65af39p-44, 0x0p+0},
   {0x1.f8p-1, 0x1.c03a80ae4p-8, 0x1.e05382d51f71bp-44, 0x0p+0},
@@ -1409,7 +1409,7 @@ alignas(64) inline constexpr Doubles16 dlog10_cells_16[3] = {
 };
 
 // log10(128 / c) - 127 log10(2) for c = 64..128: high part, low part.
-alignas(64) inline constexpr Row<float> slog10_rows[65] = {
+alignas(64) inline constexpr TablePair<float> slog10_rows[65] = {
   {-0x1.2f70f8p+5f, 0x1.8f945p-12f},
   {-0x1.2f7ecp+5f, 0x1.8b1dacp-12f},
   {-0x1.2f8c58p+5f, 0x1.927332p-12f},
@@ -1492,7 +1492,7 @@ alignas(64) inline constexpr Floats16 slog10_cells_16[3] = {
 };
 
 // log2(512 / c) - 1023 log2(2) for c = 256..512: high part, low part.
-alignas(64) inline constexpr Row<double> dlog2_rows[257] = {
+alignas(64) inline constexpr TablePair<double> dlog2_rows[257] = {
   {-0x1.ffp+9, 0x0p+0},
   {-0x1.ff00b84e236bep+9, 0x1.5388b52642db7p-44},
   {-0x1.ff016fe50b6fp+9, 0x1.ef5d00e390ap-44},
@@ -1753,7 +1753,7 @@ alignas(64) inline constexpr Row<double> dlog2_rows[257] = {
 };
 
 // c, log2(1 / c) high and low, for m in 128 cells of [0.75, 1.5), by its top bits.
-alignas(64) inline constexpr Row4<double> dlog2_cells_128[128] = {
+alignas(64) inline constexpr TableQuad<double> dlog2_cells_128[128] = {
   {0x1p+0, 0x0p+0, 0x0p+0, 0x0p+0},
   {0x1.fcp-1, 0x1.72c7ba21p-7, -0x1.19b14945cf6bap-44, 0x0p+0},
   {0x1.f8p-1, 0x1.743ee861fp-6, 0x1.aab1b2a41b09p-45, 0x0p+0},
@@ -1892,7 +1892,7 @@ alignas(64) inline constexpr Doubles16 dlog2_cells_16[3] = {
 };
 
 // log2(128 / c) - 127 log2(2) for c = 64..128: high part, low part.
-alignas(64) inline constexpr Row<float> slog2_rows[65] = {
+alignas(64) inline constexpr TablePair<float> slog2_rows[65] = {
   {-0x1.f8p+6f, 0x0p+0f},
   {-0x1.f816e8p+6f, 0x1.a5e8f4p-20f},
   {-0x1.f82d74p+6f, -0x1.a6eb1ep-18f},
@@ -1975,7 +1975,7 @@ alignas(64) inline constexpr Floats16 slog2_cells_16[3] = {
 };
 
 // c, the 12-bit number nearest to 1 / (1 + i/64), and ln(1 / c): high part, low part.
-alignas(64) inline constexpr Row4<double> ln_scalar_rows[65] = {
+alignas(64) inline constexpr TableQuad<double> ln_scalar_rows[65] = {
   {0x1p+0, 0x0p+0, 0x0p+0, 0x0p+0},
   {0x1.f82p-1, 0x1.fbea8b13cp-7, 0x1.ec927b17e4e13p-50, 0x0p+0},
   {0x1.f08p-1, 0x1.f7a9b1678p-6, 0x1.42ad9271be7d7p-45, 0x0p+0},

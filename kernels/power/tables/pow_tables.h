@@ -6,10 +6,10 @@
 // clang-format off
 namespace qor::kernels::tables {
 
-using lanes::Row4;
+using lanes::TableQuad;
 
 // c, of as many bits as leave z c - 1 exact; -log2 c in two parts.
-alignas(64) inline constexpr Row4<double> pow_log2_128[128] = {
+alignas(64) inline constexpr TableQuad<double> pow_log2_128[128] = {
   {0x1.55p+0, -0x1.a78e146f7cp-2, 0x1.0bad7dfa568f7p-46, 0x0p+0},
   {0x1.54p+0, -0x1.a33760a7f6p-2, -0x1.4275f1035e5e8p-48, 0x0p+0},
   {0x1.52p+0, -0x1.9a802391e2p-2, -0x1.979a5db68721dp-45, 0x0p+0},
@@ -141,7 +141,7 @@ alignas(64) inline constexpr Row4<double> pow_log2_128[128] = {
 };
 
 // c of 13 fraction bits; -log2 c in two parts.
-alignas(64) inline constexpr Row4<double> pow_log2_1024[1024] = {
+alignas(64) inline constexpr TableQuad<double> pow_log2_1024[1024] = {
   {0x1.5558p+0, -0x1.a90b21b039p-2, 0x1.62b09d73d37fdp-44, 0x0p+0},
   {0x1.552p+0, -0x1.a818b0439cp-2, -0x1.abb0b39984643p-47, 0x0p+0},
   {0x1.54ep+0, -0x1.a7036b98e3p-2, -0x1.6bb9c54d5e4eep-45, 0x0p+0},

@@ -6,10 +6,10 @@
 // clang-format off
 namespace qor::kernels::tables {
 
-using lanes::Row4;
+using lanes::TableQuad;
 
 // (2^k c)^(1/3), nearest and rest; c; 1 / c, nearest. Row 32 k + j.
-alignas(64) inline constexpr Row4<float> cbrt_float[96] = {
+alignas(64) inline constexpr TableQuad<float> cbrt_float[96] = {
   {0x1.015392p+0f, 0x1.0ea64cp-27f, 0x1.04p+0f, 0x1.f81f82p-1f},
   {0x1.03f068p+0f, -0x1.1cba3ap-25f, 0x1.0cp+0f, 0x1.e9131ap-1f},
   {0x1.06800ep+0f, 0x1.8a759cp-26f, 0x1.14p+0f, 0x1.dae608p-1f},
@@ -109,7 +109,7 @@ alignas(64) inline constexpr Row4<float> cbrt_float[96] = {
 };
 
 // (2^k c)^(1/3), nearest and rest; c; 1 / c, nearest. Row 32 k + j.
-alignas(64) inline constexpr Row4<double> cbrt_double[96] = {
+alignas(64) inline constexpr TableQuad<double> cbrt_double[96] = {
   {0x1.01539221d4c97p+0, 0x1.6ea1c3189cbd5p-56, 0x1.04p+0, 0x1.f81f81f81f82p-1},
   {0x1.03f06771a2e33p+0, 0x1.5b5d69f8d8678p-54, 0x1.0cp+0, 0x1.e9131abf0b767p-1},
   {0x1.06800e629d672p+0, -0x1.b57a0dc284d7bp-54, 0x1.14p+0, 0x1.dae6076b981dbp-1},
@@ -209,7 +209,7 @@ alignas(64) inline constexpr Row4<double> cbrt_double[96] = {
 };
 
 // (2^k c)^(-1/3), nearest and rest; c; 1 / c, nearest. Row 32 k + j.
-alignas(64) inline constexpr Row4<float> inv_cbrt_float[96] = {
+alignas(64) inline constexpr TableQuad<float> inv_cbrt_float[96] = {
   {0x1.fd5c5cp-1f, -0x1.f77c4cp-30f, 0x1.04p+0f, 0x1.f81f82p-1f},
   {0x1.f83dc2p-1f, -0x1.d1eef6p-26f, 0x1.0cp+0f, 0x1.e9131ap-1f},
   {0x1.f3524cp-1f, 0x1.f978fap-26f, 0x1.14p+0f, 0x1.dae608p-1f},
@@ -309,7 +309,7 @@ alignas(64) inline constexpr Row4<float> inv_cbrt_float[96] = {
 };
 
 // (2^k c)^(-1/3), nearest and rest; c; 1 / c, nearest. Row 32 k + j.
-alignas(64) inline constexpr Row4<double> inv_cbrt_double[96] = {
+alignas(64) inline constexpr TableQuad<double> inv_cbrt_double[96] = {
   {0x1.fd5c5bf0441dap-1, 0x1.333601309b626p-58, 0x1.04p+0, 0x1.f81f81f81f82p-1},
   {0x1.f83dc11708855p-1, 0x1.cc45fb2e8cf88p-55, 0x1.0cp+0, 0x1.e9131abf0b767p-1},
   {0x1.f3524cfcbc7dp-1, -0x1.f16573a8177cdp-55, 0x1.14p+0, 0x1.dae6076b981dbp-1},
@@ -409,7 +409,7 @@ alignas(64) inline constexpr Row4<double> inv_cbrt_double[96] = {
 };
 
 // (2^k c)^(2/3), nearest and rest; c; 1 / c, nearest. Row 32 k + j.
-alignas(64) inline constexpr Row4<float> pow2o3_float[96] = {
+alignas(64) inline constexpr TableQuad<float> pow2o3_float[96] = {
   {0x1.02a8e6p+0f, 0x1.60052ep-25f, 0x1.04p+0f, 0x1.f81f82p-1f},
   {0x1.07f054p+0f, -0x1.dbe314p-25f, 0x1.0cp+0f, 0x1.e9131ap-1f},
   {0x1.0d2a5ep+0f, -0x1.ff0992p-26f, 0x1.14p+0f, 0x1.dae608p-1f},
@@ -509,7 +509,7 @@ alignas(64) inline constexpr Row4<float> pow2o3_float[96] = {
 };
 
 // (2^k c)^(2/3), nearest and rest; c; 1 / c, nearest. Row 32 k + j.
-alignas(64) inline constexpr Row4<double> pow2o3_double[96] = {
+alignas(64) inline constexpr TableQuad<double> pow2o3_double[96] = {
   {0x1.02a8e6b002971p+0, -0x1.1c7fd26caa23p-54, 0x1.04p+0, 0x1.f81f81f81f82p-1},
   {0x1.07f053120e75dp+0, -0x1.17135e85a235fp-54, 0x1.0cp+0, 0x1.e9131abf0b767p-1},
   {0x1.0d2a5d803d9b6p+0, -0x1.184160b139529p-55, 0x1.14p+0, 0x1.dae6076b981dbp-1},
@@ -609,7 +609,7 @@ alignas(64) inline constexpr Row4<double> pow2o3_double[96] = {
 };
 
 // (2^k c)^(3/2), nearest and rest; c; 1 / c, nearest. Row 32 k + j.
-alignas(64) inline constexpr Row4<float> pow3o2_float[64] = {
+alignas(64) inline constexpr TableQuad<float> pow3o2_float[64] = {
   {0x1.0605fcp+0f, 0x1.7d06eep-30f, 0x1.04p+0f, 0x1.f81f82p-1f},
   {0x1.123596p+0f, -0x1.28b4cp-27f, 0x1.0cp+0f, 0x1.e9131ap-1f},
   {0x1.1e941ap+0f, 0x1.9df84ap-28f, 0x1.14p+0f, 0x1.dae608p-1f},
@@ -677,7 +677,7 @@ alignas(64) inline constexpr Row4<float> pow3o2_float[64] = {
 };
 
 // (2^k c)^(3/2), nearest and rest; c; 1 / c, nearest. Row 32 k + j.
-alignas(64) inline constexpr Row4<double> pow3o2_double[64] = {
+alignas(64) inline constexpr TableQuad<double> pow3o2_double[64] = {
   {0x1.0605fc05f41bcp+0, -0x1.cf0d581dcd522p-54, 0x1.04p+0, 0x1.f81f81f81f82p-1},
   {0x1.123595dae9681p+0, 0x1.23bc1fcfe75c9p-54, 0x1.0cp+0, 0x1.e9131abf0b767p-1},
   {0x1.1e941a19df84ap+0, -0x1.369297bfeed4ap-54, 0x1.14p+0, 0x1.dae6076b981dbp-1},

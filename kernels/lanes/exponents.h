@@ -1,4 +1,4 @@
-// Parts of a number: exponent and mantissa.
+// Exponent and mantissa of a number.
 #pragma once
 
 #include <immintrin.h>
@@ -6,18 +6,18 @@
 #include <bit>
 #include <cstdint>
 
-#include "kernels/lanes/images.h"
+#include "kernels/lanes/bits.h"
 
 namespace qor::lanes {
 
 inline f32 to_float(i32 x) { return __builtin_convertvector(x, f32); }
 
 // The biased exponent less `offset`, for x > 0.
-inline f32 biased_exponent(f32 x, float offset = 0) { return to_float(image(x) >> 23) - offset; }
+inline f32 biased_exponent(f32 x, float offset = 0) { return to_float(bits(x) >> 23) - offset; }
 inline f64 biased_exponent(f64 x, double offset = 0) {
   constexpr double shifter = 0x1p+52;  // there is no conversion from 64 bits below 512
   const auto biased = std::bit_cast<i64>(std::bit_cast<u64>(x) >> 52);
-  return from_image(biased | std::bit_cast<int64_t>(shifter)) - (shifter + offset);
+  return from_bits(biased | std::bit_cast<int64_t>(shifter)) - (shifter + offset);
 }
 
 // floor(log2 x), for normal x > 0.
@@ -43,7 +43,7 @@ inline f32 mantissa_around_one(f32 x) {
                                                     _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero));
 #else
   constexpr int32_t least = 0x3F400000;
-  return from_image(((image(x) - least) & 0x7FFFFF) + least);
+  return from_bits(((bits(x) - least) & 0x7FFFFF) + least);
 #endif
 }
 inline f64 mantissa_around_one(f64 x) {
@@ -52,7 +52,7 @@ inline f64 mantissa_around_one(f64 x) {
                                                     _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero));
 #else
   constexpr int64_t least = 0x3FE8000000000000;
-  return from_image(((image(x) - least) & 0xFFFFFFFFFFFFF) + least);
+  return from_bits(((bits(x) - least) & 0xFFFFFFFFFFFFF) + least);
 #endif
 }
 
