@@ -6,6 +6,7 @@
 
 #include "kernels/lanes/arithmetic.h"
 #include "kernels/lanes/bits.h"
+#include "kernels/lanes/complex.h"
 #include "kernels/lanes/convert.h"
 #include "kernels/lanes/estimates.h"
 #include "kernels/lanes/exponents.h"

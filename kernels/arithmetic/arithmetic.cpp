@@ -8,7 +8,6 @@
 // others to nearest.
 
 #include "kernels/frame/rows.h"
-#include "kernels/frame/simple.h"
 
 namespace qor::kernels {
 namespace {
@@ -20,39 +19,42 @@ inline constexpr Environment kPlainArithmetic<float>{X87::masks, Mxcsr::mask};
 template <>
 inline constexpr Environment kPlainArithmetic<double>{X87::double_precision, Mxcsr::from_mode};
 
-template <class T, int inputs>
-struct Arithmetic : Simple<T, inputs> {
-  static constexpr Environment environment = kPlainArithmetic<T>;
+template <class Signature>
+struct Arithmetic : Everywhere<Signature> {
+  static constexpr Traits traits{.environment = kPlainArithmetic<typename Arithmetic::Real>,
+                                 .group = 4,
+                                 .aligned_stores = true};
 };
 
 template <class T>
-struct Add : Arithmetic<T, 2> {
-  using typename Simple<T, 2>::V;
+struct Add : Arithmetic<T(T, T)> {
+  using typename Everywhere<T(T, T)>::V;
   V core(V a, V b) const { return lanes::ordered_sum(a, b); }
 };
 
 template <class T>
-struct Sub : Arithmetic<T, 2> {
-  using typename Simple<T, 2>::V;
+struct Sub : Arithmetic<T(T, T)> {
+  using typename Everywhere<T(T, T)>::V;
   V core(V a, V b) const { return a - b; }
 };
 
 template <class T>
-struct Mul : Arithmetic<T, 2> {
-  using typename Simple<T, 2>::V;
+struct Mul : Arithmetic<T(T, T)> {
+  using typename Everywhere<T(T, T)>::V;
   V core(V a, V b) const { return lanes::ordered_product(a, b); }
 };
 
 template <class T>
-struct Sqr : Arithmetic<T, 1> {
-  using typename Simple<T, 1>::V;
+struct Sqr : Arithmetic<T(T)> {
+  using typename Everywhere<T(T)>::V;
   V core(V a) const { return a * a; }
 };
 
 template <class T>
-struct Abs : Simple<T, 1> {
-  using typename Simple<T, 1>::V;
-  static constexpr Environment environment{X87::masks, Mxcsr::mask};
+struct Abs : Everywhere<T(T)> {
+  using typename Everywhere<T(T)>::V;
+  static constexpr Traits traits{
+      .environment = {X87::masks, Mxcsr::mask}, .group = 4, .aligned_stores = true};
 
   V core(V argument) const {
     const V x = lanes::loaded_once(argument);
@@ -62,15 +64,15 @@ struct Abs : Simple<T, 1> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Add, binary, A, 1, Add<float>)
-QOR_FILL_ROW(d, Add, binary, A, 1, Add<double>)
-QOR_FILL_ROW(s, Sub, binary, A, 1, Sub<float>)
-QOR_FILL_ROW(d, Sub, binary, A, 1, Sub<double>)
-QOR_FILL_ROW(s, Mul, binary, A, 1, Mul<float>)
-QOR_FILL_ROW(d, Mul, binary, A, 1, Mul<double>)
-QOR_FILL_ROW(s, Sqr, unary, A, 1, Sqr<float>)
-QOR_FILL_ROW(d, Sqr, unary, A, 1, Sqr<double>)
-QOR_FILL_ROW(s, Abs, unary, A, 1, Abs<float>)
-QOR_FILL_ROW(d, Abs, unary, A, 1, Abs<double>)
+QOR_FILL_ROW(s, Add, binary, Add<float>)
+QOR_FILL_ROW(d, Add, binary, Add<double>)
+QOR_FILL_ROW(s, Sub, binary, Sub<float>)
+QOR_FILL_ROW(d, Sub, binary, Sub<double>)
+QOR_FILL_ROW(s, Mul, binary, Mul<float>)
+QOR_FILL_ROW(d, Mul, binary, Mul<double>)
+QOR_FILL_ROW(s, Sqr, unary, Sqr<float>)
+QOR_FILL_ROW(d, Sqr, unary, Sqr<double>)
+QOR_FILL_ROW(s, Abs, unary, Abs<float>)
+QOR_FILL_ROW(d, Abs, unary, Abs<double>)
 
 }  // namespace qor::kernels

@@ -17,10 +17,10 @@ namespace {
 
 // Infinities are numbers like others, and take the vector path.
 template <class T>
-struct Comparison : Binary<T> {
-  using typename Binary<T>::V;
-  using typename Binary<T>::LaneSet;
-  static constexpr int registers = 4;
+struct Comparison : Guarded<T(T, T)> {
+  using typename Guarded<T(T, T)>::V;
+  using typename Guarded<T(T, T)>::LaneSet;
+  static constexpr Traits traits{.group = 4};
   LaneSet special(V a, V b) const { return lanes::unordered(a, b); }
 };
 
@@ -35,7 +35,6 @@ Outcome<T> choose_number(T a, T b, Choose choose) {
 template <class T>
 struct Fmax : Comparison<T> {
   using typename Comparison<T>::V;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsFmax" : "vdFmax";
 
   V core(V a, V b) const { return lanes::maximum(a, b); }
   Outcome<T> scalar(T a, T b) const {
@@ -46,7 +45,6 @@ struct Fmax : Comparison<T> {
 template <class T>
 struct Fmin : Comparison<T> {
   using typename Comparison<T>::V;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsFmin" : "vdFmin";
 
   V core(V a, V b) const { return lanes::minimum(a, b); }
   Outcome<T> scalar(T a, T b) const {
@@ -57,7 +55,6 @@ struct Fmin : Comparison<T> {
 template <class T>
 struct MaxMag : Comparison<T> {
   using typename Comparison<T>::V;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsMaxMag" : "vdMaxMag";
 
   V core(V a, V b) const {
     const V s = lanes::abs(a), t = lanes::abs(b);
@@ -75,7 +72,6 @@ struct MaxMag : Comparison<T> {
 template <class T>
 struct MinMag : Comparison<T> {
   using typename Comparison<T>::V;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsMinMag" : "vdMinMag";
 
   V core(V a, V b) const {
     const V s = lanes::abs(a), t = lanes::abs(b);
@@ -94,7 +90,6 @@ template <class T>
 struct Fdim : Comparison<T> {
   using typename Comparison<T>::V;
   using typename Comparison<T>::LaneSet;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsFdim" : "vdFdim";
 
   LaneSet special(V a, V b) const { return lanes::not_finite(a) | lanes::not_finite(b); }
 
@@ -110,15 +105,15 @@ struct Fdim : Comparison<T> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Fmax, binary, A, 1, Fmax<float>)
-QOR_FILL_ROW(d, Fmax, binary, A, 1, Fmax<double>)
-QOR_FILL_ROW(s, Fmin, binary, A, 1, Fmin<float>)
-QOR_FILL_ROW(d, Fmin, binary, A, 1, Fmin<double>)
-QOR_FILL_ROW(s, MaxMag, binary, A, 1, MaxMag<float>)
-QOR_FILL_ROW(d, MaxMag, binary, A, 1, MaxMag<double>)
-QOR_FILL_ROW(s, MinMag, binary, A, 1, MinMag<float>)
-QOR_FILL_ROW(d, MinMag, binary, A, 1, MinMag<double>)
-QOR_FILL_ROW(s, Fdim, binary, A, 1, Fdim<float>)
-QOR_FILL_ROW(d, Fdim, binary, A, 1, Fdim<double>)
+QOR_FILL_ROW(s, Fmax, binary, Fmax<float>)
+QOR_FILL_ROW(d, Fmax, binary, Fmax<double>)
+QOR_FILL_ROW(s, Fmin, binary, Fmin<float>)
+QOR_FILL_ROW(d, Fmin, binary, Fmin<double>)
+QOR_FILL_ROW(s, MaxMag, binary, MaxMag<float>)
+QOR_FILL_ROW(d, MaxMag, binary, MaxMag<double>)
+QOR_FILL_ROW(s, MinMag, binary, MinMag<float>)
+QOR_FILL_ROW(d, MinMag, binary, MinMag<double>)
+QOR_FILL_ROW(s, Fdim, binary, Fdim<float>)
+QOR_FILL_ROW(d, Fdim, binary, Fdim<double>)
 
 }  // namespace qor::kernels

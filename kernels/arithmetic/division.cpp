@@ -25,14 +25,10 @@ Outcome<T> divide_by_zero(T a, T b) {
 }
 
 template <class T>
-struct Inv : Unary<T> {
-  using typename Unary<T>::V;
-  using typename Unary<T>::LaneSet;
-  static constexpr int registers = 4;
-  static constexpr bool is_single = sizeof(T) == sizeof(float);
-  static constexpr const char* name = is_single ? "vsInv" : "vdInv";
-  static constexpr const char* strided_name = is_single ? "vsInvI" : "vdInvI";
-  static constexpr Environment environment = kDivision<T>;
+struct Inv : Guarded<T(T)> {
+  using typename Guarded<T(T)>::V;
+  using typename Guarded<T(T)>::LaneSet;
+  static constexpr Traits traits{.strided_name = true, .environment = kDivision<T>, .group = 4};
 
   V core(V x) const { return T{1} / x; }
   LaneSet special(V x) const { return lanes::equal(x, V{}); }
@@ -40,14 +36,10 @@ struct Inv : Unary<T> {
 };
 
 template <class T>
-struct Div : Binary<T> {
-  using typename Binary<T>::V;
-  using typename Binary<T>::LaneSet;
-  static constexpr int registers = 4;
-  static constexpr bool is_single = sizeof(T) == sizeof(float);
-  static constexpr const char* name = is_single ? "vsDiv" : "vdDiv";
-  static constexpr const char* strided_name = is_single ? "vsDivI" : "vdDivI";
-  static constexpr Environment environment = kDivision<T>;
+struct Div : Guarded<T(T, T)> {
+  using typename Guarded<T(T, T)>::V;
+  using typename Guarded<T(T, T)>::LaneSet;
+  static constexpr Traits traits{.strided_name = true, .environment = kDivision<T>, .group = 4};
 
   V core(V a, V b) const { return a / b; }
   LaneSet special(V, V b) const { return lanes::equal(b, V{}); }
@@ -56,9 +48,9 @@ struct Div : Binary<T> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Inv, unary, A, 1, Inv<float>)
-QOR_FILL_ROW(d, Inv, unary, A, 1, Inv<double>)
-QOR_FILL_ROW(s, Div, binary, A, 1, Div<float>)
-QOR_FILL_ROW(d, Div, binary, A, 1, Div<double>)
+QOR_FILL_ROW(s, Inv, unary, Inv<float>)
+QOR_FILL_ROW(d, Inv, unary, Inv<double>)
+QOR_FILL_ROW(s, Div, binary, Div<float>)
+QOR_FILL_ROW(d, Div, binary, Div<double>)
 
 }  // namespace qor::kernels

@@ -22,17 +22,16 @@ lanes::Two<V> finite_parts(V x) {
 
 // Both parts of an infinity or a NaN.
 template <class T>
-TwoOutcomes<T> special_parts(T x) {
+Two<T> special_parts(T x) {
   if (std::isnan(x)) return {x + x, x + x};
   return {x, std::copysign(T{0}, x)};
 }
 
 template <class T>
-struct Frac : Unary<T> {
-  using typename Unary<T>::V;
-  using typename Unary<T>::LaneSet;
-  static constexpr int registers = 4;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsFrac" : "vdFrac";
+struct Frac : Guarded<T(T)> {
+  using typename Guarded<T(T)>::V;
+  using typename Guarded<T(T)>::LaneSet;
+  static constexpr Traits traits{.group = 4};
 
   V core(V x) const { return finite_parts(x).second; }
   LaneSet special(V x) const { return lanes::not_finite(x); }
@@ -40,22 +39,21 @@ struct Frac : Unary<T> {
 };
 
 template <class T>
-struct Modf : Function<T, 1, 2> {
-  using typename Function<T, 1, 2>::V;
-  using typename Function<T, 1, 2>::LaneSet;
-  static constexpr int registers = 4;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsModf" : "vdModf";
+struct Modf : Guarded<Two<T>(T)> {
+  using typename Guarded<Two<T>(T)>::V;
+  using typename Guarded<Two<T>(T)>::LaneSet;
+  static constexpr Traits traits{.group = 4};
 
-  lanes::Two<V> core(V x) const { return finite_parts(x); }
+  Two<V> core(V x) const { return finite_parts(x); }
   LaneSet special(V x) const { return lanes::not_finite(x); }
-  TwoOutcomes<T> scalar(T x) const { return special_parts(x); }
+  Outcome<Two<T>> scalar(T x) const { return {special_parts(x)}; }
 };
 
 }  // namespace
 
-QOR_FILL_ROW(s, Frac, unary, A, 1, Frac<float>)
-QOR_FILL_ROW(d, Frac, unary, A, 1, Frac<double>)
-QOR_FILL_ROW(s, Modf, two_outputs, A, 1, Modf<float>)
-QOR_FILL_ROW(d, Modf, two_outputs, A, 1, Modf<double>)
+QOR_FILL_ROW(s, Frac, unary, Frac<float>)
+QOR_FILL_ROW(d, Frac, unary, Frac<double>)
+QOR_FILL_ROW(s, Modf, two_outputs, Modf<float>)
+QOR_FILL_ROW(d, Modf, two_outputs, Modf<double>)
 
 }  // namespace qor::kernels

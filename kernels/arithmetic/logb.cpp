@@ -25,9 +25,7 @@ Outcome<T> logb_scalar(T x, T scale, int fraction_bits, Bits bias) {
   return {static_cast<T>(biased - bias)};
 }
 
-struct SLogb : Unary<float> {
-  static constexpr const char* name = "vsLogb";
-
+struct SLogb : Guarded<float(float)> {
   V core(V x) const { return lanes::to_float((bits(abs(x)) >> 23) - 127); }
   LaneSet special(V x) const { return log_vector::special(abs(x)); }
   Outcome<float> scalar(float x) const {
@@ -35,9 +33,7 @@ struct SLogb : Unary<float> {
   }
 };
 
-struct DLogb : Unary<double> {
-  static constexpr const char* name = "vdLogb";
-
+struct DLogb : Guarded<double(double)> {
   V core(V x) const { return lanes::exponent(abs(x)); }
   LaneSet special(V x) const { return log_vector::special(abs(x)); }
   Outcome<double> scalar(double x) const {
@@ -47,7 +43,7 @@ struct DLogb : Unary<double> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Logb, unary, A, 1, SLogb)
-QOR_FILL_ROW(d, Logb, unary, A, 1, DLogb)
+QOR_FILL_ROW(s, Logb, unary, SLogb)
+QOR_FILL_ROW(d, Logb, unary, DLogb)
 
 }  // namespace qor::kernels

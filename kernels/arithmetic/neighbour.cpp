@@ -10,7 +10,6 @@
 #include <limits>
 
 #include "kernels/frame/rows.h"
-#include "kernels/frame/simple.h"
 #include "kernels/scalar/bits.h"
 #include "kernels/scalar/signals.h"
 
@@ -18,8 +17,9 @@ namespace qor::kernels {
 namespace {
 
 template <class T>
-struct CopySign : Simple<T, 2> {
-  using typename Simple<T, 2>::V;
+struct CopySign : Everywhere<T(T, T)> {
+  using typename Everywhere<T(T, T)>::V;
+  static constexpr Traits traits{.group = 4, .aligned_stores = true};
   V core(V a, V b) const { return lanes::with_sign(lanes::abs(a), b); }
 };
 
@@ -35,12 +35,11 @@ struct Steppable<double> {
 };
 
 template <class T>
-struct NextAfter : Binary<T> {
-  using typename Binary<T>::V;
-  using typename Binary<T>::I;
-  using typename Binary<T>::LaneSet;
-  static constexpr int registers = 4;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsNextAfter" : "vdNextAfter";
+struct NextAfter : Guarded<T(T, T)> {
+  using typename Guarded<T(T, T)>::V;
+  using typename Guarded<T(T, T)>::I;
+  using typename Guarded<T(T, T)>::LaneSet;
+  static constexpr Traits traits{.group = 4};
 
   V core(V x, V y) const {
     const I towards_zero = (x > T{0}) ^ (y > x);  // where x and y differ
@@ -79,9 +78,9 @@ struct NextAfter : Binary<T> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, CopySign, binary, A, 1, CopySign<float>)
-QOR_FILL_ROW(d, CopySign, binary, A, 1, CopySign<double>)
-QOR_FILL_ROW(s, NextAfter, binary, A, 1, NextAfter<float>)
-QOR_FILL_ROW(d, NextAfter, binary, A, 1, NextAfter<double>)
+QOR_FILL_ROW(s, CopySign, binary, CopySign<float>)
+QOR_FILL_ROW(d, CopySign, binary, CopySign<double>)
+QOR_FILL_ROW(s, NextAfter, binary, NextAfter<float>)
+QOR_FILL_ROW(d, NextAfter, binary, NextAfter<double>)
 
 }  // namespace qor::kernels

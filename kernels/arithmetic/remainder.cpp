@@ -127,12 +127,11 @@ T remainder_by_long_division(T x, T y) {
 // ---- Functions ------------------------------------------------------------------------------
 
 template <class T>
-struct Fmod : Binary<T> {
-  using typename Binary<T>::V;
-  using typename Binary<T>::M;
-  using typename Binary<T>::LaneSet;
-  static constexpr int registers = 2;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsFmod" : "vdFmod";
+struct Fmod : Guarded<T(T, T)> {
+  using typename Guarded<T(T, T)>::V;
+  using typename Guarded<T(T, T)>::M;
+  using typename Guarded<T(T, T)>::LaneSet;
+  static constexpr Traits traits{.group = 2};
 
   V core(V x, V y) const {
     const V a = lanes::abs(x), b = lanes::abs(y);
@@ -153,12 +152,11 @@ struct Fmod : Binary<T> {
 };
 
 template <class T>
-struct Remainder : Binary<T> {
-  using typename Binary<T>::V;
-  using typename Binary<T>::M;
-  using typename Binary<T>::LaneSet;
-  static constexpr int registers = 2;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsRemainder" : "vdRemainder";
+struct Remainder : Guarded<T(T, T)> {
+  using typename Guarded<T(T, T)>::V;
+  using typename Guarded<T(T, T)>::M;
+  using typename Guarded<T(T, T)>::LaneSet;
+  static constexpr Traits traits{.group = 2};
   static constexpr T nan_factor = static_cast<T>(1.7);  // any factor quiets a NaN
 
   V core(V x, V y) const {
@@ -183,9 +181,9 @@ struct Remainder : Binary<T> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Remainder, binary, A, 1, Remainder<float>)
-QOR_FILL_ROW(d, Remainder, binary, A, 1, Remainder<double>)
-QOR_FILL_ROW(s, Fmod, binary, A, 1, Fmod<float>)
-QOR_FILL_ROW(d, Fmod, binary, A, 1, Fmod<double>)
+QOR_FILL_ROW(s, Remainder, binary, Remainder<float>)
+QOR_FILL_ROW(d, Remainder, binary, Remainder<double>)
+QOR_FILL_ROW(s, Fmod, binary, Fmod<float>)
+QOR_FILL_ROW(d, Fmod, binary, Fmod<double>)
 
 }  // namespace qor::kernels

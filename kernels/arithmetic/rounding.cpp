@@ -9,56 +9,60 @@
 
 #include "kernels/arithmetic/rounding_core.h"
 #include "kernels/frame/rows.h"
-#include "kernels/frame/simple.h"
 
 namespace qor::kernels {
 namespace {
 
 template <class T>
-struct Ceil : Simple<T, 1> {
-  using typename Simple<T, 1>::V;
+struct Rounding : Everywhere<T(T)> {
+  static constexpr Traits traits{.group = 4, .aligned_stores = true};
+};
+
+template <class T>
+struct Ceil : Rounding<T> {
+  using typename Rounding<T>::V;
   V core(V x) const { return rounding::up(x); }
 };
 
 template <class T>
-struct Floor : Simple<T, 1> {
-  using typename Simple<T, 1>::V;
+struct Floor : Rounding<T> {
+  using typename Rounding<T>::V;
   V core(V x) const { return rounding::down(x); }
 };
 
 template <class T>
-struct Trunc : Simple<T, 1> {
-  using typename Simple<T, 1>::V;
+struct Trunc : Rounding<T> {
+  using typename Rounding<T>::V;
   V core(V x) const { return rounding::to_zero(x); }
 };
 
 // Halves go away from zero.
 template <class T>
-struct Round : Simple<T, 1> {
-  using typename Simple<T, 1>::V;
+struct Round : Rounding<T> {
+  using typename Rounding<T>::V;
   V core(V x) const { return rounding::half_away(x); }
 };
 
 // Halves go to even.
 template <class T>
-struct Rint : Simple<T, 1> {
-  using typename Simple<T, 1>::V;
+struct Rint : Rounding<T> {
+  using typename Rounding<T>::V;
   V core(V x) const { return rounding::nearest(x); }
 };
 
 }  // namespace
 
-QOR_FILL_ROW(s, Ceil, unary, A, 1, Ceil<float>)
-QOR_FILL_ROW(d, Ceil, unary, A, 1, Ceil<double>)
-QOR_FILL_ROW(s, Floor, unary, A, 1, Floor<float>)
-QOR_FILL_ROW(d, Floor, unary, A, 1, Floor<double>)
-QOR_FILL_ROW(s, Trunc, unary, A, 1, Trunc<float>)
-QOR_FILL_ROW(d, Trunc, unary, A, 1, Trunc<double>)
-QOR_FILL_ROW(s, Round, unary, A, 1, Round<float>)
-QOR_FILL_ROW(d, Round, unary, A, 1, Round<double>)
-QOR_FILL_ROW(s, Rint, unary, A, 1, Rint<float>)
-QOR_FILL_ROW(d, Rint, unary, A, 1, Rint<double>)
-QOR_FILL_ROW(s, NearbyInt, unary, A, 1, Rint<float>)
-QOR_FILL_ROW(d, NearbyInt, unary, A, 1, Rint<double>)
+QOR_FILL_ROW(s, Ceil, unary, Ceil<float>)
+QOR_FILL_ROW(d, Ceil, unary, Ceil<double>)
+QOR_FILL_ROW(s, Floor, unary, Floor<float>)
+QOR_FILL_ROW(d, Floor, unary, Floor<double>)
+QOR_FILL_ROW(s, Trunc, unary, Trunc<float>)
+QOR_FILL_ROW(d, Trunc, unary, Trunc<double>)
+QOR_FILL_ROW(s, Round, unary, Round<float>)
+QOR_FILL_ROW(d, Round, unary, Round<double>)
+QOR_FILL_ROW(s, Rint, unary, Rint<float>)
+QOR_FILL_ROW(d, Rint, unary, Rint<double>)
+QOR_FILL_ROW(s, NearbyInt, unary, Rint<float>)
+QOR_FILL_ROW(d, NearbyInt, unary, Rint<double>)
 
 }  // namespace qor::kernels

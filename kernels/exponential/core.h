@@ -5,6 +5,7 @@
 #pragma once
 
 #include "kernels/exponential/tables/exp_tables.h"
+#include "kernels/frame.h"
 #include "kernels/lanes.h"
 
 namespace qor::kernels::exp_core {
@@ -142,6 +143,31 @@ inline f64 times_short_power(f64 lead, f64 rest, i64 shifted) {
   const f64 sum = multiply_add(lead, high, high);
   const f64 lost = multiply_add(lead, high, high - sum);
   return scaled<4>(sum + (lost + multiply_add(rest, high, low)), shifted);
+}
+
+// ---- Wide form ------------------------------------------------------------------------------
+
+// Where results leave the type's range: +infinity from `overflow` up, 0 from `underflow` down.
+template <class T>
+struct Range {
+  T overflow, underflow;
+};
+
+// A block with special lanes: `core` on the ordinary ones; infinities and results beyond the range.
+// What is left are results at the range's ends, denormal ones above all.
+template <class T, class V, class Core>
+inline Wide<T> wide(V x, lanes::LaneSet<T> special, Range<T> range, Core core) {
+  constexpr T infinity = std::numeric_limits<T>::infinity();
+  const auto infinite = lanes::equal(lanes::abs(x), broadcast(infinity));
+  const auto above = lanes::at_least(x, range.overflow);
+  const auto below = lanes::at_most(x, range.underflow);
+  V y = core(lanes::select(special, T{0}, x));
+  y = lanes::select(above, infinity, y);
+  y = lanes::select(below, T{0}, y);
+  return {.value = y,
+          .left = special.without(above | below),
+          .overflow = above.without(infinite),
+          .underflow = below.without(infinite)};
 }
 
 }  // namespace qor::kernels::exp_core

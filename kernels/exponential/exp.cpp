@@ -20,9 +20,9 @@ using lanes::broadcast;
 
 // ---- Single ---------------------------------------------------------------------------------
 
-struct SExp : Unary<float> {
-  static constexpr const char* name = "vsExp";
-  static constexpr int registers = exp_core::registers;
+struct SExp : Tiered<float(float)> {
+  static constexpr Traits traits{
+      .group = exp_core::registers, .nan_passes = true, .code_flags = CodeFlags::of_heard_codes};
   // ln 2 / 128
   static constexpr auto step = exp_core::step_of_level<128>(
       exp_core::Step<float>{0x1.715476p+7f, 0x1.8p+23f, 0x1.63p-8f, -0x1.bd0106p-20f},
@@ -43,6 +43,13 @@ struct SExp : Unary<float> {
     return lanes::above(lanes::bits(lanes::abs(x)), limits::sexp::fast_image);
   }
 
+  Wide<float> wide(V x, LaneSet special_lanes) const {
+    using namespace limits::sexp;
+    return exp_core::wide<float>(x, special_lanes,
+                                 {next_magnitude(overflow), next_magnitude(underflow)},
+                                 [&](V ordinary) { return core(ordinary); });
+  }
+
   Outcome<float> scalar(float x) const {
     using namespace limits::sexp;
     if (exp_scalar::special(x)) return exp_scalar::at_special(x);
@@ -51,20 +58,13 @@ struct SExp : Unary<float> {
     if (x < underflow) return exp_scalar::underflow<float>();
     return exp_scalar::in_range<float>(exp_scalar::natural_of_float(x), x < denormal);
   }
-
-  M settle(V x, V& y) const {
-    const M over = x > limits::sexp::overflow, under = x < limits::sexp::underflow;
-    y = over ? broadcast(std::numeric_limits<float>::infinity()) : y;
-    y = under ? broadcast(0.0f) : y;
-    return over | under;
-  }
 };
 
 // ---- Double ---------------------------------------------------------------------------------
 
-struct DExp : Unary<double> {
-  static constexpr const char* name = "vdExp";
-  static constexpr int registers = exp_core::registers;
+struct DExp : Tiered<double(double)> {
+  static constexpr Traits traits{
+      .group = exp_core::registers, .nan_passes = true, .code_flags = CodeFlags::of_heard_codes};
   static constexpr auto step = exp_core::step_of_level<64>(
       exp_core::Step<double>{exp_scalar::steps_per_unit, exp_scalar::shifter, exp_scalar::step_high,
                              exp_scalar::step_low});
@@ -86,6 +86,13 @@ struct DExp : Unary<double> {
     return lanes::high_word_above(lanes::bits(lanes::abs(x)), limits::dexp::fast_high_word);
   }
 
+  Wide<double> wide(V x, LaneSet special_lanes) const {
+    using namespace limits::dexp;
+    return exp_core::wide<double>(x, special_lanes,
+                                  {next_magnitude(overflow), next_magnitude(underflow)},
+                                  [&](V ordinary) { return core(ordinary); });
+  }
+
   Outcome<double> scalar(double x) const {
     using namespace limits::dexp;
     if (exp_scalar::special(x)) return exp_scalar::at_special(x);
@@ -94,18 +101,11 @@ struct DExp : Unary<double> {
     if (x < underflow) return exp_scalar::underflow<double>();
     return exp_scalar::in_range<double>(exp_scalar::natural_of_double(x), x < denormal);
   }
-
-  M settle(V x, V& y) const {
-    const M over = x > limits::dexp::overflow, under = x < limits::dexp::underflow;
-    y = over ? broadcast(std::numeric_limits<double>::infinity()) : y;
-    y = under ? broadcast(0.0) : y;
-    return over | under;
-  }
 };
 
 }  // namespace
 
-QOR_FILL_ROW(s, Exp, unary, A, 1, SExp)
-QOR_FILL_ROW(d, Exp, unary, A, 1, DExp)
+QOR_FILL_ROW(s, Exp, unary, SExp)
+QOR_FILL_ROW(d, Exp, unary, DExp)
 
 }  // namespace qor::kernels

@@ -31,9 +31,8 @@ exp_scalar::ScaledSum parts(double x) {
 
 // ---- Single ---------------------------------------------------------------------------------
 
-struct SExp10 : Unary<float> {
-  static constexpr const char* name = "vsExp10";
-  static constexpr int registers = exp_core::registers;
+struct SExp10 : Guarded<float(float)> {
+  static constexpr Traits traits{.group = exp_core::registers};
   // log10(2) / 128
   static constexpr auto step = exp_core::step_of_level<128>(
       exp_core::Step<float>{0x1.a934fp+8f, 0x1.8p+23f, 0x1.348p-9f, -0x1.f657bp-20f},
@@ -67,9 +66,8 @@ struct SExp10 : Unary<float> {
 
 // ---- Double ---------------------------------------------------------------------------------
 
-struct DExp10 : Unary<double> {
-  static constexpr const char* name = "vdExp10";
-  static constexpr int registers = exp_core::registers;
+struct DExp10 : Guarded<double(double)> {
+  static constexpr Traits traits{.group = exp_core::registers};
   // log10(2) / 128
   static constexpr auto step = exp_core::step_of_level<128>(exp_core::Step<double>{
       0x1.a934f0979a371p+8, 0x1.88p+52, 0x1.3441350ap-9, -0x1.0c0219dc1da99p-46});
@@ -103,7 +101,7 @@ struct DExp10 : Unary<double> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Exp10, unary, A, 1, SExp10)
-QOR_FILL_ROW(d, Exp10, unary, A, 1, DExp10)
+QOR_FILL_ROW(s, Exp10, unary, SExp10)
+QOR_FILL_ROW(d, Exp10, unary, DExp10)
 
 }  // namespace qor::kernels

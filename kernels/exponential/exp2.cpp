@@ -30,9 +30,8 @@ exp_scalar::ScaledSum parts(double x) {
 
 // ---- Single ---------------------------------------------------------------------------------
 
-struct SExp2 : Unary<float> {
-  static constexpr const char* name = "vsExp2";
-  static constexpr int registers = exp_core::registers;
+struct SExp2 : Guarded<float(float)> {
+  static constexpr Traits traits{.group = exp_core::registers};
 
   static constexpr float shifter = 0x1.8p+23f / exp_core::steps<float, 64>;
 
@@ -62,9 +61,8 @@ struct SExp2 : Unary<float> {
 
 // ---- Double ---------------------------------------------------------------------------------
 
-struct DExp2 : Unary<double> {
-  static constexpr const char* name = "vdExp2";
-  static constexpr int registers = exp_core::registers;
+struct DExp2 : Guarded<double(double)> {
+  static constexpr Traits traits{.group = exp_core::registers};
   static constexpr double shifter = exp_scalar::shifter / exp_core::steps<double, 64>;
 
   V core(V x) const {
@@ -92,7 +90,7 @@ struct DExp2 : Unary<double> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Exp2, unary, A, 1, SExp2)
-QOR_FILL_ROW(d, Exp2, unary, A, 1, DExp2)
+QOR_FILL_ROW(s, Exp2, unary, SExp2)
+QOR_FILL_ROW(d, Exp2, unary, DExp2)
 
 }  // namespace qor::kernels

@@ -20,8 +20,7 @@ using lanes::bits;
 using lanes::broadcast;
 using lanes::multiply_add;
 
-struct SExpm1 : Unary<float> {
-  static constexpr const char* name = "vsExpm1";
+struct SExpm1 : Guarded<float(float)> {
   // ln 2 / 64
   static constexpr auto step = exp_core::step_of_level<64>(
       exp_core::Step<float>{0x1.715476p+6f, 0x1.8p+23f, 0x1.63p-7f, -0x1.bd0106p-19f},
@@ -108,6 +107,6 @@ struct SExpm1 : Unary<float> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Expm1, unary, A, 1, SExpm1)
+QOR_FILL_ROW(s, Expm1, unary, SExpm1)
 
 }  // namespace qor::kernels

@@ -43,10 +43,9 @@ inline int64_t bits_in_memory(const double& x) {
 // `Number` is what the arithmetic is done in. Decisions look at integer bits: a comparison would
 // look at MXCSR.
 template <class Number>
-struct DExpm1 : Unary<double> {
-  static constexpr const char* name = "vdExpm1";
-  static constexpr const char* strided_name = "vdExpm1I";
-  static constexpr Environment environment{X87::double_precision, Mxcsr::none};
+struct DExpm1 : Walked<double(double)> {
+  static constexpr Traits traits{.strided_name = true,
+                                 .environment = {X87::double_precision, Mxcsr::none}};
 
   // |x| < 1/32. Terms are paired for a short chain of operations, here and below.
   static Number near_zero(Number x) {
@@ -131,12 +130,7 @@ struct DExpm1 : Unary<double> {
 
 }  // namespace
 
-extern "C" void qor_kernel_dExpm1_A(int32_t n, const double* a, double* y) {
-  contiguous<DExpm1<long double>>(n, a, y);
-}
-extern "C" void qor_kernel_dExpm1I_A(int32_t n, const double* a, int32_t inca, double* y,
-                                     int32_t incy) {
-  strided<DExpm1<double>>(qor_ark_kernel_dExpm1_ttab[1])(n, a, inca, y, incy);
-}
+QOR_FILL_CONTIGUOUS(d, Expm1, unary, A, DExpm1<long double>)
+QOR_FILL_STRIDED(d, Expm1, unary, A, DExpm1<double>)
 
 }  // namespace qor::kernels

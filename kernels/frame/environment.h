@@ -91,8 +91,8 @@ inline void change_mxcsr(FpEnvSave& save, uint32_t word) {
   save.changed |= changed_mxcsr;
 }
 
-inline void enter_mxcsr_from_mode(FpEnvSave& save, uint32_t mode) {
-  const bool flush = (mode & QOR_MODE_DENORMALS) == QOR_MODE_FLUSH_DENORMALS;
+inline void enter_mxcsr_from_mode(FpEnvSave& save) {
+  const bool flush = (frame::mode() & QOR_MODE_DENORMALS) == QOR_MODE_FLUSH_DENORMALS;
   const uint32_t target = mxcsr_masks | (flush ? mxcsr_flush : 0);
   save.savedMxcsr = mxcsr();
   if ((save.savedMxcsr & mxcsr_control) == target) return;
@@ -108,20 +108,19 @@ inline void enter_mxcsr_mask(FpEnvSave& save) {
 }  // namespace detail
 
 // Sets up the environment for arithmetic that is certain to raise the x87 flags `to_be_raised`.
-// Returns the thread's mode word where the form reads it, else 0.
 template <Environment environment>
-inline uint32_t enter(FpEnvSave& save, uint16_t to_be_raised = 0) {
-  uint32_t mode = 0;
+inline void enter(FpEnvSave& save, uint16_t to_be_raised = 0) {
   save.changed = 0;
   detail::enter_x87<environment.x87>(save, to_be_raised);
   if constexpr (environment.mxcsr == Mxcsr::from_mode) {
-    mode = frame::mode();
-    detail::enter_mxcsr_from_mode(save, mode);
+    detail::enter_mxcsr_from_mode(save);
   } else if constexpr (environment.mxcsr == Mxcsr::mask) {
     detail::enter_mxcsr_mask(save);
   }
-  return mode;
 }
+
+// Whether denormal arguments count as zero in the environment in force.
+inline bool denormals_are_zero() { return (detail::mxcsr() & 0x40) != 0; }
 
 // Gives back what was changed; MXCSR flags raised inside survive.
 inline void leave(const FpEnvSave& save) {

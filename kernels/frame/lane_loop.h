@@ -1,111 +1,96 @@
-// The lane loop and its masked tail; the walk over elements of functions without a vector path.
+// A call: the loops over blocks, the masked parts of a block, the walk over elements of functions
+// without a vector path; and the environment around them.
 #pragma once
 
 #include <cstdint>
 
-#include "kernels/frame/side_path.h"
+#include "kernels/frame/environment.h"
+#include "kernels/frame/loops.h"
 
 namespace qor::kernels {
 
-// Lanes of a block that need care, as bits.
-template <class F>
-inline uint32_t special_lanes(const F& f, const Inputs<F>& x) {
-  if constexpr (has_side_path<F>) {
-    return lanes::lane_bits(special_of(f, x));
+// `count` elements from i on, at least one and fewer than a register has. Lanes that are not in use
+// are never special, whatever stands in for them.
+template <class F, class Vectors>
+inline void run_part(const F& f, const Vectors& vectors, int64_t i, int count, Reports& reports) {
+  Inputs<F> x;
+  for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load_first(k, i, count);
+  const uint32_t used = lanes::first_lanes(count);
+  const Outputs<F> y = [&] {
+    if constexpr (has_special_lanes<F>) {
+      if ((special_bits(f, x) & used) == 0) {
+        const Computed<F> block = compute(f, x);
+        if ((block.special & used) == 0) [[likely]]
+          return block.y;
+      }
+      return special_block(f, vectors, i, x, used, reports);
+    } else {
+      return compute(f, x).y;
+    }
+  }();
+  for (int k = 0; k < F::outputs; ++k) vectors.store_first(k, i, count, y.at[k]);
+}
+
+// Elements to do before the output meets a register's alignment; none when it never does, or when
+// the vector is too short to gain by it.
+template <class T>
+inline int elements_to_alignment(const T* y, int64_t n) {
+  constexpr int shortest_run = 8;  // elements that must be left behind the peel
+  const auto past = static_cast<unsigned>(reinterpret_cast<uintptr_t>(y) % lanes::register_bytes);
+  if (past == 0 || past % sizeof(T) != 0) return 0;
+  const auto peel = static_cast<int>((lanes::register_bytes - past) / sizeof(T));
+  return n >= peel + shortest_run ? peel : 0;
+}
+
+// A block with special lanes, and in the form that has one the run of such blocks in the wide form;
+// returns where that ends.
+template <class F, class Vectors>
+inline int64_t run_special_blocks(const F& f, const Vectors& vectors, int64_t i, int64_t n,
+                                  Reports& reports) {
+  constexpr int width = block_width<F>;
+  const auto run_one = [&] {
+    const Inputs<F> x = load_block<F>(vectors, i);
+    const Outputs<F> y = special_block(f, vectors, i, x, lanes::first_lanes(width), reports);
+    store_block<F>(vectors, i, y);
+    i += width;
+  };
+  if constexpr (F::form == Form::tiered) {
+    while (i + width <= n) {
+      const WideRun run = run_wide_blocks<F, Vectors>(f, vectors, i, n, reports);
+      i = run.i;
+      if (!run.is_left) break;
+      run_one();
+    }
   } else {
-    return 0;
-  }
-}
-
-// Runs groups of F::registers blocks, with one test of care for all, up to a group with a lane that
-// needs care; returns where it stopped. For functions of a few instructions, where the test weighs,
-// and for those whose chain of operations is too long for the processor to see the next block.
-template <class F, class Vectors>
-inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i, int64_t n) {
-  constexpr int width = lanes::Lanes<typename F::Real>::count;
-  constexpr int group = F::registers * width;
-  for (; i + group <= n; i += group) {
-    Inputs<F> x[F::registers];
-    for (int r = 0; r < F::registers; ++r) {
-      for (int k = 0; k < F::inputs; ++k) x[r].at[k] = vectors.load(k, i + r * width);
-    }
-    auto found = special_of(f, x[0]);
-    for (int r = 1; r < F::registers; ++r) found = found | special_of(f, x[r]);
-    if (lanes::lane_bits(found) != 0) [[unlikely]]
-      return i;
-    Computed<F> block[F::registers];
-    uint32_t special = 0;
-    for (int r = 0; r < F::registers; ++r) {
-      block[r] = compute(f, x[r]);
-      special |= block[r].special;
-    }
-    if (special != 0) [[unlikely]]
-      return i;
-    for (int r = 0; r < F::registers; ++r) {
-      for (int k = 0; k < F::outputs; ++k) vectors.store(k, i + r * width, block[r].y.at[k]);
-    }
-  }
-  return i;
-}
-
-// Runs whole blocks from element i on, up to one with a lane that needs care; returns where it
-// stopped. A function of its own without any call in its loop, so that constants stay in registers
-// (no vector register survives a call).
-template <class F, class Vectors>
-[[gnu::noinline]] int64_t run_calm_blocks(const F f, const Vectors& given, int64_t i, int64_t n) {
-  const Vectors vectors = given;
-  constexpr int width = lanes::Lanes<typename F::Real>::count;
-  if constexpr (requires { F::registers; }) i = run_calm_groups(f, vectors, i, n);
-  for (; i + width <= n; i += width) {
-    Inputs<F> x;
-    for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i);
-    if (special_lanes(f, x) != 0) [[unlikely]]
-      return i;
-    const Computed<F> block = compute(f, x);
-    if (block.special != 0) [[unlikely]]
-      return i;
-    for (int k = 0; k < F::outputs; ++k) vectors.store(k, i, block.y.at[k]);
+    run_one();
   }
   return i;
 }
 
 // Never inlined: its arithmetic stays between the environment's steps.
 template <class F, class Vectors>
-[[gnu::noinline]] void run_lanes(const F f, const Vectors& given, int64_t n, uint32_t mode) {
+[[gnu::noinline]] void run_lanes(const F f, const Vectors& given, int64_t n) {
   const Vectors vectors = given;
-  constexpr int width = lanes::Lanes<typename F::Real>::count;
+  constexpr int width = block_width<F>;
+  Reports reports;
   int64_t i = 0;
-  for (; i + width <= n; i += width) {
-    i = run_calm_blocks<F, Vectors>(f, vectors, i, n);
-    if (i + width > n) break;
-    if constexpr (has_side_path<F>) {
-      Inputs<F> x;
-      for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load(k, i);
-      const Outputs<F> y = special_block(f, vectors, i, x, special_lanes(f, x), mode);
-      for (int k = 0; k < F::outputs; ++k) vectors.store(k, i, y.at[k]);
-    }
+  if constexpr (F::traits.aligned_stores && !Vectors::is_strided) {
+    i = elements_to_alignment(vectors.out[0], n);
+    if (i > 0) run_part(f, vectors, 0, static_cast<int>(i), reports);
   }
-  if (i >= n) return;
-  const int left = static_cast<int>(n - i);
-  Inputs<F> x;
-  for (int k = 0; k < F::inputs; ++k) x.at[k] = vectors.load_first(k, i, left);
-  const uint32_t special = special_lanes(f, x);
-  const Outputs<F> y = [&] {
-    if constexpr (has_side_path<F>) {
-      if (special == 0) {
-        const Computed<F> block = compute(f, x);
-        if (block.special == 0) [[likely]]
-          return block.y;
-      }
-      return special_block(f, vectors, i, x, special, mode);
-    } else {
-      return compute(f, x).y;
+  if constexpr (has_special_lanes<F>) {
+    while (i + width <= n) {
+      i = run_calm_blocks<F, Vectors>(f, vectors, i, n);
+      if (i + width <= n) i = run_special_blocks(f, vectors, i, n, reports);
     }
-  }();
-  for (int k = 0; k < F::outputs; ++k) vectors.store_first(k, i, left, y.at[k]);
+  } else {
+    i = run_calm_blocks<F, Vectors>(f, vectors, i, n);
+  }
+  if (i < n) run_part(f, vectors, i, static_cast<int>(n - i), reports);
+  reports.finish(vectors);
 }
 
-// ---- Walk -----------------------------------------------------------------------------------
+// ---- Other forms ----------------------------------------------------------------------------
 
 // The elements one by one, for a function of one input and output without a vector path.
 template <class F, class Vectors>
@@ -121,21 +106,35 @@ template <class F, class Vectors>
 // The x87 flags that a walk is certain to raise: its first element tells.
 template <class F, class Vectors>
 inline uint16_t x87_flags_to_be_raised(const F& f, const Vectors& vectors, int64_t n) {
-  if constexpr (requires { &F::raises_x87_inexact; }) {
+  if constexpr (F::form == Form::walked) {
     if (n > 0 && f.raises_x87_inexact(vectors.argument(0, 0))) return x87_inexact;
   }
   return 0;
 }
 
+// The function that the state chooses, on inputs from `first` on. Never inlined: what it works out
+// beforehand belongs between the environment's steps.
+template <class F, class Vectors>
+[[gnu::noinline]] void run_chosen(const F& f, const Vectors& vectors, int64_t n) {
+  f.choose([&]<class G>(const G& chosen, int first = 0) {
+    static_assert(check_form<G>() && G::form != Form::chosen);
+    run_lanes<G>(chosen, vectors.template of<G>(first), n);
+  });
+}
+
+// ---- A call ---------------------------------------------------------------------------------
+
 template <Environment environment, class F, class Vectors>
 inline void run(const F& f, const Vectors& vectors, int64_t n) {
+  static_assert(check_form<F>());
   FpEnvSave save;
-  [[maybe_unused]] const uint32_t mode =
-      enter<environment>(save, x87_flags_to_be_raised(f, vectors, n));
-  if constexpr (requires { &F::evaluate; }) {
+  enter<environment>(save, x87_flags_to_be_raised(f, vectors, n));
+  if constexpr (F::form == Form::walked) {
     run_elements<F, Vectors>(f, vectors, n);
+  } else if constexpr (F::form == Form::chosen) {
+    run_chosen<F, Vectors>(f, vectors, n);
   } else {
-    run_lanes<F, Vectors>(f, vectors, n, mode);
+    run_lanes<F, Vectors>(f, vectors, n);
   }
   leave(save);
 }

@@ -1,4 +1,4 @@
-// Lane masks, and lanes that need care.
+// Lane masks, and sets of lanes.
 #pragma once
 
 #include <immintrin.h>
@@ -32,17 +32,18 @@ inline uint32_t lane_bits(Lanes<double>::M m) {
 #endif
 }
 
-// Lanes that need care, in the cheapest form of the level: mask bits where compares give them, else
+// A set of lanes, in the cheapest form of the level: mask bits where compares give them, else
 // vectors of which only each lane's sign counts.
 template <class T>
 struct LaneSet {
 #if QOR_LANES_512
   uint32_t lanes;
-  LaneSet operator|(LaneSet other) const { return {lanes | other.lanes}; }
 #else
   typename Lanes<T>::M lanes;
-  LaneSet operator|(LaneSet other) const { return {lanes | other.lanes}; }
 #endif
+  LaneSet operator|(LaneSet other) const { return {lanes | other.lanes}; }
+  LaneSet operator&(LaneSet other) const { return {lanes & other.lanes}; }
+  LaneSet without(LaneSet other) const { return {lanes & ~other.lanes}; }
 };
 
 template <class T>
@@ -51,6 +52,100 @@ inline uint32_t lane_bits(LaneSet<T> special) {
   return special.lanes;
 #else
   return lane_bits(special.lanes);
+#endif
+}
+
+// Whether there is a lane in the set.
+template <class T>
+inline bool any(LaneSet<T> set) {
+  return lane_bits(set) != 0;
+}
+
+// y in the lanes of the set, n elsewhere.
+inline f32 select(LaneSet<float> set, f32 y, f32 n) {
+#if QOR_LANES_512
+  return std::bit_cast<f32>(_mm512_mask_blend_ps(
+      static_cast<__mmask16>(set.lanes), std::bit_cast<__m512>(n), std::bit_cast<__m512>(y)));
+#elif QOR_LANES_256
+  return std::bit_cast<f32>(_mm256_blendv_ps(std::bit_cast<__m256>(n), std::bit_cast<__m256>(y),
+                                             std::bit_cast<__m256>(set.lanes)));
+#else
+  const i32 whole = std::bit_cast<i32>(set.lanes) >> 31;
+  return from_bits((bits(y) & whole) | (bits(n) & ~whole));
+#endif
+}
+inline f64 select(LaneSet<double> set, f64 y, f64 n) {
+#if QOR_LANES_512
+  return std::bit_cast<f64>(_mm512_mask_blend_pd(
+      static_cast<__mmask8>(set.lanes), std::bit_cast<__m512d>(n), std::bit_cast<__m512d>(y)));
+#elif QOR_LANES_256
+  return std::bit_cast<f64>(_mm256_blendv_pd(std::bit_cast<__m256d>(n), std::bit_cast<__m256d>(y),
+                                             std::bit_cast<__m256d>(set.lanes)));
+#else
+  const __m128i words = _mm_srai_epi32(std::bit_cast<__m128i>(set.lanes), 31);
+  const i64 whole = std::bit_cast<i64>(_mm_shuffle_epi32(words, 0xF5));
+  return from_bits((bits(y) & whole) | (bits(n) & ~whole));
+#endif
+}
+template <class T>
+inline typename Lanes<T>::V select(LaneSet<T> set, T y, T n) {
+  return select(set, broadcast(y), broadcast(n));
+}
+template <class T>
+inline typename Lanes<T>::V select(LaneSet<T> set, T y, typename Lanes<T>::V n) {
+  return select(set, broadcast(y), n);
+}
+
+// y + x in the lanes of the set, y elsewhere: how a NaN or an infinity x passes through y, which is
+// an ordinary result there. A NaN comes out quiet.
+template <class T, class V = typename Lanes<T>::V>
+inline V pass_through(V y, V x, LaneSet<T> set) {
+  return y + select(set, x, broadcast(T{-0.0}));
+}
+
+// Lanes with the sign bit.
+inline LaneSet<float> negative(f32 x) {
+#if QOR_LANES_512
+  return {_mm512_movepi32_mask(std::bit_cast<__m512i>(x))};
+#else
+  return {std::bit_cast<Lanes<float>::M>(x)};
+#endif
+}
+inline LaneSet<double> negative(f64 x) {
+#if QOR_LANES_512
+  return {_mm512_movepi64_mask(std::bit_cast<__m512i>(x))};
+#else
+  return {std::bit_cast<Lanes<double>::M>(x)};
+#endif
+}
+
+// Lanes with x at or above (below) the bound; x is not a NaN.
+inline LaneSet<float> at_least(f32 x, float bound) {
+#if QOR_LANES_512
+  return {_mm512_cmp_ps_mask(std::bit_cast<__m512>(x), _mm512_set1_ps(bound), _CMP_GE_OQ)};
+#else
+  return {x >= bound};
+#endif
+}
+inline LaneSet<double> at_least(f64 x, double bound) {
+#if QOR_LANES_512
+  return {_mm512_cmp_pd_mask(std::bit_cast<__m512d>(x), _mm512_set1_pd(bound), _CMP_GE_OQ)};
+#else
+  return {x >= bound};
+#endif
+}
+inline LaneSet<float> at_most(f32 x, float bound) {
+#if QOR_LANES_512
+  return {_mm512_cmp_ps_mask(std::bit_cast<__m512>(x), _mm512_set1_ps(bound), _CMP_LE_OQ)};
+#else
+  return {x <= bound};
+#endif
+}
+inline LaneSet<double> at_most(f64 x, double bound) {
+#if QOR_LANES_512
+  return {_mm512_cmp_pd_mask(std::bit_cast<__m512d>(x), _mm512_set1_pd(bound), _CMP_LE_OQ)};
+#else
+  return {x <= bound};
 #endif
 }
 

@@ -16,8 +16,7 @@ inline u64 low_half_product(u64 a, u64 b) {
   return std::bit_cast<u64>(
       _mm512_maskz_mul_epu32(0xFF, std::bit_cast<__m512i>(a), std::bit_cast<__m512i>(b)));
 #elif QOR_LANES_256
-  return std::bit_cast<u64>(
-      _mm256_mul_epu32(std::bit_cast<__m256i>(a), std::bit_cast<__m256i>(b)));
+  return std::bit_cast<u64>(_mm256_mul_epu32(std::bit_cast<__m256i>(a), std::bit_cast<__m256i>(b)));
 #else
   return std::bit_cast<u64>(_mm_mul_epu32(std::bit_cast<__m128i>(a), std::bit_cast<__m128i>(b)));
 #endif

@@ -20,6 +20,7 @@
 #include "kernels/logarithm/bases.h"
 #include "kernels/logarithm/constants.h"
 #include "kernels/logarithm/limits.h"
+#include "kernels/scalar/bits.h"
 
 namespace qor::kernels::log_vector {
 
@@ -62,6 +63,22 @@ struct Rest {
   V<T> value;
 };
 struct NoRest {};
+
+// Where the argument's exponent is that of another number, how much is to be taken off it; or
+// nothing.
+template <class T>
+struct Excess {
+  V<T> value;
+};
+struct NoExcess {};
+template <class T>
+inline V<T> less(V<T> e, Excess<T> excess) {
+  return e - excess.value;
+}
+template <class V>
+inline V less(V e, NoExcess) {
+  return e;
+}
 
 // What a rest adds to the low parts, close to ln(1 + r + rest) - ln(1 + r). `scale` takes x to m c.
 // When the rest is tiny, r is 0, so that nothing underflows.
@@ -119,8 +136,8 @@ inline V polynomial(V x, const T (&coefficients)[count]) {
 
 // A table row for each reciprocal c rounded to row_bits. The products of c slope with the leading
 // bits of m and with the others are exact; with slope 1 so is their sum.
-template <class Base, class R, class T = typename Base::Real>
-inline V<T> by_rows(V<T> x, R rest) {
+template <class Base, class R, class E, class T = typename Base::Real>
+inline V<T> by_rows(V<T> x, R rest, E excess) {
   using F = BitLayout<T>;
   constexpr int row_bits = Base::row_bits;
   constexpr auto unit = F::one - row_bits * F::exponent_step;  // the bits of 2^-row_bits
@@ -129,7 +146,7 @@ inline V<T> by_rows(V<T> x, R rest) {
   const V<T> t = T{1} / m + shifter;
   const V<T> c = t - shifter;
   const Pair<T> row = lanes::gather_entries<T>(Base::rows, bits(t) & ((1 << row_bits) - 1));
-  Pair<T> sum = add_exponent<Base, T>(lanes::biased_exponent(x), row);
+  Pair<T> sum = add_exponent<Base, T>(less(lanes::biased_exponent(x), excess), row);
 
   const V<T> leading = from_bits((bits(m) + F::half_trailing) & F::leading);
   const V<T> scaled = c * Base::slope;
@@ -172,12 +189,12 @@ inline CellRow<T> look_up_cell(const lanes::TableQuad<double> (&cells)[count], V
 }
 
 // A table row for each cell of m. m c - 1 is exact when fused.
-template <class Base, class R, class T = typename Base::Real>
-inline V<T> by_cells(V<T> x, R rest) {
+template <class Base, class R, class E, class T = typename Base::Real>
+inline V<T> by_cells(V<T> x, R rest, E excess) {
   using F = BitLayout<T>;
   const V<T> m = lanes::mantissa_around_one(x);
   const CellRow<T> row = look_up_cell<T>(Base::cells, x);
-  Pair<T> sum = add_exponent<Base, T>(lanes::exponent(x), row.logarithm);
+  Pair<T> sum = add_exponent<Base, T>(less(lanes::exponent(x), excess), row.logarithm);
   const V<T> r = multiply_add(m, row.reciprocal, T{-1});
   const V<T> p = polynomial(r, Base::cell_polynomial);
   if constexpr (std::is_same_v<R, Rest<T>>) {
@@ -204,13 +221,30 @@ inline V<T> by_cells(V<T> x, R rest) {
 // ---- Together -------------------------------------------------------------------------------
 
 // log_b(x + rest), x normal and positive. A rest needs base e.
-template <class Base, class R = NoRest>
-inline auto logarithm(V<typename Base::Real> x, R rest = {}) {
+template <class Base, class R = NoRest, class E = NoExcess>
+inline auto logarithm(V<typename Base::Real> x, R rest = {}, E excess = {}) {
   if constexpr (lanes::has_fma) {
-    return by_cells<Base>(x, rest);
+    return by_cells<Base>(x, rest, excess);
   } else {
-    return by_rows<Base>(x, rest);
+    return by_rows<Base>(x, rest, excess);
   }
+}
+
+// A block with special lanes: `log` gives the logarithm of a normal number with some excess of the
+// exponent, which takes denormals in their unit.
+template <class T, class Log>
+inline Complete<T> wide(V<T> x, lanes::LaneSet<T> special, Log log) {
+  constexpr T infinity = std::numeric_limits<T>::infinity();
+  const auto infinite = lanes::equal(x, broadcast(infinity)), zero = lanes::equal(x, V<T>{});
+  const auto negative = lanes::negative(x).without(zero);
+  const auto denormal = special.without(infinite | zero | negative);
+  const V<T> m = lanes::select(denormal, lanes::denormal_units(x), broadcast(T{1}));
+  constexpr T excess = -lanes::denormal_exponent<T>;
+  V<T> y = log(lanes::select(special, m, x), Excess<T>{lanes::select(special, excess, T{0})});
+  y = lanes::select(infinite, infinity, y);
+  y = lanes::select(zero, -infinity, y);
+  y = lanes::select(negative, default_nan<T>, y);
+  return {.value = y, .domain = negative, .pole = zero};
 }
 
 // Lanes that are not positive normal numbers.

@@ -12,11 +12,10 @@ namespace qor::kernels {
 namespace {
 
 template <class T>
-struct Log10 : Unary<T> {
-  static constexpr const char* name = std::is_same_v<T, float> ? "vsLog10" : "vdLog10";
+struct Log10 : Guarded<T(T)> {
   using Base = log_vector::Decimal<T>;
-  static constexpr int registers = log_vector::registers;
-  using typename Unary<T>::V;
+  static constexpr Traits traits{.group = log_vector::registers};
+  using typename Guarded<T(T)>::V;
 
   V core(V x) const { return log_vector::logarithm<Base>(x); }
   lanes::LaneSet<T> special(V x) const { return log_vector::special(x); }
@@ -25,7 +24,7 @@ struct Log10 : Unary<T> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Log10, unary, A, 1, Log10<float>)
-QOR_FILL_ROW(d, Log10, unary, A, 1, Log10<double>)
+QOR_FILL_ROW(s, Log10, unary, Log10<float>)
+QOR_FILL_ROW(d, Log10, unary, Log10<double>)
 
 }  // namespace qor::kernels

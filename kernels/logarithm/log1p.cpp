@@ -30,8 +30,7 @@ Outcome<T> log1p_scalar(T x) {
   return log_scalar::logarithm<log_constants::Natural>(x + T{1});
 }
 
-struct SLog1p : Unary<float> {
-  static constexpr const char* name = "vsLog1p";
+struct SLog1p : Guarded<float(float)> {
   static constexpr int32_t sign_bit = std::numeric_limits<int32_t>::min();
 
   V core(V x) const { return log1p<float>(x); }
@@ -42,8 +41,7 @@ struct SLog1p : Unary<float> {
   Outcome<float> scalar(float x) const { return log1p_scalar(x); }
 };
 
-struct DLog1p : Unary<double> {
-  static constexpr const char* name = "vdLog1p";
+struct DLog1p : Guarded<double(double)> {
   static constexpr int64_t sign_bit = std::numeric_limits<int64_t>::min();
 
   V core(V x) const { return log1p<double>(x); }
@@ -56,7 +54,7 @@ struct DLog1p : Unary<double> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Log1p, unary, A, 1, SLog1p)
-QOR_FILL_ROW(d, Log1p, unary, A, 1, DLog1p)
+QOR_FILL_ROW(s, Log1p, unary, SLog1p)
+QOR_FILL_ROW(d, Log1p, unary, DLog1p)
 
 }  // namespace qor::kernels

@@ -12,11 +12,10 @@ namespace qor::kernels {
 namespace {
 
 template <class T>
-struct Log2 : Unary<T> {
-  static constexpr const char* name = std::is_same_v<T, float> ? "vsLog2" : "vdLog2";
+struct Log2 : Guarded<T(T)> {
   using Base = log_vector::Binary<T>;
-  static constexpr int registers = log_vector::registers;
-  using typename Unary<T>::V;
+  static constexpr Traits traits{.group = log_vector::registers};
+  using typename Guarded<T(T)>::V;
 
   V core(V x) const { return log_vector::logarithm<Base>(x); }
   lanes::LaneSet<T> special(V x) const { return log_vector::special(x); }
@@ -25,7 +24,7 @@ struct Log2 : Unary<T> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Log2, unary, A, 1, Log2<float>)
-QOR_FILL_ROW(d, Log2, unary, A, 1, Log2<double>)
+QOR_FILL_ROW(s, Log2, unary, Log2<float>)
+QOR_FILL_ROW(d, Log2, unary, Log2<double>)
 
 }  // namespace qor::kernels

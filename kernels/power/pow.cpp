@@ -12,17 +12,15 @@
 namespace qor::kernels {
 namespace {
 
-struct SPow : Binary<float> {
-  static constexpr const char* name = "vsPow";
+struct SPow : Guarded<float(float, float)> {
   Checked<float> core(V x, V y) const { return spow::power(x, y); }
   LaneSet special(V x, V y) const { return spow::special(x, y); }
   Outcome<float> scalar(float x, float y) const { return pow_scalar(x, y); }
 };
 
 template <bool accurate>
-struct DPow : Binary<double> {
-  static constexpr int registers = dpow::registers;
-  static constexpr const char* name = "vdPow";
+struct DPow : Guarded<double(double, double)> {
+  static constexpr Traits traits{.group = dpow::registers};
   Checked<double> core(V x, V y) const { return dpow::power<accurate>(x, y); }
   LaneSet special(V x, V y) const { return dpow::special(x, y); }
   Outcome<double> scalar(double x, double y) const { return pow_scalar(x, y); }
@@ -30,8 +28,8 @@ struct DPow : Binary<double> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Pow, binary, A, 1, SPow)
-QOR_FILL_ROW(d, Pow, binary, A, 0, DPow<false>)
-QOR_FILL_ROW(d, Pow, binary, B, 1, DPow<true>)
+QOR_FILL_ROW(s, Pow, binary, SPow)
+QOR_FILL_KERNEL(d, Pow, binary, A, DPow<false>)
+QOR_FILL_KERNEL(d, Pow, binary, B, DPow<true>)
 
 }  // namespace qor::kernels

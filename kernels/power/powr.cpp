@@ -12,16 +12,14 @@
 namespace qor::kernels {
 namespace {
 
-struct SPowr : Binary<float> {
-  static constexpr const char* name = "vsPowr";
+struct SPowr : Guarded<float(float, float)> {
   Checked<float> core(V x, V y) const { return spow::power(x, y); }
   LaneSet special(V x, V y) const { return spow::special(x, y); }
   Outcome<float> scalar(float x, float y) const { return powr_scalar(x, y); }
 };
 
-struct DPowr : Binary<double> {
-  static constexpr int registers = dpow::registers;
-  static constexpr const char* name = "vdPowr";
+struct DPowr : Guarded<double(double, double)> {
+  static constexpr Traits traits{.group = dpow::registers};
   Checked<double> core(V x, V y) const { return dpow::power<true>(x, y); }
   LaneSet special(V x, V y) const { return dpow::special(x, y); }
   Outcome<double> scalar(double x, double y) const { return powr_scalar(x, y); }
@@ -29,7 +27,7 @@ struct DPowr : Binary<double> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Powr, binary, A, 1, SPowr)
-QOR_FILL_ROW(d, Powr, binary, A, 1, DPowr)
+QOR_FILL_ROW(s, Powr, binary, SPowr)
+QOR_FILL_ROW(d, Powr, binary, DPowr)
 
 }  // namespace qor::kernels

@@ -55,30 +55,29 @@ const Delegate<T>* delegate(T b) {
 // ---- Loops of its own -----------------------------------------------------------------------
 
 template <class T>
-struct Powx : Unary<T> {
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsPowx" : "vdPowx";
+struct One : Everywhere<T()> {
+  typename One::V core() const { return lanes::broadcast(T{1}); }
 };
 
 template <class T>
-struct Copy : Powx<T> {
-  using typename Powx<T>::V;
+struct Copy : Everywhere<T(T)> {
+  using typename Everywhere<T(T)>::V;
   V core(V x) const { return x; }
 };
 
 template <class T>
-struct Square : Powx<T> {
-  using typename Powx<T>::V;
+struct Square : Everywhere<T(T)> {
+  using typename Everywhere<T(T)>::V;
   V core(V x) const { return x * x; }
 };
 
 template <class T>
-struct General : Powx<T> {
-  using typename Powx<T>::V;
-  using typename Powx<T>::LaneSet;
-  static constexpr int registers = sizeof(T) == sizeof(double) ? dpow::registers : 1;
+struct General : Guarded<T(T)> {
+  using typename Guarded<T(T)>::V;
+  using typename Guarded<T(T)>::LaneSet;
+  static constexpr Traits traits{.group = sizeof(T) == sizeof(double) ? dpow::registers : 1};
   T b;
 
-  explicit General(T exponent) : b(exponent) {}
   Checked<T> core(V x) const {
     if constexpr (sizeof(T) == sizeof(float)) {
       return spow::power(x, lanes::broadcast(b));
@@ -96,50 +95,37 @@ struct General : Powx<T> {
   Outcome<T> scalar(T x) const { return pow_scalar(x, b); }
 };
 
-// Never inlined, as a lane loop is not.
 template <class T>
-[[gnu::noinline]] void store_ones(int64_t n, T* y, int64_t incy) {
-  for (int64_t i = 0; i < n; ++i) y[i * incy] = 1;
-}
+struct Powx : Chosen<T(T)> {
+  T b;
 
-template <class T>
-void ones(int64_t n, T* y, int64_t incy) {
-  FpEnvSave save;
-  enter<Environment{}>(save);
-  store_ones(n, y, incy);
-  leave(save);
-}
+  template <class Run>
+  void choose(const Run& run) const {
+    const auto bits = bits_of(b);
+    if (bits == 0 || bits == sign_mask<T>) return run(One<T>{});
+    if (bits == bits_of(T{1})) return run(Copy<T>{});
+    if (bits == bits_of(T{2})) return run(Square<T>{});
+    run(General<T>{{}, b});
+  }
+};
 
-template <class F, class T>
-void run_contiguous(const F& f, int32_t n, const T* a, T* y) {
-  run<F::environment>(f, Contiguous<F>{{a}, {y}}, n);
-}
-template <class F, class T>
-void run_strided(const F& f, int32_t n, const T* a, int32_t inca, T* y, int32_t incy) {
-  run<F::strided_environment>(f, Strided<F>{{a}, {inca}, {y}, {incy}}, n);
-}
-
-// ---- Paths ----------------------------------------------------------------------------------
+// ---- Calls ----------------------------------------------------------------------------------
 
 template <class T>
-void powx(int32_t n, const T* a, T b, T* y) {
+void powx(RowNames names, int32_t n, const T* a, T b, T* y) {
   if (const Delegate<T>* other = delegate(b)) return (*other->contiguous)(n, a, y);
-  const auto bits = bits_of(b);
-  if (bits == 0 || bits == sign_mask<T>) return ones(n, y, 1);
-  if (bits == bits_of(T{1})) return run_contiguous(Copy<T>{}, n, a, y);
-  if (bits == bits_of(T{2})) return run_contiguous(Square<T>{}, n, a, y);
-  run_contiguous(General<T>{b}, n, a, y);
+  ContiguousCall<Powx<T>>{names}(n, a, b, y);
 }
 
-template <class T>
-void powx_strided(int32_t n, const T* a, int32_t inca, T b, T* y, int32_t incy) {
+template <class T, class Row>
+void powx_strided(RowNames names, Row row, int32_t n, const T* a, int32_t inca, T b, T* y,
+                  int32_t incy) {
+  if (inca == 1 && incy == 1) return row(n, a, b, y);
   if (const Delegate<T>* other = delegate(b)) return (*other->strided)(n, a, inca, y, incy);
-  const auto bits = bits_of(b);
-  if (bits == 0 || bits == sign_mask<T>) return ones(n, y, incy);
-  if (bits == bits_of(T{1})) return run_strided(Copy<T>{}, n, a, inca, y, incy);
-  if (bits == bits_of(T{2})) return run_strided(Square<T>{}, n, a, inca, y, incy);
-  run_strided(General<T>{b}, n, a, inca, y, incy);
+  strided_call<Powx<T>>(names, row)(n, a, inca, b, y, incy);
 }
+
+constexpr RowNames kSNames{"vsPowx", "vsPowxI"}, kDNames{"vdPowx", "vdPowxI"};
 
 }  // namespace
 }  // namespace qor::kernels
@@ -147,19 +133,19 @@ void powx_strided(int32_t n, const T* a, int32_t inca, T b, T* y, int32_t incy) 
 extern "C" {
 
 void qor_kernel_sPowx_A(int32_t n, const float* a, float b, float* y) {
-  qor::kernels::powx(n, a, b, y);
+  qor::kernels::powx(qor::kernels::kSNames, n, a, b, y);
 }
 void qor_kernel_dPowx_A(int32_t n, const double* a, double b, double* y) {
-  qor::kernels::powx(n, a, b, y);
+  qor::kernels::powx(qor::kernels::kDNames, n, a, b, y);
 }
 void qor_kernel_sPowxI_A(int32_t n, const float* a, int32_t inca, float b, float* y, int32_t incy) {
-  if (inca == 1 && incy == 1) return qor_ark_kernel_sPowx_ttab[1](n, a, b, y);
-  qor::kernels::powx_strided(n, a, inca, b, y, incy);
+  qor::kernels::powx_strided(qor::kernels::kSNames, qor_ark_kernel_sPowx_ttab[1], n, a, inca, b, y,
+                             incy);
 }
 void qor_kernel_dPowxI_A(int32_t n, const double* a, int32_t inca, double b, double* y,
                          int32_t incy) {
-  if (inca == 1 && incy == 1) return qor_ark_kernel_dPowx_ttab[1](n, a, b, y);
-  qor::kernels::powx_strided(n, a, inca, b, y, incy);
+  qor::kernels::powx_strided(qor::kernels::kDNames, qor_ark_kernel_dPowx_ttab[1], n, a, inca, b, y,
+                             incy);
 }
 
 }  // extern "C"

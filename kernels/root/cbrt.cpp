@@ -35,17 +35,13 @@ V odd(V x, Power power) {
 }
 
 template <class T, int p>
-struct CubeRoot : Unary<T> {
-  using typename Unary<T>::V;
-  using typename Unary<T>::LaneSet;
+struct CubeRoot : Guarded<T(T)> {
+  using typename Guarded<T(T)>::V;
+  using typename Guarded<T(T)>::LaneSet;
   using Power = RationalPower<T, p, 3>;
-  static constexpr bool is_single = sizeof(T) == sizeof(float);
   static constexpr bool is_inverse = p < 0;
-  static constexpr const char* name =
-      is_inverse ? (is_single ? "vsInvCbrt" : "vdInvCbrt") : (is_single ? "vsCbrt" : "vdCbrt");
-  static constexpr const char* strided_name =
-      is_inverse ? (is_single ? "vsInvCbrtI" : "vdInvCbrt") : (is_single ? "vsCbrtI" : "vdCbrt");
-  static constexpr Environment environment = kContiguous<T>;
+  static constexpr Traits traits{.strided_name = sizeof(T) == sizeof(float),
+                                 .environment = kContiguous<T>};
 
   V core(V x) const {
     return odd(x, [](V magnitude) { return Power::of(magnitude); });
@@ -74,9 +70,9 @@ using DInvCbrt = CubeRoot<double, -1>;
 
 }  // namespace
 
-QOR_FILL_ROW(s, Cbrt, unary, A, 1, SCbrt)
-QOR_FILL_ROW(d, Cbrt, unary, A, 1, DCbrt)
-QOR_FILL_ROW(s, InvCbrt, unary, A, 1, SInvCbrt)
-QOR_FILL_ROW(d, InvCbrt, unary, A, 1, DInvCbrt)
+QOR_FILL_ROW(s, Cbrt, unary, SCbrt)
+QOR_FILL_ROW(d, Cbrt, unary, DCbrt)
+QOR_FILL_ROW(s, InvCbrt, unary, SInvCbrt)
+QOR_FILL_ROW(d, InvCbrt, unary, DInvCbrt)
 
 }  // namespace qor::kernels

@@ -44,13 +44,12 @@ struct HypotConstants<double> {
 };
 
 template <class T>
-struct Hypot : Binary<T> {
-  using typename Binary<T>::V;
-  using typename Binary<T>::I;
-  using typename Binary<T>::LaneSet;
+struct Hypot : Guarded<T(T, T)> {
+  using typename Guarded<T(T, T)>::V;
+  using typename Guarded<T(T, T)>::I;
+  using typename Guarded<T(T, T)>::LaneSet;
   using Pair = lanes::Two<V>;
   using Constants = HypotConstants<T>;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsHypot" : "vdHypot";
 
   static V part(V x, Bits<T> mask) { return lanes::from_bits(lanes::bits(x) & mask); }
 
@@ -120,7 +119,7 @@ struct Hypot : Binary<T> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Hypot, binary, A, 1, Hypot<float>)
-QOR_FILL_ROW(d, Hypot, binary, A, 1, Hypot<double>)
+QOR_FILL_ROW(s, Hypot, binary, Hypot<float>)
+QOR_FILL_ROW(d, Hypot, binary, Hypot<double>)
 
 }  // namespace qor::kernels

@@ -66,10 +66,9 @@ f64 series(f64 e) {
 }
 
 template <class T>
-struct InvSqrt : Unary<T> {
-  using typename Unary<T>::V;
-  using typename Unary<T>::LaneSet;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsInvSqrt" : "vdInvSqrt";
+struct InvSqrt : Guarded<T(T)> {
+  using typename Guarded<T(T)>::V;
+  using typename Guarded<T(T)>::LaneSet;
 
   V core(V x) const {
     const auto [y, e] = estimate<T>(x);
@@ -92,7 +91,7 @@ struct InvSqrt : Unary<T> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, InvSqrt, unary, A, 1, InvSqrt<float>)
-QOR_FILL_ROW(d, InvSqrt, unary, A, 1, InvSqrt<double>)
+QOR_FILL_ROW(s, InvSqrt, unary, InvSqrt<float>)
+QOR_FILL_ROW(d, InvSqrt, unary, InvSqrt<double>)
 
 }  // namespace qor::kernels

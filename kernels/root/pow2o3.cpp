@@ -19,10 +19,9 @@ template <>
 inline constexpr limits::Range kNormal<float> = limits::root::normal_float;
 
 template <class T>
-struct Pow2o3 : Unary<T> {
-  using typename Unary<T>::V;
-  using typename Unary<T>::LaneSet;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsPow2o3" : "vdPow2o3";
+struct Pow2o3 : Guarded<T(T)> {
+  using typename Guarded<T(T)>::V;
+  using typename Guarded<T(T)>::LaneSet;
 
   V core(V x) const { return RationalPower<T, 2, 3>::of(lanes::abs(x)); }
 
@@ -38,7 +37,7 @@ struct Pow2o3 : Unary<T> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Pow2o3, unary, A, 1, Pow2o3<float>)
-QOR_FILL_ROW(d, Pow2o3, unary, A, 1, Pow2o3<double>)
+QOR_FILL_ROW(s, Pow2o3, unary, Pow2o3<float>)
+QOR_FILL_ROW(d, Pow2o3, unary, Pow2o3<double>)
 
 }  // namespace qor::kernels

@@ -21,11 +21,10 @@ template <>
 inline constexpr limits::Range kFast<float> = limits::root::spow3o2;
 
 template <class T>
-struct Pow3o2 : Unary<T> {
-  using typename Unary<T>::V;
-  using typename Unary<T>::LaneSet;
+struct Pow3o2 : Guarded<T(T)> {
+  using typename Guarded<T(T)>::V;
+  using typename Guarded<T(T)>::LaneSet;
   using Power = RationalPower<T, 3, 2>;
-  static constexpr const char* name = sizeof(T) == sizeof(float) ? "vsPow3o2" : "vdPow3o2";
 
   V core(V x) const { return Power::of(x); }
 
@@ -51,7 +50,7 @@ struct Pow3o2 : Unary<T> {
 
 }  // namespace
 
-QOR_FILL_ROW(s, Pow3o2, unary, A, 1, Pow3o2<float>)
-QOR_FILL_ROW(d, Pow3o2, unary, A, 1, Pow3o2<double>)
+QOR_FILL_ROW(s, Pow3o2, unary, Pow3o2<float>)
+QOR_FILL_ROW(d, Pow3o2, unary, Pow3o2<double>)
 
 }  // namespace qor::kernels

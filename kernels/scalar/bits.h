@@ -16,6 +16,12 @@ inline constexpr Bits<T> infinity_bits = std::bit_cast<Bits<T>>(std::numeric_lim
 template <class T>
 inline constexpr Bits<T> sign_mask = std::numeric_limits<Bits<T>>::min();
 
+// The NaN that the processor answers to an invalid operation.
+template <class T>
+inline constexpr T default_nan = std::bit_cast<T>(sign_mask<T> | infinity_bits<T> |
+                                                  Bits<T>{1}
+                                                      << (std::numeric_limits<T>::digits - 2));
+
 template <class T>
 constexpr Bits<T> bits_of(T x) {
   return std::bit_cast<Bits<T>>(x);
@@ -44,6 +50,12 @@ inline bool is_infinite(T x) {
 template <class T>
 inline bool is_finite(T x) {
   return magnitude_bits(x) < infinity_bits<T>;
+}
+
+// The next number away from zero.
+template <class T>
+constexpr T next_magnitude(T x) {
+  return std::bit_cast<T>(bits_of(x) + 1);
 }
 
 // 2^n, normal.

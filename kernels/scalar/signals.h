@@ -14,6 +14,12 @@ inline T opaque(T x) {
   return x;
 }
 
+// Raises the flags of a value that nobody needs.
+template <class T>
+inline void raise(T signalled) {
+  static_cast<void>(opaque(signalled));
+}
+
 // +infinity with the overflow flag.
 template <class T>
 inline T overflowed() {
