@@ -78,19 +78,19 @@ struct Parted {
 };
 template <class F>
 inline typename F::LaneSet nan_lanes(const Inputs<F>& x) {
-  if constexpr (F::inputs == 1) return lanes::unordered(x.at[0], x.at[0]);
+  static_assert(F::inputs <= 2);
   return lanes::unordered(x.at[0], x.at[F::inputs - 1]);
 }
 template <class F>
 inline Parted<F> without_nan(const Inputs<F>& x, typename F::LaneSet special) {
-  if constexpr (!F::traits.nan_passes) return {x, special};
-  static_assert(F::inputs <= 2);
-  const auto nan = nan_lanes<F>(x);
-  Inputs<F> numbers;
-  for (int k = 0; k < F::inputs; ++k) {
-    numbers.at[k] = lanes::select(nan, stand_in<F>, x.at[k]);
+  if constexpr (F::traits.nan_passes) {
+    const auto nan = nan_lanes<F>(x);
+    Inputs<F> numbers;
+    for (int k = 0; k < F::inputs; ++k) numbers.at[k] = lanes::select(nan, stand_in<F>, x.at[k]);
+    return {numbers, special.without(nan)};
+  } else {
+    return {x, special};
   }
-  return {numbers, special.without(nan)};
 }
 // The results, with the NaN of the inputs (of two the first).
 template <class F>
@@ -176,10 +176,11 @@ int32_t run_scalar(const F& f, const Inputs<F>& x, Outputs<F>& y, int lane) {
 
 // A block with special lanes, from element i on, of which the lanes `used` count: in ascending
 // order, lanes that are left take the scalar routine, and lanes with a code are stored and reported
-// where that counts, and read back: the report may change them.
+// where that counts, and read back: the report may change them. (By reference g++ 12 drops the load
+// of x before the call.)
 template <class F, class Vectors>
 [[gnu::cold, gnu::noinline]] Outputs<F> special_block(const F& f, const Vectors& vectors, int64_t i,
-                                                      const Inputs<F>& x, uint32_t used,
+                                                      Inputs<F> x, uint32_t used,
                                                       Reports& reports) {
   auto [y, left, coded] = attempt(f, x, used);
   for (uint32_t rest = left | (coded.any() & used); rest != 0; rest &= rest - 1) {
