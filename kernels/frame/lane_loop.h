@@ -84,10 +84,10 @@ template <class F, class Vectors>
       if (i + width <= n) i = run_special_blocks(f, vectors, i, n, reports);
     }
   } else {
-    i = run_calm_blocks<F, Vectors>(f, vectors, i, n);
+    i = calm_blocks(f, vectors, i, n);
   }
   if (i < n) run_part(f, vectors, i, static_cast<int>(n - i), reports);
-  reports.finish(vectors);
+  if constexpr (has_special_lanes<F>) reports.finish(vectors);
 }
 
 // ---- Other forms ----------------------------------------------------------------------------

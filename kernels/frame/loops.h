@@ -64,8 +64,7 @@ inline int64_t run_groups(const F& f, const Vectors& vectors, int64_t i, int64_t
 
 // Runs whole blocks from element i on, up to one with a special lane; returns where it stopped.
 template <class F, class Vectors>
-[[gnu::noinline]] int64_t run_calm_blocks(const F f, const Vectors& given, int64_t i, int64_t n) {
-  const Vectors vectors = given;
+inline int64_t calm_blocks(const F& f, const Vectors& vectors, int64_t i, int64_t n) {
   constexpr int width = block_width<F>;
   if constexpr (F::traits.group > 1) {
     if constexpr (has_special_lanes<F>) {
@@ -84,6 +83,12 @@ template <class F, class Vectors>
     store_block<F>(vectors, i, block.y);
   }
   return i;
+}
+
+template <class F, class Vectors>
+[[gnu::noinline]] int64_t run_calm_blocks(const F f, const Vectors& given, int64_t i, int64_t n) {
+  const Vectors vectors = given;
+  return calm_blocks(f, vectors, i, n);
 }
 
 // ---- Wide -----------------------------------------------------------------------------------

@@ -55,12 +55,16 @@ class Reports {
 
   // Notes the lanes with a code of the block at element i, as bits.
   void note(int32_t code, uint32_t lanes, int64_t i) {
-    if (lanes != 0) last_[code - 1] = i + (31 - std::countl_zero(lanes));
+    if (lanes == 0) return;
+    is_noted_ = true;
+    last_[code - 1] = i + (31 - std::countl_zero(lanes));
   }
 
   // Reports what has been noted.
   template <class Vectors>
   void finish(const Vectors& vectors) const {
+    if (!is_noted_) [[likely]]
+      return;
     int64_t done = -1;
     for (;;) {
       int code = 0;
@@ -84,7 +88,7 @@ class Reports {
 
   int64_t last_[4] = {-1, -1, -1, -1};
   uint32_t raised_ = 0;
-  bool is_asked_ = false, one_by_one_ = false, off_ = false;
+  bool is_asked_ = false, one_by_one_ = false, off_ = false, is_noted_ = false;
 };
 
 }  // namespace qor::kernels
