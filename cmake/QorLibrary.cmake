@@ -24,7 +24,7 @@ endfunction()
 function(qor_add_kernel_library)
   file(GLOB sources CONFIGURE_DEPENDS
     ${CMAKE_SOURCE_DIR}/frame/*.cpp ${CMAKE_SOURCE_DIR}/frame/*.S
-    ${CMAKE_SOURCE_DIR}/kernels/*.cpp ${CMAKE_SOURCE_DIR}/kernels/tables/*.cpp
+    ${CMAKE_SOURCE_DIR}/kernels/*/*.cpp
     ${CMAKE_SOURCE_DIR}/services/*.cpp
     ${CMAKE_SOURCE_DIR}/streams/*.cpp ${CMAKE_SOURCE_DIR}/streams/generators/*.cpp
     ${CMAKE_SOURCE_DIR}/distributions/*.cpp ${CMAKE_SOURCE_DIR}/fitting/*.cpp
@@ -34,8 +34,8 @@ function(qor_add_kernel_library)
   # hands out registers. (Its precompiled headers bind the options; the second platform has too few
   # registers.)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT QOR_IS_I386)
-    set_source_files_properties(${CMAKE_SOURCE_DIR}/kernels/pow.cpp
-      ${CMAKE_SOURCE_DIR}/kernels/powr.cpp ${CMAKE_SOURCE_DIR}/kernels/powx.cpp
+    set_source_files_properties(${CMAKE_SOURCE_DIR}/kernels/power/pow.cpp
+      ${CMAKE_SOURCE_DIR}/kernels/power/powr.cpp ${CMAKE_SOURCE_DIR}/kernels/power/powx.cpp
       PROPERTIES COMPILE_OPTIONS -fschedule-insns SKIP_PRECOMPILE_HEADERS ON)
   endif()
   foreach(level IN LISTS QOR_LEVELS)

@@ -20,7 +20,7 @@ struct CellLanes {
 
   // From 0 to `most`; of a NaN `most`.
   static Sites clamped(Sites v, Real most) {
-    return lanes::maximum(lanes::minimum(v, lanes::all(most)), Sites{});
+    return lanes::maximum(lanes::minimum(v, lanes::broadcast(most)), Sites{});
   }
   // Toward 0, of what an int32_t holds.
   static Sites truncated(Sites v) {
@@ -61,8 +61,9 @@ inline void merge_group(const Real* above, const Real* site, int32_t c, int32_t*
   for (int64_t j = 0; j < site_group; j += Lanes::count) {
     const typename Lanes::Sites s = lanes::load(site + j);
     // A comparison that holds is -1 in its lane.
-    const typename Lanes::Mask steps = (s >= lanes::all(above[0])) + (s >= lanes::all(above[1])) +
-                                       (s >= lanes::all(above[2])) + (s >= lanes::all(above[3]));
+    const typename Lanes::Mask steps =
+        (s >= lanes::broadcast(above[0])) + (s >= lanes::broadcast(above[1])) +
+        (s >= lanes::broadcast(above[2])) + (s >= lanes::broadcast(above[3]));
     const typename Lanes::Cells cells = c - Lanes::narrow(steps);
     __builtin_memcpy(cell + j, &cells, sizeof cells);
   }

@@ -17,7 +17,7 @@ bool any_changes(const int32_t* cell) {
   lanes::i32 before, here;
   __builtin_memcpy(&before, cell - 1, sizeof before);
   __builtin_memcpy(&here, cell, sizeof here);
-  return lanes::bits(before != here) != 0;
+  return lanes::lane_bits(before != here) != 0;
 }
 
 // The ends of stretches of equal cells; returns their number, 0 when it is more than `most`. `end`
@@ -100,9 +100,9 @@ void evaluate_stretches(const Real* c, const Block<Real>& block, Real* out) {
     const Real* p = c + int64_t{order} * stretches.piece[k];
     const Real left = stretches.left[k];
     Register coefficient[order];
-    for (int power = 0; power < order; ++power) coefficient[power] = lanes::all(p[power]);
+    for (int power = 0; power < order; ++power) coefficient[power] = lanes::broadcast(p[power]);
     for (; i < end && i + kLanes <= block.count; i += kLanes) {
-      const Register t = lanes::load(block.site + i) - lanes::all(left);
+      const Register t = lanes::load(block.site + i) - lanes::broadcast(left);
       Register value = coefficient[order - 1];
       for (int power = order - 2; power >= 0; --power) value = value * t + coefficient[power];
       lanes::store(out + i, value);

@@ -83,7 +83,7 @@ bool ascends_from(Real first, int64_t nsite, const Real* site) {
   for (; i + kLanes <= nsite; i += kLanes) {
     ascends &= lanes::load(site + i - 1) <= lanes::load(site + i);
   }
-  bool all = lanes::bits(ascends) == lanes::first_lanes(kLanes);
+  bool all = lanes::lane_bits(ascends) == lanes::first_lanes(kLanes);
   for (; i < nsite; ++i) all = all && site[i - 1] <= site[i];
   return all;
 }

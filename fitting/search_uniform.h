@@ -29,9 +29,9 @@ void search_uniform_groups(const UniformCells<Real>& cells, int64_t groups, cons
     auto between = typename Lanes::Mask{} == typename Lanes::Mask{};
     for (int64_t j = 0; j < site_group; j += Lanes::count) {
       const typename Lanes::Sites s = lanes::load(site + j);
-      between &= (s >= lanes::all(low)) & (s <= lanes::all(high));
+      between &= (s >= lanes::broadcast(low)) & (s <= lanes::broadcast(high));
     }
-    const bool ascends = lanes::bits(between) == lanes::first_lanes(Lanes::count);
+    const bool ascends = lanes::lane_bits(between) == lanes::first_lanes(Lanes::count);
     if (ascends && high < right) {
       std::fill_n(cell, site_group, c);
       continue;

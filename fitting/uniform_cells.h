@@ -51,7 +51,7 @@ struct UniformCells {
 
   // A NaN has cell n.
   int32_t find(Real s) const {
-    return quotients_hold ? by_quotients(lanes::all(s))[0] : by_comparisons(s);
+    return quotients_hold ? by_quotients(lanes::broadcast(s))[0] : by_comparisons(s);
   }
   void find(int64_t nsite, const Real* site, int32_t* cell) const {
     if (quotients_hold) {
@@ -94,7 +94,7 @@ struct UniformCells {
     Cells found = by_quotients(s);
     const Sites right = x.at(Lanes::real(found)), left = x.at(Lanes::real(found - 1));
     const auto good = (left <= s) & (s < right) & (s < x.end);
-    if (lanes::bits(good) == lanes::first_lanes(Lanes::count)) return found;
+    if (lanes::lane_bits(good) == lanes::first_lanes(Lanes::count)) return found;
     int32_t cell[Lanes::count];
     for (int lane = 0; lane < Lanes::count; ++lane) cell[lane] = by_comparisons(s[lane]);
     __builtin_memcpy(&found, cell, sizeof found);

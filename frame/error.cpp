@@ -72,25 +72,24 @@ int32_t whole_vector_index(const ThreadState& state, int32_t index, const Elemen
 }
 
 // The element of each vector that a report is about.
-template <class Element>
+template <class In, class Out>
 struct Elements {
-  const Element *arg1, *arg2;
-  Element *result1, *result2;
+  const In *arg1, *arg2;
+  Out *result1, *result2;
 };
 
-template <class Element>
-void report(ThreadState& state, int32_t code, int32_t index, const Elements<Element>& at,
+template <class In, class Out>
+void report(ThreadState& state, int32_t code, int32_t index, const Elements<In, Out>& at,
             const char* name) {
-  using Part = Parts<Element>;
   ErrorContext context{};
   context.code = code;
   context.index = index;
   copy_name(context, name);
   if (has_values(code)) {
-    Part::read(*at.arg1, context.arg1, context.arg1Im);
-    Part::read(*at.arg2, context.arg2, context.arg2Im);
-    Part::read(*at.result1, context.result1, context.result1Im);
-    Part::read(*at.result2, context.result2, context.result2Im);
+    Parts<In>::read(*at.arg1, context.arg1, context.arg1Im);
+    Parts<In>::read(*at.arg2, context.arg2, context.arg2Im);
+    Parts<Out>::read(*at.result1, context.result1, context.result1Im);
+    Parts<Out>::read(*at.result2, context.result2, context.result2Im);
   }
   const uint32_t word = state.mode;
   if ((word & QOR_MODE_ERRORS_CALLBACK) != 0 && state.errCallback != nullptr &&
@@ -99,8 +98,8 @@ void report(ThreadState& state, int32_t code, int32_t index, const Elements<Elem
   }
   if ((word & QOR_MODE_ERRORS_PRINTING) != 0) run_report(word, context);
   if (!has_values(code)) return;
-  Part::write(*at.result2, context.result2, context.result2Im);
-  Part::write(*at.result1, context.result1, context.result1Im);
+  Parts<Out>::write(*at.result2, context.result2, context.result2Im);
+  Parts<Out>::write(*at.result1, context.result1, context.result1Im);
 }
 
 // Stores the status as the mode says; returns whether a record is wanted.
@@ -113,14 +112,25 @@ bool note_status(ThreadState& state, int32_t code) {
 
 }  // namespace
 
-template <class Element>
-void report_error_strided(int32_t code, int32_t index, const Element* arg1, int32_t arg1_inc,
-                          const Element* arg2, int32_t arg2_inc, Element* result1,
-                          int32_t result1_inc, Element* result2, int32_t result2_inc,
-                          const char* name) {
+bool reports_are_off() { return (mode() & QOR_MODE_ERRORS) == QOR_MODE_ERRORS_NOERR; }
+
+bool each_report_counts() {
+  ThreadState& state = thread_state();
+  const uint32_t word = mode_of(state);
+  const uint32_t errors = word & QOR_MODE_ERRORS;
+  if (errors == QOR_MODE_ERRORS_NOERR || errors == QOR_MODE_ERRORS_IGNORE) return false;
+  if ((errors & QOR_MODE_ERRORS_CALLBACK) != 0 && state.errCallback != nullptr) return true;
+  if ((errors & QOR_MODE_ERRORS_STDERR) != 0) return true;
+  return (errors & QOR_MODE_ERRORS_EXCEPT) != 0 && (word & QOR_MODE_TRAPS) != 0;
+}
+
+template <class In, class Out>
+void report_error_strided(int32_t code, int32_t index, const In* arg1, int32_t arg1_inc,
+                          const In* arg2, int32_t arg2_inc, Out* result1, int32_t result1_inc,
+                          Out* result2, int32_t result2_inc, const char* name) {
   ThreadState& state = thread_state();
   if (!note_status(state, code)) return;
-  Elements<Element> at{arg1, arg2, result1, result2};
+  Elements<In, Out> at{arg1, arg2, result1, result2};
   if (has_values(code)) {
     const int64_t i = index;
     at = {arg1 + i * arg1_inc, arg2 + i * arg2_inc, result1 + i * result1_inc,
@@ -129,19 +139,24 @@ void report_error_strided(int32_t code, int32_t index, const Element* arg1, int3
   report(state, code, whole_vector_index(state, index, arg1), at, name);
 }
 
-template <class Element>
-void report_error(int32_t code, int32_t index, const Element* arg1, const Element* arg2,
-                  Element* result1, Element* result2, const char* name) {
+template <class In, class Out>
+void report_error(int32_t code, int32_t index, const In* arg1, const In* arg2, Out* result1,
+                  Out* result2, const char* name) {
   report_error_strided(code, index, arg1, 1, arg2, 1, result1, 1, result2, 1, name);
 }
 
-#define QOR_INSTANTIATE(E)                                                                      \
-  template void report_error<E>(int32_t, int32_t, const E*, const E*, E*, E*, const char*);     \
-  template void report_error_strided<E>(int32_t, int32_t, const E*, int32_t, const E*, int32_t, \
-                                        E*, int32_t, E*, int32_t, const char*);
-QOR_INSTANTIATE(s_element)
-QOR_INSTANTIATE(d_element)
-QOR_INSTANTIATE(c_element)
-QOR_INSTANTIATE(z_element)
+#define QOR_INSTANTIATE(In, Out)                                                               \
+  template void report_error<In, Out>(int32_t, int32_t, const In*, const In*, Out*, Out*,      \
+                                      const char*);                                            \
+  template void report_error_strided<In, Out>(int32_t, int32_t, const In*, int32_t, const In*, \
+                                              int32_t, Out*, int32_t, Out*, int32_t, const char*);
+QOR_INSTANTIATE(s_element, s_element)
+QOR_INSTANTIATE(d_element, d_element)
+QOR_INSTANTIATE(c_element, c_element)
+QOR_INSTANTIATE(z_element, z_element)
+QOR_INSTANTIATE(s_element, c_element)
+QOR_INSTANTIATE(d_element, z_element)
+QOR_INSTANTIATE(c_element, s_element)
+QOR_INSTANTIATE(z_element, d_element)
 
 }  // namespace qor::frame

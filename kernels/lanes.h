@@ -5,12 +5,14 @@
 #pragma once
 
 #include "kernels/lanes/arithmetic.h"
+#include "kernels/lanes/bits.h"
+#include "kernels/lanes/complex.h"
 #include "kernels/lanes/convert.h"
 #include "kernels/lanes/estimates.h"
-#include "kernels/lanes/images.h"
+#include "kernels/lanes/exponents.h"
 #include "kernels/lanes/masks.h"
 #include "kernels/lanes/memory.h"
-#include "kernels/lanes/parts.h"
 #include "kernels/lanes/polynomial.h"
 #include "kernels/lanes/tables.h"
 #include "kernels/lanes/types.h"
+#include "kernels/lanes/whole.h"

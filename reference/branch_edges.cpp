@@ -1,9 +1,9 @@
 #include <bit>
 #include <iterator>
 
-#include "kernels/exp_limits.h"
-#include "kernels/log_limits.h"
-#include "kernels/root_limits.h"
+#include "kernels/exponential/limits.h"
+#include "kernels/logarithm/limits.h"
+#include "kernels/root/limits.h"
 #include "reference/arguments.h"
 
 namespace qor::reference {

@@ -99,8 +99,8 @@ Register<Real> origin(Register<Real> first) {
   using Lanes = lanes::Lanes<Real>;
   constexpr Real least = std::numeric_limits<Real>::epsilon() / 8;
   const Real limit = std::numeric_limits<Real>::max() * least;  // below half an ulp of the largest
-  const auto small = (first < lanes::all(limit)) & (first > lanes::all(-limit));
-  return lanes::from_image(lanes::image(first) & typename Lanes::I(small));
+  const auto small = (first < lanes::broadcast(limit)) & (first > lanes::broadcast(-limit));
+  return lanes::from_bits(lanes::bits(first) & typename Lanes::I(small));
 }
 
 // The moments of a tile's strip.
@@ -108,14 +108,14 @@ template <class Real, int row, bool matrix, int registers>
 void run_tile(const Strip<Real>& strip, int64_t count, const Factors<Real>& factors,
               const Deviations<Real>& deviations, int64_t j, TileMoments<Real, registers>& tile) {
   using V = Register<Real>;
-  using lanes::all;
+  using lanes::broadcast;
   constexpr Order order = one_pass_orders[row];
   V mean[registers]{}, raw[3][registers]{}, central[3][registers]{}, from[registers];
   for (int g = 0; g < registers; ++g) {
     from[g] = origin<Real>(load(strip.rows + g * register_lanes<Real>));
   }
   for (int64_t i = 0; i < count; ++i) {
-    const V keep = all(factors.keep[i]), take = all(factors.take[i]);
+    const V keep = broadcast(factors.keep[i]), take = broadcast(factors.take[i]);
     for (int g = 0; g < registers; ++g) {
       const V x = load(strip.rows + i * strip.stride + g * register_lanes<Real>);
       const V y = x - from[g];
@@ -124,16 +124,16 @@ void run_tile(const Strip<Real>& strip, int64_t count, const Factors<Real>& fact
       if constexpr (matrix) {
         const int64_t at = i * deviations.stride + j + g * register_lanes<Real>;
         store(deviations.plain + at, d);
-        store(deviations.scaled + at, all(factors.square[i]) * d);
+        store(deviations.scaled + at, broadcast(factors.square[i]) * d);
       }
       if constexpr (order.central > 2) {
-        central[2][g] += all(factors.fourth[i]) * (square * square) +
-                         all(factors.fourth_c2[i]) * central[0][g] * square -
-                         all(factors.fourth_c3[i]) * central[1][g] * d;
-        central[1][g] +=
-            all(factors.cube[i]) * (square * d) - all(factors.cube_c2[i]) * central[0][g] * d;
+        central[2][g] += broadcast(factors.fourth[i]) * (square * square) +
+                         broadcast(factors.fourth_c2[i]) * central[0][g] * square -
+                         broadcast(factors.fourth_c3[i]) * central[1][g] * d;
+        central[1][g] += broadcast(factors.cube[i]) * (square * d) -
+                         broadcast(factors.cube_c2[i]) * central[0][g] * d;
       }
-      if constexpr (order.central > 0) central[0][g] += all(factors.square[i]) * square;
+      if constexpr (order.central > 0) central[0][g] += broadcast(factors.square[i]) * square;
       mean[g] = keep * mean[g] + take * y;
       V power = x;
       for (int k = 0; k + 1 < order.raw; ++k) {
@@ -182,7 +182,7 @@ void take_products(const Deviations<Real>& d, int64_t count, int64_t k, int64_t 
     for (int64_t i = 0; i < count; ++i) {
       const V scaled = load(d.scaled + i * d.stride + j);
       for (int r = 0; r < rows; ++r) {
-        sum[r] += scaled * lanes::all(d.plain[i * d.stride + k + r]);
+        sum[r] += scaled * lanes::broadcast(d.plain[i * d.stride + k + r]);
       }
     }
     for (int r = 0; r < rows; ++r) {

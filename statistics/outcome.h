@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "kernels/scalar_image.h"
+#include "kernels/scalar/bits.h"
 #include "statistics/run.h"
 #include "statistics/slots.h"
 #include "statistics/sort_keys.h"

@@ -63,7 +63,7 @@ void sum_tile(const Strip<Real>& strip, int64_t count, const Real* weights, Regi
   using V = Register<Real>;
   V raw[4][kChains]{}, central[3][kChains]{};
   const auto add = [&](int64_t i, int chain) {
-    const V w = weighted ? lanes::all(weights[i]) : V{};
+    const V w = weighted ? lanes::broadcast(weights[i]) : V{};
     add_powers<Real, weighted, powers>(load(strip.rows + i * strip.stride), mean, w, raw, central,
                                        chain);
   };

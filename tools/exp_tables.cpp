@@ -1,4 +1,4 @@
-// Makes kernels/tables/exp_tables.h: powers of two in two parts, and polynomials of the
+// Makes kernels/exponential/tables/exp_tables.h: powers of two in two parts, and polynomials of the
 // exponentials.
 
 #include <array>
@@ -99,7 +99,7 @@ void print_step(const char* name, const Real& log_base) {
   const Real step = two / log_base / Real(16.0);
   const float high = nearest<float>(step);
   const float low = nearest<float>(step - Real(static_cast<double>(high)));
-  std::printf("inline constexpr Row<float> %s = {%s, %s};\n", name,
+  std::printf("inline constexpr TablePair<float> %s = {%s, %s};\n", name,
               qor::tools::literal(high).c_str(), qor::tools::literal(low).c_str());
 }
 
@@ -130,21 +130,24 @@ void print_polynomials() {
 int main() {
   using qor::tools::print_table;
   qor::tools::print_head("exp_tables", "#include \"kernels/lanes.h\"\n");
-  std::printf("\nusing lanes::Row;\n");
-  print_table("2^(j/64): the nearest float, and the float nearest to the rest.", "Row<float>",
+  std::printf("\nusing lanes::TablePair;\n");
+  print_table("2^(j/64): the nearest float, and the float nearest to the rest.", "TablePair<float>",
               "exp2_float_64", 64, [](int j) { return parts<float>(j, 64); });
-  print_table("2^(j/128): the nearest float, and the float nearest to the rest.", "Row<float>",
-              "exp2_float_128", 128, [](int j) { return parts<float>(j, 128); });
+  print_table("2^(j/128): the nearest float, and the float nearest to the rest.",
+              "TablePair<float>", "exp2_float_128", 128,
+              [](int j) { return parts<float>(j, 128); });
   print_sixteenths<float>("float", "exp2_float_16_high", "exp2_float_16_low");
   print_sixteenths_for_images();
   print_sixteenths<double>("double", "exp2_double_16_high", "exp2_double_16_low");
-  print_table("2^(j/64): the nearest double, and the double nearest to the rest.", "Row<double>",
-              "exp2_double_64", 64, [](int j) { return parts<double>(j, 64); });
-  print_table("2^(j/128): the nearest double, and the double nearest to the rest.", "Row<double>",
-              "exp2_double_128", 128, [](int j) { return parts<double>(j, 128); });
-  print_table("2^(j/128): its first 32 bits, and the double nearest to the rest.", "Row<double>",
-              "exp2_split_128", 128, [](int j) { return split_parts(j); });
-  print_table("2^(j/64): the nearest double T, and the rest divided by T.", "Row<double>",
+  print_table("2^(j/64): the nearest double, and the double nearest to the rest.",
+              "TablePair<double>", "exp2_double_64", 64,
+              [](int j) { return parts<double>(j, 64); });
+  print_table("2^(j/128): the nearest double, and the double nearest to the rest.",
+              "TablePair<double>", "exp2_double_128", 128,
+              [](int j) { return parts<double>(j, 128); });
+  print_table("2^(j/128): its first 32 bits, and the double nearest to the rest.",
+              "TablePair<double>", "exp2_split_128", 128, [](int j) { return split_parts(j); });
+  print_table("2^(j/64): the nearest double T, and the rest divided by T.", "TablePair<double>",
               "exp2_relative_64", 64, [](int j) { return parts_with_relative_rest(j, 64); });
   std::printf(
       "\n// A step of the 16-row tables, as an argument: the nearest float, and the rest.\n");

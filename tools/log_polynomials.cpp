@@ -1,5 +1,5 @@
-// Makes kernels/tables/log_polynomials.h: polynomials of the logarithms, coefficients from the
-// highest power down.
+// Makes kernels/logarithm/tables/log_polynomials.h: polynomials of the logarithms, coefficients
+// from the highest power down.
 //
 // A polynomial interpolates its function at the Chebyshev nodes of the interval, which is within a
 // small factor of the best; then its coefficients are rounded. The bound printed is the greatest
@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "kernels/log_constants.h"
+#include "kernels/logarithm/constants.h"
 #include "tools/table_writer.h"
 
 namespace {

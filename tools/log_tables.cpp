@@ -1,12 +1,12 @@
-// Makes kernels/tables/log_tables.h: reciprocals of mantissas and the logarithms that undo them, in
-// two parts.
+// Makes kernels/logarithm/tables/log_tables.h: reciprocals of mantissas and the logarithms that
+// undo them, in two parts.
 
 #include <array>
 #include <cmath>
 #include <cstdlib>
 #include <string>
 
-#include "kernels/log_constants.h"
+#include "kernels/logarithm/constants.h"
 #include "tools/table_writer.h"
 
 namespace {
@@ -56,8 +56,8 @@ void print_rows(const std::string& stem, const Function& log) {
   char rule[160];
   std::snprintf(rule, sizeof rule, "%s(%d / c) - %d %s(2) for c = %d..%d: high part, low part.",
                 log.name, unit, bias, log.name, unit / 2, unit);
-  qor::tools::print_table(rule, single<T> ? "Row<float>" : "Row<double>", (stem + "_rows").c_str(),
-                          unit / 2 + 1, row);
+  qor::tools::print_table(rule, single<T> ? "TablePair<float>" : "TablePair<double>",
+                          (stem + "_rows").c_str(), unit / 2 + 1, row);
 }
 
 // One of `count` cells of the mantissas m in [0.75, 1.5), by the top bits of their images.
@@ -98,7 +98,7 @@ std::string cells_rule(const Function& log) {
 // Cells that are looked up in memory: a row for each.
 template <int count, class Base>
 void print_cells(const std::string& stem, const Function& log) {
-  qor::tools::print_table(cells_rule<count>(log).c_str(), "Row4<double>",
+  qor::tools::print_table(cells_rule<count>(log).c_str(), "TableQuad<double>",
                           (stem + "_cells_" + std::to_string(count)).c_str(), count,
                           [&](int i) { return cell_row<count, double, Base>(log, i); });
 }
@@ -143,7 +143,7 @@ std::array<double, 4> scalar_row(int i) {
 
 int main() {
   qor::tools::print_head("log_tables", "#include \"kernels/lanes.h\"\n");
-  std::printf("\nusing lanes::Row;\nusing lanes::Row4;\n");
+  std::printf("\nusing lanes::TablePair;\nusing lanes::TableQuad;\n");
   std::printf("\nusing Doubles16 = double[16];\nusing Floats16 = float[16];\n");
   std::printf("using Floats8 = float[8];\n");
   print_base<constants::Natural>("ln", mpfr_log);
@@ -151,6 +151,6 @@ int main() {
   print_base<constants::Binary>("log2", mpfr_log2);
   qor::tools::print_table(
       "c, the 12-bit number nearest to 1 / (1 + i/64), and ln(1 / c): high part, low part.",
-      "Row4<double>", "ln_scalar_rows", 65, scalar_row);
+      "TableQuad<double>", "ln_scalar_rows", 65, scalar_row);
   qor::tools::print_tail();
 }

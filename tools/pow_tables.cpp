@@ -1,5 +1,5 @@
-// Makes kernels/tables/pow_tables.h: cells for the logarithm of the powers, and the polynomial of
-// 2^f of their single form.
+// Makes kernels/power/tables/pow_tables.h: cells for the logarithm of the powers, and the
+// polynomial of 2^f of their single form.
 //
 // Cell i of a table with 2^bits cells holds the z in [a, 2 a) whose image, less that of a, has i in
 // its leading mantissa bits; a is just below 3/4 such that 1 is the middle of a cell. A row holds
@@ -129,13 +129,14 @@ void print_column(const char* rule, const char* name, int count, ValueOf value) 
 int main() {
   using qor::tools::print_table;
   qor::tools::print_head("pow_tables", "#include \"kernels/lanes.h\"\n");
-  std::printf("\nusing lanes::Row4;\n");
+  std::printf("\nusing lanes::TableQuad;\n");
 
   const Cells medium{0x3FE7F000, 7}, fine{0x3FE7FE00, 10}, coarse{0x3FE78000, 4};
-  print_table("c, of as many bits as leave z c - 1 exact; -log2 c in two parts.", "Row4<double>",
-              "pow_log2_128", 128, [&](int i) { return row(exact_reciprocal(medium, i)); });
+  print_table("c, of as many bits as leave z c - 1 exact; -log2 c in two parts.",
+              "TableQuad<double>", "pow_log2_128", 128,
+              [&](int i) { return row(exact_reciprocal(medium, i)); });
   print_table(
-      "c of 13 fraction bits; -log2 c in two parts.", "Row4<double>", "pow_log2_1024", 1024,
+      "c of 13 fraction bits; -log2 c in two parts.", "TableQuad<double>", "pow_log2_1024", 1024,
       [&](int i) { return row(fine.has_one(i) ? 1 : rounded_to_bits(1 / fine.middle(i), 13)); });
   print_column("c, a float whose -log2 c is nearly a float.", "pow_reciprocal_16", 16,
                [&](int i) { return float_reciprocal(coarse, i); });

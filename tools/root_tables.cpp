@@ -1,4 +1,5 @@
-// Makes kernels/tables/root_tables.h: cells of the mantissa for powers with a rational exponent.
+// Makes kernels/root/tables/root_tables.h: cells of the mantissa for powers with a rational
+// exponent.
 //
 // A row belongs to a cell [1 + j/32, 1 + (j+1)/32) with the center c = 1 + (j + 1/2)/32, and to a
 // rest k of the exponent: it holds (2^k c)^s in two parts, c and 1 / c, at index 32 k + j.
@@ -44,14 +45,14 @@ void print(const char* type, const char* name, int p, int q) {
 
 int main() {
   qor::tools::print_head("root_tables", "#include \"kernels/lanes.h\"\n");
-  std::printf("\nusing lanes::Row4;\n");
-  print<float>("Row4<float>", "cbrt_float", 1, 3);
-  print<double>("Row4<double>", "cbrt_double", 1, 3);
-  print<float>("Row4<float>", "inv_cbrt_float", -1, 3);
-  print<double>("Row4<double>", "inv_cbrt_double", -1, 3);
-  print<float>("Row4<float>", "pow2o3_float", 2, 3);
-  print<double>("Row4<double>", "pow2o3_double", 2, 3);
-  print<float>("Row4<float>", "pow3o2_float", 3, 2);
-  print<double>("Row4<double>", "pow3o2_double", 3, 2);
+  std::printf("\nusing lanes::TableQuad;\n");
+  print<float>("TableQuad<float>", "cbrt_float", 1, 3);
+  print<double>("TableQuad<double>", "cbrt_double", 1, 3);
+  print<float>("TableQuad<float>", "inv_cbrt_float", -1, 3);
+  print<double>("TableQuad<double>", "inv_cbrt_double", -1, 3);
+  print<float>("TableQuad<float>", "pow2o3_float", 2, 3);
+  print<double>("TableQuad<double>", "pow2o3_double", 2, 3);
+  print<float>("TableQuad<float>", "pow3o2_float", 3, 2);
+  print<double>("TableQuad<double>", "pow3o2_double", 3, 2);
   qor::tools::print_tail();
 }

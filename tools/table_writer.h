@@ -1,4 +1,4 @@
-// Writes generated tables: MPFR values as hexadecimal floats in a header of kernels/tables/.
+// Writes generated tables: MPFR values as hexadecimal floats in a header of a family's tables/.
 #pragma once
 
 #include <mpfr.h>

@@ -53,7 +53,7 @@ inline Two<f64> to_double(i32 x) {
 }
 #endif
 
-// Two registers of doubles as floats; and the low words of their images.
+// Two registers of doubles as floats; and the low words of their bits.
 inline f32 narrow(Two<f64> x) {
 #if QOR_LANES_512 || QOR_LANES_256
 #if QOR_LANES_512

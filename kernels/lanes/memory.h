@@ -42,32 +42,32 @@ inline __m256i first_lanes_mask(int count, double) {
 }
 #endif
 
-// The first `count` lanes from memory, at least one and not all, the rest holding `filler`. Nothing
-// behind them is read.
-inline f32 load_first(const float* from, int count, float filler) {
+// The first `count` lanes from memory, at least one and not all, the rest holding `stand_in`.
+// Nothing behind them is read.
+inline f32 load_first(const float* from, int count, float stand_in) {
 #if QOR_LANES_512
   const auto active = static_cast<__mmask16>(first_lanes(count));
-  return std::bit_cast<f32>(_mm512_mask_loadu_ps(_mm512_set1_ps(filler), active, from));
+  return std::bit_cast<f32>(_mm512_mask_loadu_ps(_mm512_set1_ps(stand_in), active, from));
 #elif QOR_LANES_256
-  const __m256i active = first_lanes_mask(count, filler);
+  const __m256i active = first_lanes_mask(count, stand_in);
   return std::bit_cast<f32>(_mm256_blendv_ps(
-      _mm256_set1_ps(filler), _mm256_maskload_ps(from, active), _mm256_castsi256_ps(active)));
+      _mm256_set1_ps(stand_in), _mm256_maskload_ps(from, active), _mm256_castsi256_ps(active)));
 #else
-  return f32{from[0], count > 1 ? from[1] : filler, count > 2 ? from[2] : filler, filler};
+  return f32{from[0], count > 1 ? from[1] : stand_in, count > 2 ? from[2] : stand_in, stand_in};
 #endif
 }
 
-inline f64 load_first(const double* from, int count, double filler) {
+inline f64 load_first(const double* from, int count, double stand_in) {
 #if QOR_LANES_512
   const auto active = static_cast<__mmask8>(first_lanes(count));
-  return std::bit_cast<f64>(_mm512_mask_loadu_pd(_mm512_set1_pd(filler), active, from));
+  return std::bit_cast<f64>(_mm512_mask_loadu_pd(_mm512_set1_pd(stand_in), active, from));
 #elif QOR_LANES_256
-  const __m256i active = first_lanes_mask(count, filler);
+  const __m256i active = first_lanes_mask(count, stand_in);
   return std::bit_cast<f64>(_mm256_blendv_pd(
-      _mm256_set1_pd(filler), _mm256_maskload_pd(from, active), _mm256_castsi256_pd(active)));
+      _mm256_set1_pd(stand_in), _mm256_maskload_pd(from, active), _mm256_castsi256_pd(active)));
 #else
   static_cast<void>(count);
-  return f64{from[0], filler};
+  return f64{from[0], stand_in};
 #endif
 }
 

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <iterator>
 
-#include "kernels/lanes/images.h"
+#include "kernels/lanes/bits.h"
 
 namespace qor::lanes {
 
@@ -38,13 +38,13 @@ inline f64 multiply_add(f64 a, f64 b, f64 c) {
 
 template <class V, class T>
 inline V multiply_add(V a, V b, T c) {
-  return multiply_add(a, b, all(c));
+  return multiply_add(a, b, broadcast(c));
 }
 
 // Horner's rule, coefficients from the highest power down.
 template <class V, class T>
 inline V horner(V, T constant) {
-  return all(constant);
+  return broadcast(constant);
 }
 template <class V, class T, class... Rest>
 inline V horner_from(V x, V sum, T next, Rest... rest) {
@@ -57,12 +57,12 @@ inline V horner_from(V x, V sum, T next, Rest... rest) {
 }
 template <class V, class T, class... Rest>
 inline V horner(V x, T highest, T next, Rest... rest) {
-  return horner_from(x, all(highest), next, rest...);
+  return horner_from(x, broadcast(highest), next, rest...);
 }
 
 template <class V, class T, size_t count>
 inline V horner(V x, const T (&coefficients)[count]) {
-  V sum = all(coefficients[0]);
+  V sum = broadcast(coefficients[0]);
   for (size_t i = 1; i < count; ++i) sum = multiply_add(sum, x, coefficients[i]);
   return sum;
 }
@@ -72,7 +72,7 @@ inline V horner(V x, const T (&coefficients)[count]) {
 template <size_t first, size_t terms, class V, class T, size_t count, size_t power_count>
 inline V estrin_part(const V (&powers)[power_count], const T (&coefficients)[count]) {
   if constexpr (terms == 1) {
-    return all(coefficients[first]);
+    return broadcast(coefficients[first]);
   } else {
     constexpr size_t split = std::bit_ceil(terms) / 2;  // terms of the lower half
     const V upper = estrin_part<first, terms - split>(powers, coefficients);
@@ -91,7 +91,7 @@ inline V estrin(V x, const T (&coefficients)[count]) {
 template <class V, class T, size_t count>
 inline V even_odd(V x, const T (&coefficients)[count]) {
   const V square = x * x;
-  V sums[2] = {all(coefficients[0]), all(coefficients[1])};
+  V sums[2] = {broadcast(coefficients[0]), broadcast(coefficients[1])};
   for (size_t i = 2; i < count; ++i) {
     sums[i % 2] = multiply_add(sums[i % 2], square, coefficients[i]);
   }

@@ -36,21 +36,23 @@ inline f64 gather(const double* table, i64 index) {
 #endif
 }
 
-// A row of a table of pairs.
+// An entry of a table of pairs.
 template <class T>
-struct Row {
+struct TablePair {
   T high, low;
 };
 
-// Rows table[index], the halves in a register each: gathered half by half, or (gather_rows) row by
-// row and transposed, where that is faster.
+// Entries table[index], the halves in a register each: gathered half by half, or (gather_entries)
+// entry by entry and transposed, where that is faster.
 template <class T>
-inline Two<typename Lanes<T>::V> gather_halves(const Row<T>* table, typename Lanes<T>::I index) {
+inline Two<typename Lanes<T>::V> gather_halves(const TablePair<T>* table,
+                                               typename Lanes<T>::I index) {
   const T* flat = &table->high;
   return {gather(flat, index * 2), gather(flat + 1, index * 2)};
 }
 template <class T>
-inline Two<typename Lanes<T>::V> gather_rows(const Row<T>* table, typename Lanes<T>::I index) {
+inline Two<typename Lanes<T>::V> gather_entries(const TablePair<T>* table,
+                                                typename Lanes<T>::I index) {
   return gather_halves(table, index);
 }
 
@@ -73,7 +75,7 @@ inline f64 pairs_together(const double* first, const double* second, const doubl
 
 // Rows loaded whole and transposed: on Zen 4 about two thirds of the time of two gathers.
 template <>
-inline Two<f64> gather_rows<double>(const Row<double>* table, i64 index) {
+inline Two<f64> gather_entries<double>(const TablePair<double>* table, i64 index) {
   using Pair [[gnu::vector_size(16)]] = double;
   const double* flat = &table->high;
   const i64 at = index * 2;
@@ -104,7 +106,7 @@ inline Two<f64> gather_rows<double>(const Row<double>* table, i64 index) {
 #if !QOR_LANES_512 && !QOR_LANES_256
 // Rows loaded whole and transposed.
 template <>
-inline Two<f32> gather_rows<float>(const Row<float>* table, i32 index) {
+inline Two<f32> gather_entries<float>(const TablePair<float>* table, i32 index) {
   const auto row = [&](int lane) {
     double loaded;  // a row of floats has the size of a double
     std::memcpy(&loaded, table + index[lane], sizeof loaded);
@@ -117,9 +119,9 @@ inline Two<f32> gather_rows<float>(const Row<float>* table, i32 index) {
 }
 #endif
 
-// A row of a table of fours, and four registers.
+// An entry of a table of fours, and four registers.
 template <class T>
-struct alignas(4 * sizeof(T)) Row4 {
+struct alignas(4 * sizeof(T)) TableQuad {
   T a, b, c, d;
 };
 template <class V>
@@ -136,9 +138,9 @@ inline V shuffle(V a, V b) {
   (std::make_integer_sequence<int, sizeof(V) / sizeof a[0]>{});
 }
 
-// Rows table[index], a register for each column: rows loaded whole and transposed, a square of four
-// rows at a time. On Zen 4 that takes the time of one gather.
-inline Four<f64> gather_rows(const Row4<double>* table, i64 index) {
+// Entries table[index], a register for each column: rows loaded whole and transposed, a square of
+// four rows at a time. On Zen 4 that takes the time of one gather.
+inline Four<f64> gather_entries(const TableQuad<double>* table, i64 index) {
 #if QOR_LANES_512 || QOR_LANES_256
   constexpr int count = Lanes<double>::count;
   const auto rows = [&](int lane) {
@@ -158,14 +160,14 @@ inline Four<f64> gather_rows(const Row4<double>* table, i64 index) {
   return {shuffle<low>(ab02, cd02), shuffle<low>(ab13, cd13), shuffle<high>(ab02, cd02),
           shuffle<high>(ab13, cd13)};
 #else
-  const Row4<double>&p = table[index[0]], &q = table[index[1]];
+  const TableQuad<double>&p = table[index[0]], &q = table[index[1]];
   const f64 p01 = {p.a, p.b}, p23 = {p.c, p.d}, q01 = {q.a, q.b}, q23 = {q.c, q.d};
   return {__builtin_shufflevector(p01, q01, 0, 2), __builtin_shufflevector(p01, q01, 1, 3),
           __builtin_shufflevector(p23, q23, 0, 2), __builtin_shufflevector(p23, q23, 1, 3)};
 #endif
 }
 
-inline Four<f32> gather_rows(const Row4<float>* table, i32 index) {
+inline Four<f32> gather_entries(const TableQuad<float>* table, i32 index) {
   using Quad [[gnu::vector_size(16)]] = float;
   constexpr int count = Lanes<float>::count;
   const auto row = [&](int lane) {

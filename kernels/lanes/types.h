@@ -29,7 +29,7 @@ using u32 [[gnu::vector_size(register_bytes)]] = uint32_t;
 using i64 [[gnu::vector_size(register_bytes)]] = int64_t;
 using u64 [[gnu::vector_size(register_bytes)]] = uint64_t;
 
-// The types that go with an element type: register V, integer images I and U, lane mask M (all ones
+// The types that go with an element type: register V, integer bits I and U, lane mask M (all ones
 // or all zeros per lane), count of lanes.
 template <class T>
 struct Lanes;

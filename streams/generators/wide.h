@@ -7,15 +7,11 @@
 #include <cstring>
 #include <utility>
 
+#include "kernels/lanes/whole.h"
+
 namespace qor::streams {
 
-#if defined(__AVX512DQ__) && defined(__AVX512VL__)
-inline constexpr int wide_bytes = 64;
-#elif defined(__AVX2__)
-inline constexpr int wide_bytes = 32;
-#else
-inline constexpr int wide_bytes = 16;
-#endif
+inline constexpr int wide_bytes = lanes::register_bytes;
 inline constexpr int wide_lanes = wide_bytes / 8;
 
 using Wide [[gnu::vector_size(wide_bytes)]] = uint64_t;
@@ -24,20 +20,7 @@ using WideReal [[gnu::vector_size(wide_bytes)]] = double;
 using WideMask [[gnu::vector_size(wide_bytes)]] = int64_t;
 using WideIntegers [[gnu::vector_size(wide_bytes / 2)]] = int32_t;
 
-// The product of the low halves of each lane.
-inline Wide mul_low(Wide a, Wide b) {
-#if defined(__AVX512DQ__) && defined(__AVX512VL__)
-  // The masked form: the plain one warns in the compiler's own header.
-  return reinterpret_cast<Wide>(
-      _mm512_maskz_mul_epu32(0xFF, reinterpret_cast<__m512i>(a), reinterpret_cast<__m512i>(b)));
-#elif defined(__AVX2__)
-  return reinterpret_cast<Wide>(
-      _mm256_mul_epu32(reinterpret_cast<__m256i>(a), reinterpret_cast<__m256i>(b)));
-#else
-  return reinterpret_cast<Wide>(
-      _mm_mul_epu32(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
-#endif
-}
+inline Wide mul_low(Wide a, Wide b) { return lanes::low_half_product(a, b); }
 
 inline Wide wide(uint64_t value) { return value - Wide{}; }
 

@@ -125,7 +125,7 @@ TEST_F(ErrorRoutines, ErrnoAndMessagesByCodeAndValuesAndLongNamesAreCut) {
     double y = c.y, z = c.z;
     errno = -1;
     if (c.code < 0) {  // an argument that is bad: no vector is touched
-      report_error<double>(c.code, 5, nullptr, nullptr, nullptr, nullptr, name.c_str());
+      report_error<double, double>(c.code, 5, nullptr, nullptr, nullptr, nullptr, name.c_str());
       EXPECT_EQ(reports.back().index, 5);
     } else {
       report_error(c.code, 0, &c.a, &c.b, &y, &z, name.c_str());

@@ -2,7 +2,7 @@
 // way, and where its results have to be exact.
 #pragma once
 
-#include "kernels/pow_limits.h"
+#include "kernels/power/limits.h"
 #include "tests/kernels/engine.h"
 
 namespace qor::test {

@@ -1,0 +1,30 @@
+// Log2: the binary logarithm, single and double.
+//
+// Method.   see core.h.
+// Accuracy. see docs/accuracy.md; below 1 ulp, denormals included; exact at powers of two.
+// Special.  +-0 -> -inf code 2; x < 0 -> NaN code 1; +inf -> +inf; NaN -> quiet NaN.
+
+#include "kernels/frame/rows.h"
+#include "kernels/logarithm/core.h"
+#include "kernels/logarithm/scalar.h"
+
+namespace qor::kernels {
+namespace {
+
+template <class T>
+struct Log2 : Guarded<T(T)> {
+  using Base = log_vector::Binary<T>;
+  static constexpr Traits traits{.group = log_vector::registers};
+  using typename Guarded<T(T)>::V;
+
+  V core(V x) const { return log_vector::logarithm<Base>(x); }
+  lanes::LaneSet<T> special(V x) const { return log_vector::special(x); }
+  Outcome<T> scalar(T x) const { return log_scalar::logarithm<log_constants::Binary>(x); }
+};
+
+}  // namespace
+
+QOR_FILL_ROW(s, Log2, unary, Log2<float>)
+QOR_FILL_ROW(d, Log2, unary, Log2<double>)
+
+}  // namespace qor::kernels

@@ -1,0 +1,126 @@
+// log2 of positive normal doubles in two parts, for the powers.
+//
+// Method.   x = 2^k z; a cell of z gives a short reciprocal c and -log2 c in two parts, the first a
+//           multiple of 2^-42; r = z c - 1 is exact. log2 x = (k - log2 c) + log2(1 + r), summed
+//           largest first with the lost bits kept.
+// Accuracy. relative, below 2^-66. Without fused multiply-add `accurate` asks for that, and below
+//           2^-64 comes cheaper: the square of r is rounded there as any other term. With it there
+//           is nothing to gain.
+#pragma once
+
+#include "kernels/frame.h"
+#include "kernels/power/tables/pow_tables.h"
+
+namespace qor::kernels::dpow {
+
+using lanes::broadcast;
+using lanes::f64;
+using lanes::i64;
+using lanes::multiply_add;
+
+// high + low, low below 2^-16 of high; without fused multiply-add `high` has 26 bits.
+struct Parts {
+  f64 high, low;
+};
+
+// The leading 26 bits.
+inline f64 short_part(f64 x) { return lanes::from_bits(lanes::bits(x) & -0x8000000); }
+
+// A positive normal x as 2^k z, z in [a, 2 a), and the cell of z.
+template <int32_t first_high_word, int cell_bits>
+struct Split {
+  f64 k, z;
+  i64 cell;
+
+  explicit Split(f64 x) {
+    constexpr int64_t a = int64_t{first_high_word} << 32;
+    constexpr int64_t mantissa = 0xFFFFFFFFFFFFF;
+    constexpr int64_t bias = 1024;  // keeps the exponent's field positive
+    const i64 moved = lanes::bits(x) + ((bias << 52) - a);
+    z = lanes::from_bits((moved & mantissa) + a);
+    cell = lanes::shift_right(moved, 52 - cell_bits) & ((1 << cell_bits) - 1);
+    constexpr double two_52 = 0x1p+52;  // a number below it, or-ed to its bits, is added to it
+    const i64 field = lanes::shift_right(moved, 52) | std::bit_cast<int64_t>(two_52);
+    k = lanes::from_bits(field) - (two_52 + static_cast<double>(bias));
+  }
+};
+
+// ---- With fused multiply-add ----------------------------------------------------------------
+
+inline constexpr double kLog2e = 0x1.71547652b82fep+0;
+inline constexpr double kLog2eLow = 0x1.777d0ffda0d24p-56;
+
+// log2(1 + r) = log2(e) (r - r^2/2 + r^3/3 ...), |r| < 2^-7.5: the terms from r^9 down to r^3,
+// divided by -r^3/2.
+inline constexpr double kSeries[] = {-2 * kLog2e / 9, 2 * kLog2e / 8,  -2 * kLog2e / 7,
+                                     2 * kLog2e / 6,  -2 * kLog2e / 5, 2 * kLog2e / 4,
+                                     -2 * kLog2e / 3};
+
+inline Parts log2_fused(f64 x) {
+  const Split<0x3FE7F000, 7> split(x);
+  const auto row = lanes::gather_entries(tables::pow_log2_128, split.cell);
+  const f64 r = multiply_add(split.z, row.a, -1.0);
+  const f64 minus_half = r * -0.5, square = minus_half * r;  // -r^2/2
+  const f64 u = r + square;
+  const f64 u_low = ((r - u) + square) + multiply_add(minus_half, r, -square);
+  const f64 product = u * kLog2e;
+  const f64 product_low = multiply_add(
+      u_low, broadcast(kLog2e),
+      multiply_add(u, broadcast(kLog2eLow), multiply_add(u, broadcast(kLog2e), -product)));
+  const f64 t = split.k + row.b;
+  const f64 sum = t + product;
+  const f64 rest = ((t - sum) + product) + (row.c + product_low);
+  const f64 low = multiply_add(square * r, lanes::even_odd(r, kSeries), rest);
+  return {sum, low};
+}
+
+// ---- Without --------------------------------------------------------------------------------
+
+// log2(1 + r) as a series in R = r K, K the first 23 bits of log2(e) so that r K is exact where r
+// is short; from R^6 down to R.
+inline constexpr double kShortLog2e = 0x1.715474p+0;
+inline constexpr double kCubic[] = {-0.026667131649815552, 0.046167041872023737,
+                                    -0.083256194960726712, 0.16015105075297303};
+inline constexpr double kQuadratic = -0.3465736568077919;
+inline constexpr double kLinear = 9.5979350332335112e-08;
+
+template <bool accurate>
+inline Parts log2_split(f64 x) {
+  const Split<0x3FE7FE00, 10> split(x);
+  const auto row = lanes::gather_entries(tables::pow_log2_1024, split.cell);
+  const f64 z_high = short_part(split.z);
+  const f64 r_high = z_high * row.a - 1.0;  // exact, 30 bits
+  const f64 r_low = (split.z - z_high) * row.a;
+  const f64 R_high = r_high * kShortLog2e, R_low = r_low * kShortLog2e;
+  const f64 R = R_high + R_low;
+  const f64 cubic = lanes::horner(R, kCubic);
+  const f64 t = split.k + row.b;
+  f64 quadratic = R * R * kQuadratic, quadratic_low = f64{};
+  if constexpr (accurate) {
+    // The double nearest to the coefficient of R^2 is not near enough: -K r^2 / 2, its first 26
+    // bits exact, and the rest of the term, -(log2(e) - K) r^2 / 2.
+    const f64 r = r_high + r_low, r_short = short_part(r);
+    const f64 square = r_short * r_short * -0.5;
+    const f64 square_short = short_part(square);
+    const f64 square_rest = (r - r_short) * (r + r_short) * -0.5;
+    const f64 square_low = (square - square_short) + square_rest;
+    quadratic = square_short * kShortLog2e;
+    quadratic_low = (square_low + (square + square_rest) * kLinear) * kShortLog2e;
+  }
+  const f64 high = short_part((t + R) + quadratic);
+  const f64 left = (t - high) + R_high, linear = left + R_low;  // of these only the last is rounded
+  f64 series = R * kLinear + R * R * R * cubic;
+  if constexpr (accurate) series += (left - linear) + R_low;
+  return {high, (linear + quadratic) + (row.c + (quadratic_low + series))};
+}
+
+template <bool accurate>
+inline Parts log2(f64 x) {
+  if constexpr (lanes::has_fma) {
+    return log2_fused(x);
+  } else {
+    return log2_split<accurate>(x);
+  }
+}
+
+}  // namespace qor::kernels::dpow
