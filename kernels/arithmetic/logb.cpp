@@ -20,7 +20,7 @@ using lanes::bits;
 template <class T, class Bits>
 Outcome<T> logb_scalar(T x, T scale, int fraction_bits, Bits bias) {
   if (x == T{0}) return {pole(T{-1}), QOR_ERROR_DOMAIN};
-  if (!std::isfinite(x)) return {std::fabs(x * T{1})};
+  if (!std::isfinite(x)) return {std::fabs(quieted(x))};
   const Bits biased = std::bit_cast<Bits>(std::fabs(x) * scale) >> fraction_bits;
   return {static_cast<T>(biased - bias)};
 }
