@@ -30,12 +30,13 @@ function(qor_add_kernel_library)
     ${CMAKE_SOURCE_DIR}/distributions/*.cpp ${CMAKE_SOURCE_DIR}/fitting/*.cpp
     ${CMAKE_SOURCE_DIR}/statistics/*.cpp)
   qor_export_map(map)
-  # Blocks of the powers that stand side by side in the source: g++ interleaves them only before it
+  # Registers of a step that stand side by side in the source: g++ interleaves them only before it
   # hands out registers. (Its precompiled headers bind the options; the second platform has too few
   # registers.)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT QOR_IS_I386)
     set_source_files_properties(${CMAKE_SOURCE_DIR}/kernels/power/pow.cpp
       ${CMAKE_SOURCE_DIR}/kernels/power/powr.cpp ${CMAKE_SOURCE_DIR}/kernels/power/powx.cpp
+      ${CMAKE_SOURCE_DIR}/kernels/root/inv_sqrt.cpp
       PROPERTIES COMPILE_OPTIONS -fschedule-insns SKIP_PRECOMPILE_HEADERS ON)
   endif()
   foreach(level IN LISTS QOR_LEVELS)

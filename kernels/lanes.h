@@ -8,7 +8,6 @@
 #include "kernels/lanes/bits.h"
 #include "kernels/lanes/complex.h"
 #include "kernels/lanes/convert.h"
-#include "kernels/lanes/estimates.h"
 #include "kernels/lanes/exponents.h"
 #include "kernels/lanes/masks.h"
 #include "kernels/lanes/memory.h"

@@ -60,6 +60,8 @@ const Edges kEdges[] = {
     {"sLog1p", {-1.0, from_image(limits::slog1p::last_image)}},
     {"dLog1p", {-1.0, from_high_word(limits::dlog1p::last_high_word)}},
     {"sSqrt", {first_s(limits::root::ssqrt), last_s(limits::root::ssqrt)}},
+    {"sInvSqrt", {first_s(limits::root::sinv_sqrt), last_s(limits::root::sinv_sqrt)}},
+    {"dInvSqrt", {first_d(limits::root::dinv_sqrt), last_d(limits::root::dinv_sqrt)}},
     {"sPow3o2", {first_s(limits::root::spow3o2), last_s(limits::root::spow3o2)}},
     {"dPow3o2", {first_d(limits::root::dpow3o2), last_d(limits::root::dpow3o2)}},
     {"sHypot", {first_s(limits::hypot::middle_float), last_s(limits::hypot::middle_float)}},

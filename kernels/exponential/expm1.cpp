@@ -58,7 +58,9 @@ struct SExpm1 : Guarded<float(float)> {
   // (a - 1) + a r, |a r| below |a - 1| or a = 1.
   static Exact leading_terms(V a, V r) {
     const Exact b = sum(a, broadcast(-1.0f));
-    const V a_head = head(a), r_head = head(r);
+    // By an addition, so that what is left of a small r is r, and no denormal part of it.
+    constexpr float cut = 0x1.8p+4f;  // a unit of 2^-19: 12 bits of the largest r
+    const V a_head = head(a), r_head = (r + cut) - cut;
     const V product = a_head * r_head;  // exact
     const V rest = a_head * (r - r_head) + (a - a_head) * r;
     const V y = b.first + product;

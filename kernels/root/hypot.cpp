@@ -1,8 +1,8 @@
 // Hypot: sqrt(x^2 + y^2), single and double.
 //
-// Method.   The squares and their sum in two parts each; the root by an estimate of 1 / sqrt, the
-//           series of its error and a last step with the exact residual. Arguments outside a middle
-//           range of exponents are scaled first.
+// Method.   The squares and their sum in two parts each; the root of the first part and a last step
+//           with the exact residual. Arguments outside a middle range of exponents are scaled
+//           first.
 // Accuracy. see docs/accuracy.md; below 0.52 ulp, denormal results below 1 ulp; Pythagorean triples
 //           are exact.
 // Special.  an infinity gives +inf, with NaN too; NaN -> quiet NaN; overflow reports nothing.
@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "kernels/frame/rows.h"
+#include "kernels/root/inverse_root.h"
 #include "kernels/root/limits.h"
 #include "kernels/scalar/bits.h"
 
@@ -32,15 +33,11 @@ struct HypotConstants<float> {
   [[maybe_unused]] static constexpr int32_t short_part =
       -0x80000;  // 5 bits: their square and sums are exact
   [[maybe_unused]] static constexpr int32_t half_part = -0x1000;  // 12 bits: their square is exact
-  static constexpr float series[] = {0x1.8p-2f, 0.5f};
 };
 template <>
 struct HypotConstants<double> {
   [[maybe_unused]] static constexpr int64_t short_part = -0x400000000000;  // 7 bits
   [[maybe_unused]] static constexpr int64_t half_part = -0x8000000;        // 26 bits
-  // (1 - e)^(-1/2) - 1, |e| < 2^-10, to 2^-52 of e
-  static constexpr double series[] = {0x1.1800032338cbbp-2, 0x1.40000b13001d9p-2,
-                                      0x1.80000000000f6p-2, 0x1.ffffffffffe71p-2};
 };
 
 template <class T>
@@ -87,12 +84,9 @@ struct Hypot : Guarded<T(T, T)> {
 
   V core(V x, V y) const {
     const Pair s = sum_of_squares(x, y);
-    const V inverse = lanes::inverse_root_estimate(s.first);
-    const V estimate = s.first * inverse;
-    const V e = T{1} - estimate * inverse;
-    const V root = multiply_add(estimate * e, lanes::horner(e, Constants::series), estimate);
+    const V root = lanes::sqrt(s.first);
     const V missing = residual(s.first, root) + s.second;
-    return multiply_add(missing, inverse * T{0.5}, root);
+    return multiply_add(missing, inverse_root_start(s.first) * T{0.5}, root);
   }
 
   LaneSet special(V x, V y) const {

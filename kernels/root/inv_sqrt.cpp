@@ -1,14 +1,18 @@
 // InvSqrt: 1 / sqrt(x), single and double.
 //
-// Method.   An estimate y, the error e = x y^2 - 1 of its square, and the series of
-//           y (1 + e)^(-1/2). With fused multiply-add e is exact to its last bits as it stands;
-//           without, the estimate is cut so that the products are exact.
-// Accuracy. see docs/accuracy.md; below 0.51 ulp (single without fused multiply-add below 1).
+// Method.   A start y (inverse_root.h) cut so that its square is exact, the error e = x y^2 - 1,
+// and
+//           the series of y (1 + e)^(-1/2). Without fused multiply-add a double x is taken in two
+//           parts for e, the products of the first exact; and a single result is the root of the
+//           reciprocal, two roundings one after the other, which keeps the order of numbers.
+// Accuracy. see docs/accuracy.md; below 0.52 ulp, the root of the reciprocal below 0.86.
 // Special.  +-0 -> +-inf, code 2; below 0 -> NaN, code 1; +inf -> +0; NaN -> quiet NaN.
 
 #include <cmath>
+#include <type_traits>
 
 #include "kernels/frame/rows.h"
+#include "kernels/root/inverse_root.h"
 #include "kernels/root/limits.h"
 #include "kernels/scalar/bits.h"
 #include "kernels/scalar/signals.h"
@@ -17,66 +21,55 @@ namespace qor::kernels {
 namespace {
 
 template <class T>
-inline constexpr limits::Range kNormal = limits::root::normal_double;
+inline constexpr limits::Range kFast = limits::root::dinv_sqrt;
 template <>
-inline constexpr limits::Range kNormal<float> = limits::root::normal_float;
+inline constexpr limits::Range kFast<float> = limits::root::sinv_sqrt;
 
-using lanes::broadcast;
-using lanes::f32;
-using lanes::f64;
 using lanes::multiply_add;
 
-// Estimate y and error x y^2 - 1, with fused multiply-add.
-template <class T, class V = typename lanes::Lanes<T>::V>
-lanes::Two<V> estimate_fused(V x) {
-  const V y = lanes::inverse_root_estimate(x);
-  const V h = x * y;
-  const V low = multiply_add(x, y, -h);
-  return {y, multiply_add(low, y, multiply_add(h, y, T{-1}))};
+template <class V>
+V part(V x, int64_t mask) {
+  const auto bits = lanes::bits(x);
+  return lanes::from_bits(bits & static_cast<std::remove_cvref_t<decltype(bits[0])>>(mask));
 }
 
-// The same without: y of 9 bits, so that y * y is exact.
-[[maybe_unused]] lanes::Two<f32> estimate_cut(f32 x) {
-  const f32 y = lanes::from_bits(lanes::bits(lanes::inverse_root_estimate(x)) & -0x8000);
-  return {y, x * (y * y) - 1.0f};
+// y (1 + e)^(-1/2)
+template <class V, class T, size_t count>
+V corrected(V y, V e, const T (&series)[count]) {
+  return multiply_add(y * e, lanes::horner(e, series), y);
 }
 
-// And y of 13 bits; x in 26 bits and the rest.
-[[maybe_unused]] lanes::Two<f64> estimate_cut(f64 x) {
-  const f64 y = lanes::from_bits(lanes::bits(lanes::inverse_root_estimate(x)) & -0x10000000000);
-  const f64 high = lanes::from_bits(lanes::bits(x) & -0x8000000);
-  return {y, (high * y * y - 1.0) + (x - high) * y * y};
-}
-
-template <class T, class V = typename lanes::Lanes<T>::V>
-lanes::Two<V> estimate(V x) {
+inline lanes::f32 inverse_root(lanes::f32 x) {
   if constexpr (lanes::has_fma) {
-    return estimate_fused<T>(x);
+    const auto y = part(inverse_root_start(x), -0x1000);  // 12 bits
+    return corrected(y, multiply_add(x, y * y, -1.0f), tables::inverse_root_float);
   } else {
-    return estimate_cut(x);
+    return lanes::sqrt(1.0f / x);
   }
 }
 
-// ((1 + e)^(-1/2) - 1) / e
-f32 series(f32 e) { return lanes::horner(e, -0.3125f, 0.375f, -0.5f); }
-// |e| < 2^-10, to 2^-52 of e
-f64 series(f64 e) {
-  return lanes::horner(e, 0x1.1800032338cbbp-2, -0x1.40000b13001d9p-2, 0x1.80000000000f6p-2,
-                       -0x1.ffffffffffe71p-2);
+inline lanes::f64 inverse_root(lanes::f64 x) {
+  if constexpr (lanes::has_fma) {
+    const auto y = part(inverse_root_start(x), -0x8000000);  // 26 bits
+    return corrected(y, multiply_add(x, y * y, -1.0), tables::inverse_root_double);
+  } else {
+    const auto y = part(inverse_root_start(x), -0x10000000000), square = y * y;  // 13 and 26 bits
+    const auto leading = part(x, -0x8000000);                                    // 26 bits
+    const auto e = (leading * square - 1.0) + (x - leading) * square;
+    return corrected(y, e, tables::inverse_root_double_cut);
+  }
 }
 
 template <class T>
 struct InvSqrt : Guarded<T(T)> {
   using typename Guarded<T(T)>::V;
   using typename Guarded<T(T)>::LaneSet;
+  static constexpr Traits traits{.group = 4};
 
-  V core(V x) const {
-    const auto [y, e] = estimate<T>(x);
-    return multiply_add(y * e, series(e), y);
-  }
+  V core(V x) const { return inverse_root(x); }
 
   LaneSet special(V x) const {
-    return lanes::outside(lanes::bits(x), kNormal<T>.first, kNormal<T>.last);
+    return lanes::outside(lanes::bits(x), kFast<T>.first, kFast<T>.last);
   }
 
   Outcome<T> scalar(T x) const {
@@ -84,8 +77,8 @@ struct InvSqrt : Guarded<T(T)> {
     if (is_nan(x)) return {x + x};
     if (is_negative(x)) return {undefined<T>(), QOR_ERROR_DOMAIN};
     if (is_infinite(x)) return {T{0}};
-    constexpr int n = std::numeric_limits<T>::digits / 2 + 1;  // 4^n makes a denormal normal
-    return {core(broadcast(x * power_of_two<T>(2 * n)))[0] * power_of_two<T>(n)};
+    const int n = x < 1 ? std::numeric_limits<T>::digits : -std::numeric_limits<T>::digits;
+    return {core(lanes::broadcast(x * power_of_two<T>(2 * n)))[0] * power_of_two<T>(n)};
   }
 };
 

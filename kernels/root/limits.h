@@ -17,10 +17,13 @@ inline constexpr Range positive_normal_double{0x00100000, 0x7FEFFFFF};
 namespace root {
 inline constexpr Range ssqrt{0x00800000, 0x7F7FF000};  // the last 4095 floats go aside too
 inline constexpr Range dsqrt = positive_normal_double;
-inline constexpr Range normal_float = positive_normal_float;  // Cbrt, InvCbrt, Pow2o3, InvSqrt
+inline constexpr Range normal_float = positive_normal_float;  // Cbrt, InvCbrt, Pow2o3
 inline constexpr Range normal_double = positive_normal_double;
-inline constexpr Range spow3o2{0x15800000, 0x6A214517};  // from 2^-84 to the last finite result
-inline constexpr Range dpow3o2{0x15600000, 0x6A9965FD};  // from 2^-681 to just below 2^(2048/3)
+// InvSqrt: there 1 / x, and the last bits of a double by themselves, are normal numbers.
+inline constexpr Range sinv_sqrt{0x00800000, 0x7E77FFFF};  // to 1.9375 2^125
+inline constexpr Range dinv_sqrt{0x03500000, 0x7FCEFFFF};  // from 2^-970 to 1.9375 2^1021
+inline constexpr Range spow3o2{0x15800000, 0x6A214517};    // from 2^-84 to the last finite result
+inline constexpr Range dpow3o2{0x15600000, 0x6A9965FD};    // from 2^-681 to just below 2^(2048/3)
 }  // namespace root
 
 // Of both arguments: squares neither overflow nor lose bits below.

@@ -116,6 +116,13 @@ check_exports() {
   expect "" "$others" "other names exported by $1"
 }
 
+# Estimates of reciprocals and roots have other bits on the processors of another maker.
+check_instructions() {
+  local found
+  found=$(objdump -d --no-show-raw-insn "$1" | grep -E '\sv?(rcp|rsqrt)(14|28)?[ps][sd]\s' || true)
+  expect "" "$found" "instructions whose results depend on the processor in $1"
+}
+
 check_command() {
   local command=$prefix/bin/qor
   (cd "$work" && "$command" tour) | grep "data .*$prefix/share/qor_ark_base/data" >/dev/null ||
@@ -130,6 +137,7 @@ check_levels
 for level in $QOR_BUILT; do
   check_names "$(folder_of_level "$level")/libqor_ark_base.so.1"
   check_exports "$(folder_of_level "$level")/libqor_ark_base.so.1"
+  check_instructions "$(folder_of_level "$level")/libqor_ark_base.so.1"
 done
 check_command
 echo "the installed copy works"
