@@ -1,12 +1,12 @@
 // Uniform reals and integers, and Bernoulli.
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <limits>
 
 #include "distributions/frame.h"
 #include "qor/distributions.h"
-#include "streams/generators/masked.h"
 #include "streams/generators/output.h"
 #include "streams/generators/wide.h"
 #include "streams/registry.h"
@@ -18,7 +18,6 @@ using namespace qor::streams;
 
 template <class Real>
 void clamp(int32_t n, Real* r, Real a, Real b) {
-  const MaskedExceptions masked;
   for (int32_t i = 0; i < n; ++i) store(r, i, std::min(b, std::max(a, load<Real>(r, i))));
 }
 
@@ -45,29 +44,35 @@ struct IntegerRange {
 // the difference down to a - 1.
 template <class V>
 auto floor_of(V u, const IntegerRange& range) {
-  const V least = V{} + range.least, greatest = V{} + range.greatest;
+  const V least = range.least - V{}, greatest = range.greatest - V{};
   const V truncated = to_real(truncate(u));
   const V lowered = u < truncated ? u - 1.0 : u;
   const V raised = lowered < least ? least : lowered;
   return truncate(greatest < raised ? greatest : raised);
 }
 
-void store_floors(const double* u, int32_t n, const IntegerRange& range, void* r) {
-  const MaskedExceptions masked;
+// Whole registers of floors; returns their count. (Calls of few values go without the aligned frame
+// that these want.)
+[[gnu::noinline]] int32_t store_registers(const double* u, int32_t n, const IntegerRange& range,
+                                          void* r) {
   int32_t i = 0;
   for (; i + wide_lanes <= n; i += wide_lanes) {
     const WideIntegers values = floor_of(load_wide(u + i), range);
     std::memcpy(at<int32_t>(r, i), &values, sizeof values);
   }
+  return i;
+}
+
+void store_floors(const double* u, int32_t n, const IntegerRange& range, void* r) {
+  int32_t i = n >= wide_lanes ? store_registers(u, n, range, r) : 0;
   for (; i < n; ++i) store(r, i, floor_of(u[i], range));
 }
 
 // What successes lie below: the bits of p as a float, whose order as integers is that of floats of
 // at least 0. A uniform may have been rounded up to 1, which is a success where all are.
 int32_t threshold_of(double p) {
-  const MaskedExceptions masked;
-  const float rounded = masked.hold(static_cast<float>(masked.hold(p)));
-  return rounded < 1 ? load<int32_t>(&rounded, 0) : std::numeric_limits<int32_t>::max();
+  const auto bits = std::bit_cast<int32_t>(static_cast<float>(p));
+  return bits < std::bit_cast<int32_t>(1.0F) ? bits : std::numeric_limits<int32_t>::max();
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <cstring>
 
 #include "services/services.h"
-#include "streams/generators/masked.h"
 #include "streams/generators/refusals.h"
 #include "streams/record.h"
 #include "streams/registry.h"
@@ -70,16 +69,13 @@ struct CopyElements {
   }
 };
 
-// Maps the ring's interval to the caller's. The callback runs under the caller's own masks.
+// Maps the ring's interval to the caller's.
 template <class Real>
 struct MapInterval {
   Real low, factor, a;
-  MapInterval(const RingBounds<Real>& ring, Real a_, Real b) : low(ring.low), a(a_) {
-    const MaskedExceptions masked;
-    factor = masked.hold((masked.hold(b) - a_) / (masked.hold(ring.high) - ring.low));
-  }
+  MapInterval(const RingBounds<Real>& ring, Real a_, Real b)
+      : low(ring.low), factor((b - a_) / (ring.high - ring.low)), a(a_) {}
   void operator()(const Real* from, int32_t count, Real* to) const {
-    const MaskedExceptions masked;
     for (int32_t i = 0; i < count; ++i) to[i] = (from[i] - low) * factor + a;
   }
 };

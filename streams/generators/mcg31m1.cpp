@@ -78,10 +78,9 @@ void fill_words(State& state, int64_t n, void* r) {
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
   auto& state = state_of<State>(stream);
-  const MaskedExceptions masked;
   fill_reals(
       n, r, [&](int32_t count, uint32_t* words) { fill_words(state, count, words); },
-      MapWords31{{masked, a, b, kUnit}});
+      MapWords31{{a, b, kUnit}});
   return QOR_STREAM_OK;
 }
 

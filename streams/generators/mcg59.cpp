@@ -76,10 +76,9 @@ struct MapWords59 {
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
   auto& state = state_of<State>(stream);
-  const MaskedExceptions masked;
   fill_reals(
       n, r, [&](int32_t count, uint64_t* words) { fill_words(state, count, words); },
-      MapWords59{{masked, a, b, kUnit}});
+      MapWords59{{a, b, kUnit}});
   return QOR_STREAM_OK;
 }
 

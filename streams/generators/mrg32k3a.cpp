@@ -138,8 +138,7 @@ int64_t fill_rounds(State& state, int64_t n, Put put) {
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
   auto& state = state_of<State>(stream);
-  const MaskedExceptions masked;
-  const Affine map{masked, a, b, kUnit};
+  const Affine map{a, b, kUnit};
   const int64_t done = fill_rounds(state, n, [&](int64_t i, WideReal words) {
     const WideReal values = words * map.scale + map.a;
     for (int k = 0; k < wide_lanes; ++k) store(r, i + k * mrg_stride, static_cast<Real>(values[k]));

@@ -10,8 +10,6 @@
 #include <cstdint>
 #include <cstring>
 
-#include "streams/generators/masked.h"
-
 namespace qor::streams {
 
 template <class T>
@@ -38,8 +36,7 @@ inline void* at(void* r, int64_t i) {
 // rounded once more where the result is single.
 struct Affine {
   double scale, a;
-  Affine(const MaskedExceptions& masked, double a_, double b, double unit)
-      : scale((masked.hold(b) - masked.hold(a_)) * unit), a(a_) {}
+  Affine(double a_, double b, double unit) : scale((b - a_) * unit), a(a_) {}
 };
 
 // A 32-bit word as a double, by the signed conversion that all levels have; every step is exact.

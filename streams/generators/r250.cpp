@@ -13,6 +13,7 @@ using namespace qor::streams;
 constexpr int32_t kRing = 250;
 constexpr int32_t kTap = 103;           // the second tap, counted from the oldest word
 constexpr int32_t kLag = kRing - kTap;  // 147: how long ago it was made
+constexpr int32_t kShortestRun = 16;    // words of a call that takes them in runs
 constexpr double kUnit = 0x1p-32;
 
 struct State {
@@ -22,17 +23,36 @@ struct State {
 };
 static_assert(sizeof(State) == 1008);
 
-uint32_t next(uint32_t index) { return index + 1 < kRing ? index + 1 : 0; }
+// An index moved on by at most a ring.
+uint32_t advanced(uint32_t index, uint32_t n) {
+  return index + n < kRing ? index + n : index + n - kRing;
+}
 
-// Words in place in the ring: calls of less than a ring.
-void step_in_ring(State& s, int32_t n, void* r) {
-  uint32_t i = s.i, j = s.j;
-  for (int32_t t = 0; t < n; ++t, i = next(i), j = next(j)) {
-    s.w[i] ^= s.w[j];
+// Words in place in the ring, one by one.
+void step_in_ring(State& s, int64_t n, void* r) {
+  uint32_t i = s.i;
+  for (int64_t t = 0; t < n; ++t) {
+    s.w[i] ^= s.w[advanced(i, kTap)];
     store(r, t, s.w[i]);
+    i = advanced(i, 1);
   }
   s.i = i;
-  s.j = j;
+  s.j = advanced(i, kTap);
+}
+
+// The same in runs: no index passes the ring's end in one, and no word depends on another.
+[[gnu::noinline]] void run_in_ring(State& s, int64_t n, void* r) {
+  for (int64_t t = 0; t < n;) {
+    const auto left = static_cast<uint32_t>(n - t);
+    const uint32_t run = std::min({left, kRing - s.i, kRing - s.j, uint32_t{kTap}});
+    uint32_t* __restrict oldest = s.w + s.i;
+    const uint32_t* __restrict tap = s.w + s.j;
+    for (uint32_t k = 0; k < run; ++k) oldest[k] ^= tap[k];
+    std::memcpy(at<uint32_t>(r, t), oldest, run * sizeof *oldest);
+    s.i = advanced(s.i, run);
+    s.j = advanced(s.j, run);
+    t += run;
+  }
 }
 
 // Lets the ring start at its oldest word, as calls of a ring and more leave it.
@@ -44,7 +64,7 @@ void normalise(State& s) {
 
 // r[t] = r[t - 250] xor r[t - 147] for n words from r on; n is at most kLag, so that none depends
 // on another.
-void extend(char* r, int64_t n) {
+[[gnu::always_inline]] inline void extend(char* r, int64_t n) {
   constexpr auto bytes = static_cast<ptrdiff_t>(sizeof(uint32_t));
   const char* __restrict oldest = r - kRing * bytes;
   const char* __restrict tap = r - kLag * bytes;
@@ -53,19 +73,22 @@ void extend(char* r, int64_t n) {
 }
 
 // Calls of a ring and more: the first words replace the ring, the others come from the output.
-void fill_from_output(State& s, int64_t n, void* r) {
+[[gnu::noinline]] void fill_from_output(State& s, int64_t n, void* r) {
   constexpr int64_t block = 144;  // whole vectors, at most kLag
-  step_in_ring(s, kRing, r);
-  for (int64_t t = kRing; t < n; t += block)
-    extend(static_cast<char*>(at<uint32_t>(r, t)), std::min(block, n - t));
+  run_in_ring(s, kRing, r);
+  int64_t t = kRing;
+  for (; t + block <= n; t += block) extend(static_cast<char*>(at<uint32_t>(r, t)), block);
+  extend(static_cast<char*>(at<uint32_t>(r, t)), n - t);
   std::memcpy(s.w, at<uint32_t>(r, n - kRing), sizeof s.w);
   s.i = 0;
   s.j = kTap;
 }
 
 void fill_words(State& state, int32_t n, void* r) {
-  if (n < kRing) {
+  if (n < kShortestRun) {
     step_in_ring(state, n, r);
+  } else if (n < kRing) {
+    run_in_ring(state, n, r);
   } else {
     fill_from_output(state, n, r);
   }
@@ -74,10 +97,9 @@ void fill_words(State& state, int32_t n, void* r) {
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
   auto& state = state_of<State>(stream);
-  const MaskedExceptions masked;
   fill_reals(
       n, r, [&](int32_t count, uint32_t* words) { fill_words(state, count, words); },
-      MapWords32{{masked, a, b, kUnit}});
+      MapWords32{{a, b, kUnit}});
   // The last block may have been a short one.
   if (n >= kRing) normalise(state);
   return QOR_STREAM_OK;

@@ -9,7 +9,6 @@
 #include <bit>
 #include <iterator>
 
-#include "streams/generators/masked.h"
 #include "streams/generators/output.h"
 #include "streams/generators/refusals.h"
 #include "streams/generators/repair.h"
@@ -83,20 +82,21 @@ inline WideReal multiply_nearest(WideReal x, WideReal a, WideReal m, WideReal r)
 
 // The fraction of sum x_j / m_j, added in this order; the r_j are the reciprocals.
 template <class V>
-inline V fraction(V x1, V x2, V x3, V x4, const double* r) {
+inline V fraction(V x1, V x2, V x3, V x4, const std::array<double, 4>& r) {
   const V sum = r[0] * x1 + r[1] * x2 + r[2] * x3 + r[3] * x4;
   const V nearest = (sum + kRounder) - kRounder;
   return sum - (nearest - where(sum < nearest, V{} + 1.0));
 }
 
-// A member of the family: its moduli and what stands for divisions by them.
+// A member of the family: its moduli and what stands for divisions by them. The reciprocals are a
+// copy, which no store to the output can be taken to change.
 struct Member {
   const uint32_t *m, *inverse;
-  const double* r;
+  std::array<double, 4> r;
   explicit Member(int32_t number)
       : m(wh_rows[number].m),
         inverse(kInverses[static_cast<size_t>(number)].data()),
-        r(kReciprocals[static_cast<size_t>(number)].data()) {}
+        r(kReciprocals[static_cast<size_t>(number)]) {}
   uint32_t product(uint32_t x, uint32_t a, int j) const { return multiply(x, a, m[j], inverse[j]); }
 };
 
@@ -172,10 +172,9 @@ void fill_words(StreamState* stream, int32_t n, void* r) {
 
 template <class Real>
 int32_t fill(StreamState* stream, int32_t n, Real* r, double a, double b) {
-  const MaskedExceptions masked;
   auto& state = state_of<State>(stream);
   const Member member(member_of(stream));
-  const double scale = masked.hold(b) - masked.hold(a);
+  const double scale = b - a;
   int64_t i = 0;
   if (runs_in_blocks(n)) {
     Block<by_generator> block(state, member);

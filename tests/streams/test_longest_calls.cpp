@@ -2,6 +2,7 @@
 // their arrays.
 #ifdef __LP64__
 
+#include "qor/distributions.h"
 #include "tests/streams/stream_support.h"
 #include "tests/support/repeated_memory.h"
 
@@ -53,6 +54,42 @@ void expect_longest_reals(Output BrngProperties::*output) {
 }
 TEST(LongestCalls, DISABLED_Doubles) { expect_longest_reals<double>(&BrngProperties::dBRng); }
 TEST(LongestCalls, DISABLED_Singles) { expect_longest_reals<float>(&BrngProperties::sBRng); }
+
+// (Bernoulli's entry makes its uniforms in r itself, which repeated memory does not bear.)
+TEST(LongestCalls, DISABLED_Distributions) {
+  const auto expect = [](size_t bytes, auto draw) {
+    for (int32_t brng : {QOR_BRNG_R250, QOR_BRNG_WH}) expect_longest_call(brng, bytes, draw);
+  };
+  expect(sizeof(float), [](StreamState* s, int32_t n, void* r) {
+    ASSERT_EQ(_ostsRngUniform(QOR_RNG_ACCURATE, s, n, static_cast<float*>(r), -0.1f, 0.3f), 0);
+  });
+  expect(sizeof(double), [](StreamState* s, int32_t n, void* r) {
+    ASSERT_EQ(_ostdRngUniform(QOR_RNG_ACCURATE, s, n, static_cast<double*>(r), -0.1, 0.3), 0);
+  });
+  expect(sizeof(int32_t), [](StreamState* s, int32_t n, void* r) {
+    ASSERT_EQ(_ostiRngUniform(0, s, n, static_cast<int32_t*>(r), -50, 51), 0);
+  });
+}
+
+// x^(d + 5) and x^(2 d) modulo x^d + x^k + 1.
+TEST(LongestCalls, DISABLED_Polynomial) {
+  constexpr int32_t d = longest_count, k = 1'000'000'007, words = d / 64 + 1;
+  constexpr int32_t exponents[] = {0, k, d};
+  std::vector<uint64_t> remainder(words);
+  const auto takes_out = [&](int64_t exponent) {
+    const auto at = static_cast<size_t>(exponent / 64);
+    const uint64_t bit = uint64_t{1} << (exponent % 64);
+    const bool there = (remainder[at] & bit) != 0;
+    remainder[at] &= ~bit;
+    return there;
+  };
+  for (const auto& [n, low, high] :
+       {std::tuple{int64_t{d} + 5, 5, k + 5}, std::tuple{2 * int64_t{d}, 0, 2 * k}}) {
+    ASSERT_EQ(__ostPolyRem(static_cast<uint64_t>(n), d, 3, exponents, words, remainder.data()), 0);
+    EXPECT_TRUE(takes_out(low) && takes_out(high)) << n;
+    EXPECT_EQ(std::ranges::count(remainder, 0u), words) << n;
+  }
+}
 
 struct RingState {
   int32_t n, next, free;
