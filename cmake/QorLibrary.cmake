@@ -9,14 +9,15 @@ set(QOR_BUILD_LIB ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
 # that calls it.
 find_library(QOR_BLAS NAMES openblas blas REQUIRED)
 
+# The exported names, by the public headers.
 function(qor_export_map out)
-  # The exported names, from the row list and the lists of plain entries, by the C preprocessor.
   set(map ${CMAKE_BINARY_DIR}/qor_ark_base.map)
-  set(inputs ${CMAKE_SOURCE_DIR}/frame/exports.map.h ${CMAKE_SOURCE_DIR}/include/qor/vector_math_rows.h)
+  file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/include/qor/*.h)
+  set(script ${CMAKE_SOURCE_DIR}/cmake/ExportMap.cmake)
   add_custom_command(OUTPUT ${map}
-    COMMAND ${CMAKE_C_COMPILER} -E -P -x c -I${CMAKE_SOURCE_DIR}/include
-            ${CMAKE_SOURCE_DIR}/frame/exports.map.h -o ${map}
-    DEPENDS ${inputs} VERBATIM)
+    COMMAND ${CMAKE_COMMAND} -DCOMPILER=${CMAKE_C_COMPILER} -DINCLUDE=${CMAKE_SOURCE_DIR}/include
+            -DMAP=${map} -P ${script}
+    DEPENDS ${headers} ${script} VERBATIM)
   add_custom_target(qor_export_map DEPENDS ${map})
   set(${out} ${map} PARENT_SCOPE)
 endfunction()
