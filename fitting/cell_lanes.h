@@ -3,6 +3,7 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 
@@ -43,6 +44,19 @@ struct CellLanes {
         return __builtin_shufflevector(words, words, 2 * lane...);
       }
       (std::make_integer_sequence<int, count>{});
+    }
+  }
+
+  // The first of them, fewer than all.
+  static void store_first(int32_t* to, int number, Cells c) {
+    int32_t cell[count];
+    __builtin_memcpy(cell, &c, sizeof cell);
+    const int32_t* from = cell;
+    for (int part = count / 2; part > 0; part /= 2) {
+      if ((number & part) == 0) continue;
+      __builtin_memcpy(to, from, static_cast<size_t>(part) * sizeof(int32_t));
+      to += part;
+      from += part;
     }
   }
 };

@@ -49,23 +49,20 @@ void search_uniform_groups(const UniformCells<Real>& cells, int64_t groups, cons
   }
 }
 
-// Sites that are said to ascend, some groups at a time.
+// Sites that are said to ascend.
 template <class Real>
 void search_uniform_sorted(int64_t nx, const Real* x, int64_t nsite, const Real* site, Real step,
                            int32_t* cell) {
   // Fewer sites to a cell are searched one by one: the more a register holds the less that costs.
-  constexpr Real kMany = sizeof(Real) == sizeof(double) ? 16 : 64;
-  constexpr int64_t kGroups = 16;
+  constexpr Real kMany = sizeof(Real) == sizeof(double) ? 16 : 128;
   const UniformCells<Real> cells(nx, x, step);
-  for (int64_t i = 0, count; i < nsite; i += count) {
-    const int64_t groups = std::min(kGroups, (nsite - i) / site_group);
-    count = groups > 0 ? groups * site_group : nsite - i;
-    const Real width = static_cast<Real>(count) / kMany * step;
-    if (groups > 0 && site[i + count - 1] - site[i] <= width) {
-      search_uniform_groups(cells, groups, site + i, cell + i);
-    } else {
-      cells.find(count, site + i, cell + i);
-    }
+  const int64_t groups = nsite / site_group, count = groups * site_group;
+  const Real width = static_cast<Real>(count) / kMany * step;
+  if (groups > 0 && site[count - 1] - site[0] <= width) {
+    search_uniform_groups(cells, groups, site, cell);
+    cells.find(nsite - count, site + count, cell + count);
+  } else {
+    cells.find(nsite, site, cell);
   }
 }
 

@@ -80,8 +80,8 @@ void place_slots(const Run<Real>& run, WorkMemory& memory, Moments<Real>& moment
     if (!in_use(run.order, s)) continue;
     slot(moments, s) = array_in_place(s);
     if (slot(moments, s) != nullptr) continue;
-    std::fill_n(next, p, Real{0});
     slot(moments, s) = next;
+    if (given && s == 0) std::fill_n(next, p, Real{0});  // no mean is given: it is 0
     next += p;
   }
 }

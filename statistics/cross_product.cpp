@@ -68,6 +68,18 @@ void write_correlation(const MatrixView<Real>& to, Integers indices, const Real*
   });
 }
 
+// value(j, k), products of two variables and perhaps a weight, out of the units of the run.
+template <class Real, class Value>
+void write_products(const MatrixView<Real>& to, Integers indices, int64_t p, const Units& units,
+                    int32_t weight_unit, Value value) {
+  if (units.exponents == nullptr && weight_unit == 0) {
+    return write_matrix(to.data, to.form, p, indices, value);
+  }
+  write_matrix(to.data, to.form, p, indices, [&](int64_t j, int64_t k) {
+    return times_two_to(value(j, k), units.of(j) + units.of(k) + weight_unit);
+  });
+}
+
 // A block of observations as BLAS reads it: "n" row after row, "t" column after column.
 template <class Real>
 struct Block {
@@ -89,15 +101,11 @@ bool needs_copy(const Observations<Real>& data) {
   return too_far_apart || data.scale != nullptr;
 }
 
-// The block copied into `to` in the units of the run, observation i times factor(i), in the layout
-// of the data and compact.
-template <class Real, class Factor>
-Block<Real> copy_block(const Observations<Real>& data, int64_t first, int64_t count, Real* to,
-                       Factor factor) {
+// The block copied into `to`: value(x, i, j) of variable j of observation i, times factor(i).
+template <class Real, class Factor, class Value>
+Block<Real> copy_values(const Observations<Real>& data, int64_t first, int64_t count, Real* to,
+                        Factor factor, Value value) {
   const int p = static_cast<int>(data.p);
-  const auto value = [&data, first](Real x, int64_t i, int64_t j) {
-    return data.scale == nullptr ? x : data.in_units(x, first + i, j);
-  };
   if (is_columns(data)) {
     for (int64_t j = 0; j < data.p; ++j) {
       const Real* column = data.variable(j) + first;
@@ -111,6 +119,19 @@ Block<Real> copy_block(const Observations<Real>& data, int64_t first, int64_t co
     for (int64_t j = 0; j < data.p; ++j) to[i * data.p + j] = f * value(row[j], i, j);
   }
   return {to, p, "n", "t"};
+}
+
+// The block copied into `to` in the units of the run, observation i times factor(i), in the layout
+// of the data and compact.
+template <class Real, class Factor>
+Block<Real> copy_block(const Observations<Real>& data, int64_t first, int64_t count, Real* to,
+                       Factor factor) {
+  if (data.scale != nullptr) {
+    return copy_values(
+        data, first, count, to, factor,
+        [&data, first](Real x, int64_t i, int64_t j) { return data.in_units(x, first + i, j); });
+  }
+  return copy_values(data, first, count, to, factor, [](Real x, int64_t, int64_t) { return x; });
 }
 
 template <class Real>
@@ -179,18 +200,13 @@ void write_matrices(const SsTask& task, const Request& request, const Real* cros
     write_correlation(matrix_of<Real>(task, field_cor), indices, cross, p, scale, units,
                       inverse_roots);
   }
-  const auto unit = [&units](int64_t j, int64_t k) { return units.of(j) + units.of(k); };
   if (request.has(field_cov)) {
-    const auto cov = matrix_of<Real>(task, field_cov);
-    write_matrix(cov.data, cov.form, p, indices, [&](int64_t j, int64_t k) {
-      return times_two_to(scale * cross[k * p + j], unit(j, k));
-    });
+    write_products(matrix_of<Real>(task, field_cov), indices, p, units, 0,
+                   [&](int64_t j, int64_t k) { return scale * cross[k * p + j]; });
   }
   if (request.has(field_cp)) {
-    const auto cp = matrix_of<Real>(task, field_cp);
-    write_matrix(cp.data, cp.form, p, indices, [&](int64_t j, int64_t k) {
-      return times_two_to(cross[k * p + j], unit(j, k) + units.weight);
-    });
+    write_products(matrix_of<Real>(task, field_cp), indices, p, units, units.weight,
+                   [&](int64_t j, int64_t k) { return cross[k * p + j]; });
   }
 }
 

@@ -30,11 +30,13 @@ struct Output {
     Real* to = array(field);
     if (to == nullptr) return;
     const Integers indices = integers(task, task.indices);
-    const bool has_units = units.exponents != nullptr || weight_unit != 0;
+    if (units.exponents == nullptr && weight_unit == 0 && !indices.given()) {
+      for (int64_t j = 0; j < p; ++j) to[j] = value(j);
+      return;
+    }
     for (int64_t j = 0; j < p; ++j) {
       if (indices.given() && indices[j] == 0) continue;
-      const Real v = value(j);
-      to[j] = has_units ? times_two_to(v, power * units.of(j) + weight_unit) : v;
+      to[j] = times_two_to(value(j), power * units.of(j) + weight_unit);
     }
   }
   // The same times weights.
@@ -44,18 +46,22 @@ struct Output {
   }
 };
 
-// The ratios of moments, each a function of the variable, in the units of the run or of the caller.
-// In double, and in an order whose steps leave the range only with the result.
-template <class Real, class Mean, class C2, class C3, class C4>
+// The ratios of moments, each a function of the variable, in double: in the units of a run, where
+// powers of c2 stay in the range, or in those of the caller, where steps leave it only with the
+// result.
+enum class RatioUnits { run, caller };
+
+template <RatioUnits units, class Real, class Mean, class C2, class C3, class C4>
 void write_ratios(const Output<Real>& out, Mean mean, C2 c2, C3 c3, C4 c4) {
+  constexpr bool in_range = units == RatioUnits::run;
   const auto ratio = [](double value) { return static_cast<Real>(value); };
   out.write(field_kurtosis, 0, [&](int64_t j) {
-    const double square = c2(j);
-    return ratio(c4(j) / square / square - 3);
+    const double square = c2(j), fourth = c4(j);
+    return ratio((in_range ? fourth / (square * square) : fourth / square / square) - 3);
   });
   out.write(field_skewness, 0, [&](int64_t j) {
-    const double square = c2(j);
-    return ratio(c3(j) / square / std::sqrt(square));
+    const double square = c2(j), third = c3(j), root = std::sqrt(square);
+    return ratio(in_range ? third / (square * root) : third / square / root);
   });
   out.write(field_variation, 0,
             [&](int64_t j) { return ratio(std::sqrt(double{c2(j)}) / double{mean(j)}); });
@@ -83,7 +89,7 @@ void write_from_raw(const Output<Real>& out, const Weight& weight, const Moments
   out.write(field_central_2, 2, c2);
   out.write(field_central_3, 3, third);
   out.write(field_central_4, 4, fourth);
-  write_ratios(out, first, c2, third, fourth);
+  write_ratios<RatioUnits::run>(out, first, c2, third, fourth);
 }
 
 // What the other methods make of their central sums. Ratios and sums first: a moment's array may
@@ -95,7 +101,7 @@ void write_from_central(const Output<Real>& out, const Weight& weight, const Mom
   const auto moment = [&](int k) {
     return [sums = m.central[k], factor = factors[k]](int64_t j) { return sums[j] * factor; };
   };
-  write_ratios(
+  write_ratios<RatioUnits::run>(
       out, [&m](int64_t j) { return m.mean[j]; }, moment(0), moment(1), moment(2));
   for (int k = 0; k < 3; ++k) {
     const Real* sums = m.central[k];
@@ -145,8 +151,8 @@ void finish_from_sums(const SsTask& task, const Request& request, const Weight& 
   const auto array = [&out](int field) {
     return [values = out.array(field)](int64_t j) { return values[j]; };
   };
-  write_ratios(out, array(field_mean), array(field_central_2), array(field_central_3),
-               array(field_central_4));
+  write_ratios<RatioUnits::caller>(out, array(field_mean), array(field_central_2),
+                                   array(field_central_3), array(field_central_4));
 }
 
 template void finish_slots<double>(const SsTask&, const Request&, const Weight&, const Units&,

@@ -58,21 +58,20 @@ struct Shares {
   }
 };
 
-template <class Real>
-[[gnu::cold, gnu::noinline]] void copy(const Moments<Real>& into, const Moments<Real>& part,
-                                       int64_t variables, Order order) {
-  std::copy_n(part.mean, variables, into.mean);
-  for (int k = 0; k + 1 < order.raw; ++k) std::copy_n(part.raw[k], variables, into.raw[k]);
-  for (int k = 0; k < order.central; ++k) std::copy_n(part.central[k], variables, into.central[k]);
-}
-
 // Takes the moments of a second part into those of the first (Chan, Golub and LeVeque, 1979; Pebay,
 // 2008, for the higher ones). Inline, so that a kernel's order is known in it.
 template <class Real>
 [[gnu::always_inline]] inline void merge(const Moments<Real>& into, const Moments<Real>& part,
                                          int64_t variables, Order order,
                                          const Shares<Real>& shares) {
-  if (shares.has_no_first) return copy(into, part, variables, order);
+  if (shares.has_no_first) {
+    std::copy_n(part.mean, variables, into.mean);
+    for (int k = 0; k + 1 < order.raw; ++k) std::copy_n(part.raw[k], variables, into.raw[k]);
+    for (int k = 0; k < order.central; ++k) {
+      std::copy_n(part.central[k], variables, into.central[k]);
+    }
+    return;
+  }
   const Real u = shares.first, v = shares.second, f = shares.product;
   for (int64_t j = 0; j < variables; ++j) {
     const Real delta = part.mean[j] - into.mean[j];

@@ -32,6 +32,7 @@ struct Factors {
   Real fourth_c3[kTile];  // of c3 d
   Weight weight;          // of the whole tile
 
+  template <bool has_higher>
   void set(int64_t i, double before, double w) {
     const double after = before + w;
     const bool none = after == 0;  // no weight yet: the slots stay empty
@@ -40,6 +41,7 @@ struct Factors {
     keep[i] = static_cast<Real>(u);
     take[i] = static_cast<Real>(a);
     square[i] = static_cast<Real>(w * u);
+    if constexpr (!has_higher) return;
     cube[i] = static_cast<Real>(w * u * ((before - w) * r));
     cube_c2[i] = static_cast<Real>(3 * a);
     fourth[i] = static_cast<Real>(w * u * (u * u - u * a + a * a));
@@ -47,19 +49,21 @@ struct Factors {
     fourth_c3[i] = static_cast<Real>(4 * a);
   }
 
+  template <bool has_higher>
   void set_unit_weights(int64_t count) {
-    for (int64_t i = 0; i < count; ++i) set(i, static_cast<double>(i), 1);
+    for (int64_t i = 0; i < count; ++i) set<has_higher>(i, static_cast<double>(i), 1);
   }
 
-  void set_weights(const Real* weights, Real scale, int64_t count) {
+  template <bool has_higher>
+  void set_weights(const Real* weights, int64_t count) {
     double before[kTile], sum = 0, squares = 0;
     for (int64_t i = 0; i < count; ++i) {
-      const double w = weights[i] * scale;
+      const double w = weights[i];
       before[i] = sum;
       sum += w;
       squares += w * w;
     }
-    for (int64_t i = 0; i < count; ++i) set(i, before[i], weights[i] * scale);
+    for (int64_t i = 0; i < count; ++i) set<has_higher>(i, before[i], weights[i]);
     weight = {sum, squares};
   }
 };
@@ -105,8 +109,10 @@ Register<Real> origin(Register<Real> first) {
 
 // The moments of a tile's strip.
 template <class Real, int row, bool matrix, int registers>
-void run_tile(const Strip<Real>& strip, int64_t count, const Factors<Real>& factors,
-              const Deviations<Real>& deviations, int64_t j, TileMoments<Real, registers>& tile) {
+[[gnu::always_inline]] inline void run_tile(const Strip<Real>& strip, int64_t count,
+                                            const Factors<Real>& factors,
+                                            const Deviations<Real>& deviations, int64_t j,
+                                            TileMoments<Real, registers>& tile) {
   using V = Register<Real>;
   using lanes::broadcast;
   constexpr Order order = one_pass_orders[row];
@@ -152,9 +158,12 @@ void run_tile(const Strip<Real>& strip, int64_t count, const Factors<Real>& fact
 
 // Variables j and after, `registers` registers of them, of one tile.
 template <class Real, bool by_variable, int row, bool matrix, int registers>
-void take_strip(const Observations<Real>& data, int64_t first, int64_t count, int64_t j,
-                const Factors<Real>& factors, const Shares<Real>& shares,
-                const Deviations<Real>& deviations, const Moments<Real>& into) {
+[[gnu::always_inline]] inline void take_strip(const Observations<Real>& data, int64_t first,
+                                              int64_t count, int64_t j,
+                                              const Factors<Real>& factors,
+                                              const Shares<Real>& shares,
+                                              const Deviations<Real>& deviations,
+                                              const Moments<Real>& into) {
   constexpr int lanes = registers * register_lanes<Real>;
   alignas(64) Real buffer[kTile * lanes];
   const int64_t variables = std::min<int64_t>(lanes, data.p - j);
@@ -211,8 +220,12 @@ template <class Real, bool by_variable, bool weighted, int row, bool matrix>
 void one_pass(const Observations<Real>& data, int64_t first, int64_t end, Accumulator<Real>& into) {
   constexpr int wide = row < 2 ? 2 : 1;  // more accumulators than that leave the registers
   constexpr int64_t lanes = register_lanes<Real>;
+  constexpr bool has_higher = one_pass_orders[row].central > 1;
   Factors<Real> factors;
-  if constexpr (!weighted) factors.set_unit_weights(std::min(kTile, end - first));
+  Real scaled[kTile];
+  if constexpr (!weighted) {
+    factors.template set_unit_weights<has_higher>(std::min(kTile, end - first));
+  }
   Deviations<Real> deviations{};
   if constexpr (matrix) {
     const int64_t block = kTile * deviation_stride<Real>(data.p);
@@ -222,7 +235,8 @@ void one_pass(const Observations<Real>& data, int64_t first, int64_t end, Accumu
   for (int64_t count; first < end; first += count) {
     count = std::min(kTile, end - first);
     if constexpr (weighted) {
-      factors.set_weights(data.weights + first, data.weight_scale, count);
+      const Real* weights = data.weights_in_units(first, count, scaled);
+      factors.template set_weights<has_higher>(weights, count);
     } else {
       factors.weight = {static_cast<double>(count), static_cast<double>(count)};
     }

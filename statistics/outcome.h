@@ -8,10 +8,10 @@
 #include <cstdint>
 #include <limits>
 
+#include "kernels/lanes.h"
 #include "kernels/scalar/bits.h"
 #include "statistics/run.h"
 #include "statistics/slots.h"
-#include "statistics/sort_keys.h"
 
 namespace qor::statistics {
 
@@ -67,6 +67,7 @@ struct Judge {
   // What must not be small either: raw moment 2, the central sum, the matrix; else the mean.
   const Real *raw = nullptr, *central = nullptr, *cross, *mean = nullptr;
   Real least, least_square, least_sum, least_value;
+  const Real* first_values = nullptr;  // of all variables, where these stand in a row
 
   Judge(const Run<Real>& of, const Room<Real>& room)
       : run(of),
@@ -83,6 +84,10 @@ struct Judge {
     if (run.order.raw > 1) raw = moments.raw[0];
     if (run.order.central > 0) central = moments.central[0];
     if (raw == nullptr && central == nullptr && cross == nullptr) mean = moments.mean;
+    const Observations<Real>& data = run.data;
+    if (data.variable_stride() == 1 && data.scale == nullptr && run.first_row < data.n) {
+      first_values = data.x + run.first_row * data.observation_stride();
+    }
   }
 
   Real sum_of_squares(int64_t j) const { return cross[j * (run.data.p + 1)]; }
@@ -103,27 +108,29 @@ struct Judge {
     const Real value = run.data.variable(j)[run.first_row * run.data.observation_stride()];
     return std::abs(run.data.scale == nullptr ? value : value * run.data.scale[j]) >= least_value;
   }
-  // Told at a glance, as registers go: it may fail to see that all variables are good.
-  bool all_seem_good() const {
-    using Flag = Key<Real>;  // as wide as the values, for the sake of registers
-    Flag bad = run.data.indices.given();
+  // Variables j and after, a register of them, told at a glance: it may fail to see that they are
+  // good.
+  bool seem_good(int64_t j) const {
+    using Lanes = lanes::Lanes<Real>;
+    const auto magnitude = [](typename Lanes::V v) { return lanes::maximum(v, -v); };
+    typename Lanes::V none{};  // of finite numbers
+    typename Lanes::M small{}, large{};
     for (int k = 0; k < count; ++k) {
-      for (int64_t j = 0; j < run.data.p; ++j) bad |= Flag{!std::isfinite(gathered[k][j])};
+      const auto v = lanes::load(gathered[k] + j);
+      none += v - v;
     }
-    for (int64_t j = 0; raw != nullptr && j < run.data.p; ++j) {
-      bad |= Flag{!(raw[j] >= least_square)};
+    if (raw != nullptr) small |= ~(lanes::load(raw + j) >= lanes::broadcast(least_square));
+    if (central != nullptr) small |= ~(lanes::load(central + j) >= lanes::broadcast(least_sum));
+    if (mean != nullptr) small |= ~(magnitude(lanes::load(mean + j)) >= lanes::broadcast(least));
+    if (cross != nullptr) {
+      const auto sums = lanes::load_strided(cross + j * (run.data.p + 1), run.data.p + 1);
+      none += sums - sums;
+      small |= ~(magnitude(sums) >= lanes::broadcast(least_sum));
     }
-    for (int64_t j = 0; central != nullptr && j < run.data.p; ++j) {
-      bad |= Flag{!(central[j] >= least_sum)};
+    if (first_values != nullptr) {
+      large = magnitude(lanes::load(first_values + j)) >= lanes::broadcast(least_value);
     }
-    for (int64_t j = 0; mean != nullptr && j < run.data.p; ++j) {
-      bad |= Flag{!(std::abs(mean[j]) >= least)};
-    }
-    for (int64_t j = 0; cross != nullptr && j < run.data.p; ++j) {
-      const Real sum = sum_of_squares(j);
-      bad |= Flag{!(sum >= least_sum)} | Flag{!std::isfinite(sum)};
-    }
-    return bad == 0;
+    return lanes::lane_bits((none == none) & (~small | large)) == lanes::first_lanes(Lanes::count);
   }
   Outcome operator()(int64_t j) const {
     if (!run.data.takes_part(j)) return Outcome::good;
@@ -131,9 +138,13 @@ struct Judge {
     return is_small(j) && !begins_large(j) ? Outcome::small : Outcome::good;
   }
   bool all_are_good() const {
-    if (all_seem_good()) return true;
-    for (int64_t j = 0; j < run.data.p; ++j) {
-      if ((*this)(j) != Outcome::good) return false;
+    constexpr int64_t kLanes = lanes::Lanes<Real>::count;
+    for (int64_t j = 0, end; j < run.data.p; j = end) {
+      end = std::min(j + kLanes, run.data.p);
+      if (end - j == kLanes && seem_good(j)) continue;
+      for (; j < end; ++j) {
+        if ((*this)(j) != Outcome::good) return false;
+      }
     }
     return true;
   }

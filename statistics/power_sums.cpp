@@ -58,8 +58,9 @@ void add_powers(Register<Real> x, Register<Real> mean, Register<Real> w,
 
 // The sums of one register of variables over a tile. `weights` is null when unweighted.
 template <class Real, bool weighted, Powers powers>
-void sum_tile(const Strip<Real>& strip, int64_t count, const Real* weights, Register<Real> mean,
-              TileSums<Real>& sums) {
+[[gnu::always_inline]] inline void sum_tile(const Strip<Real>& strip, int64_t count,
+                                            const Real* weights, Register<Real> mean,
+                                            TileSums<Real>& sums) {
   using V = Register<Real>;
   V raw[4][kChains]{}, central[3][kChains]{};
   const auto add = [&](int64_t i, int chain) {
@@ -83,8 +84,9 @@ void add_sums(Real* slot, const Real* sums, int64_t variables) {
 
 // Variables j and after, one register of them, of one tile with its weights.
 template <class Real, bool by_variable, bool weighted, Powers powers>
-void take_strip(const Observations<Real>& data, int64_t first, int64_t count, int64_t j,
-                const Real* weights, const Moments<Real>& into) {
+[[gnu::always_inline]] inline void take_strip(const Observations<Real>& data, int64_t first,
+                                              int64_t count, int64_t j, const Real* weights,
+                                              const Moments<Real>& into) {
   constexpr int lanes = register_lanes<Real>;
   alignas(64) Real buffer[kTile * lanes];
   const int64_t variables = std::min<int64_t>(lanes, data.p - j);
@@ -105,11 +107,12 @@ void take_strip(const Observations<Real>& data, int64_t first, int64_t count, in
 template <class Real, bool by_variable, bool weighted, Powers powers>
 void power_sums(const Observations<Real>& data, int64_t first, int64_t end,
                 Accumulator<Real>& into) {
-  Real weights[kTile];
+  Real scaled[kTile];
+  const Real* weights = nullptr;
   for (int64_t count; first < end; first += count) {
     count = std::min(kTile, end - first);
     if constexpr (weighted) {
-      for (int64_t i = 0; i < count; ++i) weights[i] = data.weights[first + i] * data.weight_scale;
+      weights = data.weights_in_units(first, count, scaled);
     }
     for (int64_t j = 0; j < data.p; j += register_lanes<Real>) {
       take_strip<Real, by_variable, weighted, powers>(data, first, count, j, weights, into.moments);

@@ -57,6 +57,12 @@ struct Observations {
   const Real* variable(int64_t j) const { return x + j * variable_stride(); }
   bool takes_part(int64_t j) const { return !indices.given() || indices[j] != 0; }
   bool has_weight(int64_t i) const { return weights == nullptr || weights[i] != 0; }
+  // The weights of `count` observations in the units of a run: where they stand, or in `scaled`.
+  const Real* weights_in_units(int64_t first, int64_t count, Real* scaled) const {
+    if (weight_scale == 1) return weights + first;
+    for (int64_t i = 0; i < count; ++i) scaled[i] = weights[first + i] * weight_scale;
+    return scaled;
+  }
   // A value of variable j of observation i in the units of a run that has a scale. Without weight
   // it adds nothing, however large, unless it is no number.
   Real in_units(Real value, int64_t i, int64_t j) const {

@@ -168,10 +168,9 @@ QOR_API int32_t __ostsSSEditMtxParametrz(SsTask* task, float* cor, const void* c
    or by FROM_SUMS from the registered sums and accumulated weights (or n), with no pass over data.
    Central moment 2, cov and the diagonal of cor divide by W - W2/W, W the sum of weights and W2 of
    their squares: n - 1 with unit weights. Central moments 3 and 4 divide by W. Kurtosis is the
-   excess, c4/c2^2 - 3; skewness c3/c2^1.5; variation sqrt(c2)/mean.
-   Results that the precision can represent come out, whatever powers of data and weights there are
-   on the way; multiplying all weights by a power of two changes no bit of a moment. What an array
-   cannot hold between blocks, an infinite moment or sum of squared weights, is lost to them.
+   excess, c4/c2^2 - 3; skewness c3/c2^1.5; variation sqrt(c2)/mean. Results in the precision's
+   range come out, whatever the powers on the way; multiplying all weights by a power of two changes
+   no bit of a moment. An infinite moment or sum of squared weights is lost to later blocks.
    Beside its own array an estimate needs others as working space, which are then written too:
      central moment k    mean, raw moments 2 to k
      kurtosis            mean, raw moments 2 to 4, central moments 2 and 4
@@ -185,16 +184,14 @@ QOR_API int32_t __ostsSSEditMtxParametrz(SsTask* task, float* cor, const void* c
    untouched, as do variables whose entry in `indices` is 0, with their rows and columns.
    Blocks: with accumulated weights above 0 the registered arrays are gone on from; at 0 they start
    afresh. The first asked for of cp, cov, cor carries the matrix. GIVEN_MEANS: the task keeps the
-   means of the last such call, which the matrix was central about; a call with another p, or of the
-   other precision, keeps its own means in their place and takes the matrix as central about these.
-   ONE_PASS needs, for central moments and sums 3 and 4, those of lower order or the raw moments
-   carried, else it gives the status of the missing central sum. Statuses in order: NULL_TASK;
-   BAD_METHOD (no or several data methods); that of the first missing array, BAD_METHOD for a sum
-   with FROM_SUMS; BAD_N, NULL_X, NULL_STORAGE, BAD_STORAGE, or with FROM_SUMS
-   BAD_ACCUMULATED_WEIGHTS (none, and weights are given or n is null); BAD_P; NULL_MEAN (sum with
-   GIVEN_MEANS); NULL_STORAGE of a matrix; NULL_CENTRAL_SUM_2 or 3 (above); NO_MEMORY. Threads: one
-   per 8192 elements (n*p, or n with a matrix) and per 16 observations at most, merged in their
-   order. */
+   means that the matrix is central about; a call with another p, or of the other precision, takes
+   it as central about its own. ONE_PASS needs, for central moments and sums 3 and 4, those of lower
+   order or the raw moments carried, else it gives the status of the missing central sum. Threads:
+   one per 8192 elements (n*p, or n with a matrix) and 16 observations at most, merged in order.
+   Statuses in order: NULL_TASK; BAD_METHOD (no or several data methods); that of the first missing
+   array, BAD_METHOD for a sum with FROM_SUMS; BAD_N, NULL_X, NULL_STORAGE, BAD_STORAGE, or with
+   FROM_SUMS BAD_ACCUMULATED_WEIGHTS (none, and weights are given or n is null); BAD_P; NULL_MEAN
+   (sum with GIVEN_MEANS); NULL_STORAGE of a matrix; NULL_CENTRAL_SUM_2 or 3 (above); NO_MEMORY. */
 QOR_API int32_t _ostdSSBasic(SsTask* task, uint64_t estimates, uint64_t method,
                              const ThreadHook* hook);
 QOR_API int32_t _ostsSSBasic(SsTask* task, uint64_t estimates, uint64_t method,
@@ -223,8 +220,8 @@ QOR_API int32_t _ostsSSQuantiles(SsTask* task, uint64_t estimates, uint64_t meth
    observations so far, or by less than one. The summary lives in the task, and how the stream is
    cut does not matter. n may be 0, to read results only; nothing is written before the first
    observation. The first call tells which variables there are; `indices` of later calls may name
-   some of them, which then take the block and answer, in their order. A stream goes on with the p
-   and in the precision that began it, until __ostSQuantilesFreeBuffers ends it.
+   some of them, which then take the block and answer, in their order. A stream keeps the p and the
+   precision that began it, until __ostSQuantilesFreeBuffers ends it.
    Statuses in order: NULL_TASK, BAD_N, NULL_X, NULL_STORAGE, BAD_STORAGE, NULL_STREAM_QUANTILES,
    NULL_STREAM_QUANTILE_ORDERS, BAD_STREAM_QUANTILE_COUNT (count), NULL_STREAM_PARAMETER_COUNT,
    BAD_STREAM_PARAMETER_COUNT, BAD_STREAM_QUANTILE_COUNT (an order), NULL_STREAM_PARAMETERS,

@@ -2,6 +2,7 @@
 // neighbours lie in their cells by the definition, in search, interpolation and integration alike.
 
 #include <algorithm>
+#include <cfenv>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -115,6 +116,34 @@ TYPED_TEST(UniformPartitions, EverySearchFindsTheDefinedCell) {
     expected = u.cells(breakpoints);
     check(task.search({u.ends[0], u.ends[1]}, cell.data(), {.hint = 4, .nsite = u.n}));
   });
+}
+
+// Breakpoints are what the caller's rounding makes of them, and so are the cells of a site alone
+// and of one among many.
+TYPED_TEST(UniformPartitions, CallsOfAnyLengthInEveryRoundingMode) {
+  using Real = TypeParam;
+  for (const int mode : {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+    std::fesetround(mode);
+    for_all_partitions<Real>([](const Uniform<Real>& u) {
+      auto site = u.sites();
+      std::shuffle(site.begin(), site.end(), std::mt19937(3));
+      const auto n = static_cast<int64_t>(site.size());
+      std::vector<int32_t> all(site.size()), cell(site.size());
+      const auto search = [&](int64_t first, int64_t count, std::vector<int32_t>& into) {
+        Api<Real>::uniform_search[0](u.n, u.ends, count, site.data() + first, u.step,
+                                     into.data() + first);
+      };
+      search(0, n, all);
+      for (int64_t first = 0, count = 0; first < n; first += count) {
+        count = std::min(count % 19 + 1, n - first);
+        search(first, count, cell);
+      }
+      const auto expected = u.cells(site);
+      EXPECT_EQ(all, expected);
+      EXPECT_EQ(cell, expected);
+    });
+    std::fesetround(FE_TONEAREST);
+  }
 }
 
 // Sites of one kind, as their callback sees them.
