@@ -69,9 +69,10 @@ template <class F, class Vectors>
 [[gnu::always_inline]] inline int64_t calm_blocks(const F& f, const Vectors& vectors, int64_t i,
                                                   int64_t n) {
   constexpr int width = block_width<F>;
-  // (Of strided vectors the elements' loads weigh more than the test, and a group wants more
-  // registers than there are.)
-  if constexpr (F::traits.group > 1 && !Vectors::is_strided) {
+  // (Loads of strided elements weigh more than a test, and those of a group of light functions want
+  // more registers than there are; chains of operations that are too long alone stay together.)
+  constexpr bool is_light = F::traits.group > 3;
+  if constexpr (F::traits.group > 1 && !(Vectors::is_strided && is_light)) {
     if constexpr (has_special_lanes<F>) {
       i = run_calm_groups(f, vectors, i, n);
     } else {
