@@ -70,7 +70,7 @@ inline int64_t run_special_blocks(const F& f, const Vectors& vectors, int64_t i,
 // Never inlined: its arithmetic stays between the environment's steps.
 template <class F, class Vectors>
 [[gnu::noinline]] void run_lanes(const F f, const Vectors& given, int64_t n) {
-  const Vectors vectors = given;
+  const Vectors vectors = given.copy();
   constexpr int width = block_width<F>;
   Reports reports;
   int64_t i = 0;
@@ -95,7 +95,7 @@ template <class F, class Vectors>
 // The elements one by one, for a function of one input and output without a vector path.
 template <class F, class Vectors>
 [[gnu::noinline]] void run_elements(const F f, const Vectors& given, int64_t n) {
-  const Vectors vectors = given;
+  const Vectors vectors = given.copy();
   for (int64_t i = 0; i < n; ++i) {
     const int32_t code = f.evaluate(vectors.argument(0, i), vectors.element(0, i));
     if (code != QOR_ERROR_NONE) [[unlikely]]
@@ -118,7 +118,7 @@ template <class F, class Vectors>
 [[gnu::noinline]] void run_chosen(const F& f, const Vectors& vectors, int64_t n) {
   f.choose([&]<class G>(const G& chosen, int first = 0) {
     static_assert(check_form<G>() && G::form != Form::chosen);
-    run_lanes<G>(chosen, vectors.template of<G>(first), n);
+    run_lanes<G>(chosen, vectors.template copy<G>(first), n);
   });
 }
 

@@ -2,7 +2,7 @@
 // run of blocks that have some.
 //
 // Each is a function of its own without any call in its loop, so that constants stay in registers
-// (no vector register survives a call).
+// (no vector register survives a call), and the parts of one are inlined, so that pointers do.
 #pragma once
 
 #include <cstdint>
@@ -27,7 +27,8 @@ inline void store_block(const Vectors& vectors, int64_t i, const Outputs<F>& y) 
 // Runs groups of blocks, with one test for all, up to a group with a special lane; returns where it
 // stopped.
 template <class F, class Vectors>
-inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i, int64_t n) {
+[[gnu::always_inline]] inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i,
+                                                      int64_t n) {
   constexpr int width = block_width<F>, count = F::traits.group;
   for (; i + count * width <= n; i += count * width) {
     Inputs<F> x[count];
@@ -51,7 +52,8 @@ inline int64_t run_calm_groups(const F& f, const Vectors& vectors, int64_t i, in
 
 // The same without tests, block after block.
 template <class F, class Vectors>
-inline int64_t run_groups(const F& f, const Vectors& vectors, int64_t i, int64_t n) {
+[[gnu::always_inline]] inline int64_t run_groups(const F& f, const Vectors& vectors, int64_t i,
+                                                 int64_t n) {
   constexpr int width = block_width<F>, count = F::traits.group;
   for (; i + count * width <= n; i += count * width) {
     for (int r = 0; r < count; ++r) {
@@ -64,12 +66,16 @@ inline int64_t run_groups(const F& f, const Vectors& vectors, int64_t i, int64_t
 
 // Runs whole blocks from element i on, up to one with a special lane; returns where it stopped.
 template <class F, class Vectors>
-inline int64_t calm_blocks(const F& f, const Vectors& vectors, int64_t i, int64_t n) {
+[[gnu::always_inline]] inline int64_t calm_blocks(const F& f, const Vectors& vectors, int64_t i,
+                                                  int64_t n) {
   constexpr int width = block_width<F>;
-  if constexpr (F::traits.group > 1) {
+  // (Loads of strided elements weigh more than a test, and those of a group of light functions want
+  // more registers than there are; chains of operations that are too long alone stay together.)
+  constexpr bool is_light = F::traits.group > 3;
+  if constexpr (F::traits.group > 1 && !(Vectors::is_strided && is_light)) {
     if constexpr (has_special_lanes<F>) {
       i = run_calm_groups(f, vectors, i, n);
-    } else if constexpr (!Vectors::is_strided) {
+    } else {
       i = run_groups(f, vectors, i, n);
     }
   }
@@ -87,7 +93,7 @@ inline int64_t calm_blocks(const F& f, const Vectors& vectors, int64_t i, int64_
 
 template <class F, class Vectors>
 [[gnu::noinline]] int64_t run_calm_blocks(const F f, const Vectors& given, int64_t i, int64_t n) {
-  const Vectors vectors = given;
+  const Vectors vectors = given.copy();
   return calm_blocks(f, vectors, i, n);
 }
 
@@ -103,7 +109,7 @@ struct WideRun {
 template <class F, class Vectors>
 [[gnu::noinline]] WideRun run_wide_blocks(const F f, const Vectors& given, int64_t i, int64_t n,
                                           Reports& reports) {
-  const Vectors vectors = given;
+  const Vectors vectors = given.copy();
   constexpr int width = block_width<F>;
   constexpr int calm_enough = 16;
   const bool one_by_one = reports.one_by_one();

@@ -6,6 +6,7 @@
 // ascending order, then has the effect of all.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 
@@ -56,6 +57,7 @@ class Reports {
   // Notes the lanes with a code of the block at element i, as bits.
   void note(int32_t code, uint32_t lanes, int64_t i) {
     if (lanes == 0) return;
+    if (!is_noted_) std::fill_n(last_, 4, int64_t{-1});
     is_noted_ = true;
     last_[code - 1] = i + (31 - std::countl_zero(lanes));
   }
@@ -86,7 +88,7 @@ class Reports {
     off_ = frame::reports_are_off();
   }
 
-  int64_t last_[4] = {-1, -1, -1, -1};
+  int64_t last_[4];  // of each code, -1 for none; set at the first note
   uint32_t raised_ = 0;
   bool is_asked_ = false, one_by_one_ = false, off_ = false, is_noted_ = false;
 };

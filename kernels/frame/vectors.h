@@ -16,6 +16,15 @@ inline constexpr int second_input = F::inputs > 1 ? 1 : 0;
 template <class F>
 inline constexpr auto stand_in = static_cast<typename F::Real>(F::traits.stand_in);
 
+// A word of a call's vectors, loaded by itself. The caller has only just stored it: a load of
+// several words at once, by which compilers copy records, would wait until they are in the cache,
+// longer than a short call takes.
+template <class Word>
+inline Word held(Word word) {
+  asm("" : "+r"(word));
+  return word;
+}
+
 // Contiguous vectors.
 template <class F>
 struct Contiguous {
@@ -42,13 +51,13 @@ struct Contiguous {
                         out[F::outputs - 1], name);
   }
 
-  // The vectors of a function G of which the inputs are the first of these, from `first` on.
-  template <class G>
-  Contiguous<G> of(int first) const {
-    Contiguous<G> chosen{{}, {}, name};
-    for (int k = 0; k < G::inputs; ++k) chosen.in[k] = in[first + k];
-    for (int k = 0; k < G::outputs; ++k) chosen.out[k] = out[k];
-    return chosen;
+  // A copy for a function G, of which the inputs are the first of these, from `first` on.
+  template <class G = F>
+  Contiguous<G> copy(int first = 0) const {
+    Contiguous<G> copied{{}, {}, held(name)};
+    for (int k = 0; k < G::inputs; ++k) copied.in[k] = held(in[first + k]);
+    for (int k = 0; k < G::outputs; ++k) copied.out[k] = held(out[k]);
+    return copied;
   }
 };
 
@@ -91,18 +100,18 @@ struct Strided {
                                 out[0], out_inc[0], out[z], out_inc[z], name);
   }
 
-  template <class G>
-  Strided<G> of(int first) const {
-    Strided<G> chosen{{}, {}, {}, {}, name};
+  template <class G = F>
+  Strided<G> copy(int first = 0) const {
+    Strided<G> copied{{}, {}, {}, {}, held(name)};
     for (int k = 0; k < G::inputs; ++k) {
-      chosen.in[k] = in[first + k];
-      chosen.in_inc[k] = in_inc[first + k];
+      copied.in[k] = held(in[first + k]);
+      copied.in_inc[k] = held(in_inc[first + k]);
     }
     for (int k = 0; k < G::outputs; ++k) {
-      chosen.out[k] = out[k];
-      chosen.out_inc[k] = out_inc[k];
+      copied.out[k] = held(out[k]);
+      copied.out_inc[k] = held(out_inc[k]);
     }
-    return chosen;
+    return copied;
   }
 };
 

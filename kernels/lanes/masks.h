@@ -149,12 +149,24 @@ inline LaneSet<double> at_most(f64 x, double bound) {
 #endif
 }
 
+#if !QOR_LANES_512
+// left > right of signed words. Of a compare with a negative constant g++ makes two instructions at
+// 256 bits, of one with a bound that it cannot see one.
+inline i32 words_above(i32 left, int32_t right) {
+  i32 bound = i32{} + right;
+#if QOR_LANES_256
+  if (right < 0) asm("" : "+x"(bound));
+#endif
+  return left > bound;
+}
+#endif
+
 // Lanes with left > right, signed.
 inline LaneSet<float> above(i32 left, int32_t right) {
 #if QOR_LANES_512
   return {_mm512_cmpgt_epi32_mask(std::bit_cast<__m512i>(left), _mm512_set1_epi32(right))};
 #else
-  return {left > right};
+  return {words_above(left, right)};
 #endif
 }
 
@@ -165,7 +177,7 @@ inline LaneSet<double> high_word_above(i64 left, int32_t right) {
   return {_mm512_cmpgt_epi64_mask(std::bit_cast<__m512i>(left), _mm512_set1_epi64(last))};
 #else
   // There is no 64-bit compare at the lowest level, and none is needed: the high word decides.
-  return {std::bit_cast<Lanes<double>::M>(std::bit_cast<i32>(left) > right)};
+  return {std::bit_cast<Lanes<double>::M>(words_above(std::bit_cast<i32>(left), right))};
 #endif
 }
 

@@ -1,10 +1,10 @@
 // InvSqrt: 1 / sqrt(x), single and double.
 //
-// Method.   A start y (inverse_root.h) cut so that its square is exact, the error e = x y^2 - 1,
-// and
-//           the series of y (1 + e)^(-1/2). Without fused multiply-add a double x is taken in two
-//           parts for e, the products of the first exact; and a single result is the root of the
-//           reciprocal, two roundings one after the other, which keeps the order of numbers.
+// Method.   A start y (inverse_root.h) cut so that its square is exact, the error
+//           e = x y^2 - 1, and the series of y (1 + e)^(-1/2). Without fused multiply-add a double
+//           x is taken in two parts for e, the products of the first exact; and a single result is
+//           the root of the reciprocal, two roundings one after the other, which keeps the order of
+//           numbers.
 // Accuracy. see docs/accuracy.md; below 0.52 ulp, the root of the reciprocal below 0.86.
 // Special.  +-0 -> +-inf, code 2; below 0 -> NaN, code 1; +inf -> +0; NaN -> quiet NaN.
 

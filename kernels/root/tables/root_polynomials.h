@@ -6,17 +6,17 @@
 // clang-format off
 namespace qor::kernels::tables {
 
-// Relative error of the start below 2^-10.15.
+// Relative error of the start below 2^-9.91.
 inline constexpr int32_t inverse_root_magic_float = 0x5F0B3800;
-inline constexpr float inverse_root_step = 0x1.e417fep+0f;
+inline constexpr float inverse_root_step = 0x1.e424ccp+0f;
 
 inline constexpr int64_t inverse_root_magic_double = 0x5FE6E90000000000;
 
 // (1 + r)^(-1/2), |r| <= 0.06817; error times |r|^0 below 2^-15.2.
 inline constexpr double inverse_root_start[3] = {0x1.80fa8acd2215dp-2, -0x1.008f25f228237p-1, 0x1p+0};
 
-// ((1 + r)^(-1/2) - 1) / r, |r| <= 0.00293; error times |r|^1 below 2^-37.5.
-inline constexpr float inverse_root_float[3] = {-0x1.40006ap-2f, 0x1.800076p-2f, -0x1p-1f};
+// ((1 + r)^(-1/2) - 1) / r, |r| <= 0.002563; error times |r|^1 below 2^-28.5.
+inline constexpr float inverse_root_float[2] = {0x1.80003cp-2f, -0x1.000022p-1f};
 
 // ((1 + r)^(-1/2) - 1) / r, |r| <= 6.485e-05; error times |r|^1 below 2^-59.5.
 inline constexpr double inverse_root_double[3] = {-0x1.4000000d55dp-2, 0x1.8000000ed12p-2, -0x1p-1};
