@@ -1,7 +1,6 @@
 // The double powers: 2^(y log2 x) on the vector path, and of one pair of numbers for any result.
 //
-// Accuracy. `accurate` below 0.6 ulp, otherwise below 1 ulp; of one pair always as `accurate`,
-//           denormal results rounded once.
+// Accuracy. see docs/accuracy.md; below 0.6 ulp, denormal results rounded once.
 #pragma once
 
 #include "kernels/exponential/tables/exp_tables.h"
@@ -38,7 +37,8 @@ struct ScaledPower {
 };
 
 inline ScaledPower exp2(Parts p) {
-  const f64 t = (p.high + p.low) + kShifter;
+  // A short first part has a second one of no weight here, which is a sum less to wait for.
+  const f64 t = (lanes::has_fma ? p.high + p.low : p.high) + kShifter;
   const i64 shifted = lanes::bits(t);
   const f64 f = (p.high - (t - kShifter)) + p.low;
   // In halves: the port that transposes rows has those of the logarithm to do.
@@ -46,9 +46,8 @@ inline ScaledPower exp2(Parts p) {
   return {row.first, multiply_add(f * lanes::horner(f, kExp2), row.first, row.second), shifted};
 }
 
-template <bool accurate>
 inline Checked<double> power(f64 x, f64 y) {
-  const Parts p = product(y, log2<accurate>(x));
+  const Parts p = product(y, log2(x));
   const ScaledPower power = exp2(p);
   const i64 exponent = (power.shifted & -128) << 45;
   return {lanes::from_bits(lanes::bits(power.high + power.low) + exponent),
@@ -89,9 +88,9 @@ inline double exp2_of_one(double high, double low) {
 
 // log2 of a positive x, denormal or not.
 inline Parts log2_of_one(double x) {
-  if (x >= std::numeric_limits<double>::min()) return log2<true>(broadcast(x));
+  if (x >= std::numeric_limits<double>::min()) return log2(broadcast(x));
   constexpr double scale = 0x1.0p+200;  // 1.6069380442589903e60
-  const Parts log = log2<true>(broadcast(x * scale));
+  const Parts log = log2(broadcast(x * scale));
   const f64 high = log.high - 200.0;
   return {high, ((log.high - high) - 200.0) + log.low};
 }

@@ -3,9 +3,10 @@
 // Method.   x = 2^k z; a cell of z gives a short reciprocal c and -log2 c in two parts, the first a
 //           multiple of 2^-42; r = z c - 1 is exact. log2 x = (k - log2 c) + log2(1 + r), summed
 //           largest first with the lost bits kept.
-// Accuracy. relative, below 2^-66. Without fused multiply-add `accurate` asks for that, and below
-//           2^-64 comes cheaper: the square of r is rounded there as any other term. With it there
-//           is nothing to gain.
+// Accuracy. relative, below 2^-67 without fused multiply-add and below 2^-66 with it. The worst
+// case
+//           is beside the cell of 1, where the logarithm is as small as r and the square of r, far
+//           from 1 a small term, is 2^-12 of it.
 #pragma once
 
 #include "kernels/frame.h"
@@ -77,49 +78,42 @@ inline Parts log2_fused(f64 x) {
 // ---- Without --------------------------------------------------------------------------------
 
 // log2(1 + r) as a series in R = r K, K the first 23 bits of log2(e) so that r K is exact where r
-// is short; from R^6 down to R.
+// is short: from R^6 down to R^3, the coefficient -1/(2 K) of R^2, and what log2(e) - K adds to R
+// and to its square.
 inline constexpr double kShortLog2e = 0x1.715474p+0;
 inline constexpr double kCubic[] = {-0.026667131649815552, 0.046167041872023737,
                                     -0.083256194960726712, 0.16015105075297303};
-inline constexpr double kQuadratic = -0.3465736568077919;
+inline constexpr double kQuadratic = -0.5 / kShortLog2e;
 inline constexpr double kLinear = 9.5979350332335112e-08;
+inline constexpr double kQuadraticRest = kLinear * kQuadratic;
 
-template <bool accurate>
 inline Parts log2_split(f64 x) {
   const Split<0x3FE7FE00, 10> split(x);
   const auto row = lanes::gather_entries(tables::pow_log2_1024, split.cell);
-  const f64 z_high = short_part(split.z);
-  const f64 r_high = z_high * row.a - 1.0;  // exact, 30 bits
+  // Rounded, not cut: of z just below 1 it is 1, so that r_high is never far above r.
+  const f64 z_high = short_part(lanes::from_bits(lanes::bits(split.z) + 0x4000000));
+  // Exact, 28 bits; beside 1, where c is short too, few enough for the square to be exact.
+  const f64 r_high = z_high * row.a - 1.0;
   const f64 r_low = (split.z - z_high) * row.a;
   const f64 R_high = r_high * kShortLog2e, R_low = r_low * kShortLog2e;
   const f64 R = R_high + R_low;
-  const f64 cubic = lanes::horner(R, kCubic);
+  // -K r^2 / 2, the first 26 bits of r_high^2 exact.
+  const f64 square = r_high * r_high, square_short = short_part(square);
+  const f64 quadratic = square_short * (-0.5 * kShortLog2e);
+  const f64 quadratic_low =
+      (square - square_short) * (-0.5 * kShortLog2e) + R_low * (R + R_high) * kQuadratic;
+  const f64 series = R * (R * (R * lanes::horner(R, kCubic) + kQuadraticRest) + kLinear);
   const f64 t = split.k + row.b;
-  f64 quadratic = R * R * kQuadratic, quadratic_low = f64{};
-  if constexpr (accurate) {
-    // The double nearest to the coefficient of R^2 is not near enough: -K r^2 / 2, its first 26
-    // bits exact, and the rest of the term, -(log2(e) - K) r^2 / 2.
-    const f64 r = r_high + r_low, r_short = short_part(r);
-    const f64 square = r_short * r_short * -0.5;
-    const f64 square_short = short_part(square);
-    const f64 square_rest = (r - r_short) * (r + r_short) * -0.5;
-    const f64 square_low = (square - square_short) + square_rest;
-    quadratic = square_short * kShortLog2e;
-    quadratic_low = (square_low + (square + square_rest) * kLinear) * kShortLog2e;
-  }
   const f64 high = short_part((t + R) + quadratic);
-  const f64 left = (t - high) + R_high, linear = left + R_low;  // of these only the last is rounded
-  f64 series = R * kLinear + R * R * R * cubic;
-  if constexpr (accurate) series += (left - linear) + R_low;
-  return {high, (linear + quadratic) + (row.c + (quadratic_low + series))};
+  const f64 rest = (((t - high) + R_high) + quadratic) + R_low;  // the differences cancel exactly
+  return {high, rest + (row.c + (quadratic_low + series))};
 }
 
-template <bool accurate>
 inline Parts log2(f64 x) {
   if constexpr (lanes::has_fma) {
     return log2_fused(x);
   } else {
-    return log2_split<accurate>(x);
+    return log2_split(x);
   }
 }
 
