@@ -9,6 +9,7 @@
 //           from 1 a small term, is 2^-12 of it.
 #pragma once
 
+#include "kernels/exact/exact.h"
 #include "kernels/frame.h"
 #include "kernels/power/tables/pow_tables.h"
 
@@ -19,13 +20,11 @@ using lanes::f64;
 using lanes::i64;
 using lanes::multiply_add;
 
-// high + low, low below 2^-16 of high; without fused multiply-add `high` has 26 bits.
-struct Parts {
-  f64 high, low;
-};
+// A logarithm and its products: low is below 2^-16 of high; without fused multiply-add `high` has
+// 26 bits.
+using Sum = exact::Sum<f64>;
 
-// The leading 26 bits.
-inline f64 short_part(f64 x) { return lanes::from_bits(lanes::bits(x) & -0x8000000); }
+inline constexpr int half_bits = 27;  // without them 26 are left
 
 // A positive normal x as 2^k z, z in [a, 2 a), and the cell of z.
 template <int32_t first_high_word, int cell_bits>
@@ -57,22 +56,19 @@ inline constexpr double kSeries[] = {-2 * kLog2e / 9, 2 * kLog2e / 8,  -2 * kLog
                                      2 * kLog2e / 6,  -2 * kLog2e / 5, 2 * kLog2e / 4,
                                      -2 * kLog2e / 3};
 
-inline Parts log2_fused(f64 x) {
+inline Sum log2_fused(f64 x) {
   const Split<0x3FE7F000, 7> split(x);
   const auto row = lanes::gather_entries(tables::pow_log2_128, split.cell);
   const f64 r = multiply_add(split.z, row.a, -1.0);
   const f64 minus_half = r * -0.5, square = minus_half * r;  // -r^2/2
-  const f64 u = r + square;
-  const f64 u_low = ((r - u) + square) + multiply_add(minus_half, r, -square);
-  const f64 product = u * kLog2e;
-  const f64 product_low = multiply_add(
-      u_low, broadcast(kLog2e),
-      multiply_add(u, broadcast(kLog2eLow), multiply_add(u, broadcast(kLog2e), -product)));
-  const f64 t = split.k + row.b;
-  const f64 sum = t + product;
-  const f64 rest = ((t - sum) + product) + (row.c + product_low);
-  const f64 low = multiply_add(square * r, lanes::even_odd(r, kSeries), rest);
-  return {sum, low};
+  const Sum u = exact::fast_two_sum(r, square);
+  const f64 u_low = u.low + multiply_add(minus_half, r, -square);
+  const Sum product = exact::two_product(u.high, broadcast(kLog2e));
+  const f64 product_low = multiply_add(u_low, broadcast(kLog2e),
+                                       multiply_add(u.high, broadcast(kLog2eLow), product.low));
+  const Sum sum = exact::fast_two_sum(split.k + row.b, product.high);
+  const f64 rest = sum.low + (row.c + product_low);
+  return {sum.high, multiply_add(square * r, lanes::even_odd(r, kSeries), rest)};
 }
 
 // ---- Without --------------------------------------------------------------------------------
@@ -87,29 +83,29 @@ inline constexpr double kQuadratic = -0.5 / kShortLog2e;
 inline constexpr double kLinear = 9.5979350332335112e-08;
 inline constexpr double kQuadraticRest = kLinear * kQuadratic;
 
-inline Parts log2_split(f64 x) {
+inline Sum log2_split(f64 x) {
   const Split<0x3FE7FE00, 10> split(x);
   const auto row = lanes::gather_entries(tables::pow_log2_1024, split.cell);
   // Rounded, not cut: of z just below 1 it is 1, so that r_high is never far above r.
-  const f64 z_high = short_part(lanes::from_bits(lanes::bits(split.z) + 0x4000000));
+  const f64 z_high = exact::nearest_leading<half_bits>(split.z);
   // Exact, 28 bits; beside 1, where c is short too, few enough for the square to be exact.
   const f64 r_high = z_high * row.a - 1.0;
   const f64 r_low = (split.z - z_high) * row.a;
   const f64 R_high = r_high * kShortLog2e, R_low = r_low * kShortLog2e;
   const f64 R = R_high + R_low;
   // -K r^2 / 2, the first 26 bits of r_high^2 exact.
-  const f64 square = r_high * r_high, square_short = short_part(square);
+  const f64 square = r_high * r_high, square_short = exact::leading<half_bits>(square);
   const f64 quadratic = square_short * (-0.5 * kShortLog2e);
   const f64 quadratic_low =
       (square - square_short) * (-0.5 * kShortLog2e) + R_low * (R + R_high) * kQuadratic;
   const f64 series = R * (R * (R * lanes::horner(R, kCubic) + kQuadraticRest) + kLinear);
   const f64 t = split.k + row.b;
-  const f64 high = short_part((t + R) + quadratic);
+  const f64 high = exact::leading<half_bits>((t + R) + quadratic);
   const f64 rest = (((t - high) + R_high) + quadratic) + R_low;  // the differences cancel exactly
   return {high, rest + (row.c + (quadratic_low + series))};
 }
 
-inline Parts log2(f64 x) {
+inline Sum log2(f64 x) {
   if constexpr (lanes::has_fma) {
     return log2_fused(x);
   } else {
