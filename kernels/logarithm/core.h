@@ -45,8 +45,8 @@ inline constexpr int registers = 2;
 
 // Images of 1 and of the parts of a number.
 template <class T>
-struct BitLayout : log_constants::Format<T> {
-  using Base = log_constants::Format<T>;
+struct BitLayout : log_constants::NumberLayout<T> {
+  using Base = log_constants::NumberLayout<T>;
   using Integer = typename Lanes<T>::Integer;
   static constexpr Integer exponent_step = Integer{1} << Base::fraction_bits;
   static constexpr Integer one = Base::bias * exponent_step;
