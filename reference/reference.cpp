@@ -218,8 +218,8 @@ const Reference MaxMag{larger_magnitude, 0.0, 0.0, kSilent, nullptr};
 const Reference MinMag{smaller_magnitude, 0.0, 0.0, kSilent, nullptr};
 const Reference Remainder{two<mpfr_remainder>, 0.0, 0.0, codes({1}), "remainder"};
 const Reference Fmod{two<mpfr_fmod>, 0.0, 0.0, codes({2}), "fmod"};
-// Two roundings in either line, one in the division; in s that is an estimate, refined.
-const Reference LinearFrac{linear_fraction, 6.0, 5.0, kSilent, nullptr, nullptr, Pairing::near_one};
+// Less than 1 ulp for each of two roundings in either line, half of one for the division.
+const Reference LinearFrac{linear_fraction, 4.5, 4.5, kSilent, nullptr, nullptr, Pairing::near_one};
 // clang-format on
 
 }  // namespace references

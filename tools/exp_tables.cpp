@@ -13,7 +13,7 @@ using qor::tools::nearest;
 using qor::tools::Real;
 
 // 2^(j / n)
-Real power_of_two(int j, int n) {
+Real exp2_of_ratio(int j, int n) {
   Real x = Real(j) / Real(n);
   mpfr_exp2(x.get(), x.get(), MPFR_RNDN);
   return x;
@@ -22,13 +22,13 @@ Real power_of_two(int j, int n) {
 // The number nearest to 2^(j / n), and the rest.
 template <class T>
 std::array<T, 2> parts(int j, int n) {
-  const Real value = power_of_two(j, n);
+  const Real value = exp2_of_ratio(j, n);
   const T high = nearest<T>(value);
   return {high, nearest<T>(value - Real(static_cast<double>(high)))};
 }
 
 std::array<double, 2> parts_with_relative_rest(int j, int n) {
-  const Real value = power_of_two(j, n);
+  const Real value = exp2_of_ratio(j, n);
   const double high = nearest<double>(value);
   return {high, nearest<double>((value - Real(high)) / Real(high))};
 }
@@ -50,7 +50,7 @@ void print_sixteenths(const char* type, const char* high, const char* low) {
 void print_sixteenths_for_images() {
   std::vector<float> bases, rests;
   for (int j = 0; j < 16; ++j) {
-    const Real value = power_of_two(j, 16);
+    const Real value = exp2_of_ratio(j, 16);
     const float high = nearest<float>(value);
     bases.push_back(std::bit_cast<float>(std::bit_cast<int32_t>(high) - (j << 19)));
     rests.push_back(nearest<float>((value - Real(static_cast<double>(high))) / value));
@@ -63,7 +63,7 @@ void print_sixteenths_for_images() {
 
 // The first 32 bits of 2^(j / 128), and the rest.
 std::array<double, 2> split_parts(int j) {
-  const Real value = power_of_two(j, 128);
+  const Real value = exp2_of_ratio(j, 128);
   const double high = std::ldexp(std::floor(std::ldexp(nearest<double>(value), 31)), -31);
   return {high, nearest<double>(value - Real(high))};
 }

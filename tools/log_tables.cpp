@@ -35,7 +35,7 @@ constexpr bool single = sizeof(T) == sizeof(float);
 // that a power of two gets exactly the multiple of two_high and two_low that an exponent cancels.
 template <class T, class Base>
 std::array<T, 2> parts(const Function& log, const Real& x, int twos) {
-  const double grid = constants::Format<T>::grid;
+  const double grid = constants::NumberLayout<T>::grid;
   const Real value = log(x);
   const double high = std::nearbyint(nearest<double>(value) / grid) * grid;
   const double two_high = twos * static_cast<double>(Base::two_high);
@@ -46,7 +46,7 @@ std::array<T, 2> parts(const Function& log, const Real& x, int twos) {
 // Row i: log_b(2^row_bits / c) less the exponent bias, c = 2^(row_bits - 1) + i.
 template <class T, class Base>
 void print_rows(const std::string& stem, const Function& log) {
-  const int unit = 1 << Base::row_bits, bias = constants::Format<T>::bias;
+  const int unit = 1 << Base::row_bits, bias = constants::NumberLayout<T>::bias;
   const auto row = [&](int i) {
     const int c = unit / 2 + i;
     const bool halved = 4 * c < 3 * unit;  // taken as 2 * (unit/2) / c

@@ -4,6 +4,8 @@
 //           formula does not need is not read. The division is the processor's in both precisions.
 // Accuracy. that of the formula, each operation (where the level has it, each multiply-add)
 //           correctly rounded; with bScale 0 the quotients of the scalars are rounded beforehand.
+//           Where no sum cancels, the terms of each being of one sign, below 4.5 ulp, and below 2.5
+//           with fused multiply-add: less than 1 for each rounding before the last.
 // Special.  no element is looked at: a zero denominator gives the quotient that the processor
 //           gives, and nothing is reported.
 

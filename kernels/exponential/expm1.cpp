@@ -8,6 +8,7 @@
 // Special.  +-0 and denormals -> themselves; -inf -> -1; +inf -> +inf; NaN -> quiet NaN; overflow
 //           code 3.
 
+#include "kernels/exact/exact.h"
 #include "kernels/exponential/core.h"
 #include "kernels/exponential/limits.h"
 #include "kernels/exponential/scalar.h"
@@ -27,9 +28,6 @@ struct SExpm1 : Guarded<float(float)> {
       tables::exp_step_16);
   static constexpr float saturated = -25.0f;  // below, e^x - 1 rounds to -1
 
-  // A value and what its rounding lost.
-  using Exact = lanes::Two<V>;
-
   // e^x - 1 from the terms of a table kept in registers (multiply-add; k step is exact).
   static V by_short_table(V r, V k, I shifted) {
     const V a = lanes::from_bits(bits(lanes::look_up(tables::exp2_float_16_bases, shifted)) +
@@ -47,24 +45,16 @@ struct SExpm1 : Guarded<float(float)> {
     return y + multiply_add(a, tail, multiply_add(a, r, less_one - y) + rest);
   }
 
-  static Exact sum(V a, V b) {  // (Knuth, 1969)
-    const V s = a + b, b_part = s - a;
-    return {s, (a - (s - b_part)) + (b - b_part)};
-  }
-
-  // The first 12 bits.
-  static V head(V x) { return lanes::from_bits(bits(x) & static_cast<int32_t>(0xFFFFF000)); }
-
   // (a - 1) + a r, |a r| below |a - 1| or a = 1.
-  static Exact leading_terms(V a, V r) {
-    const Exact b = sum(a, broadcast(-1.0f));
+  static exact::Sum<V> leading_terms(V a, V r) {
+    const exact::Sum<V> b = exact::two_sum(a, broadcast(-1.0f));
     // By an addition, so that what is left of a small r is r, and no denormal part of it.
     constexpr float cut = 0x1.8p+4f;  // a unit of 2^-19: 12 bits of the largest r
-    const V a_head = head(a), r_head = (r + cut) - cut;
+    const V a_head = exact::leading<12>(a), r_head = (r + cut) - cut;
     const V product = a_head * r_head;  // exact
     const V rest = a_head * (r - r_head) + (a - a_head) * r;
-    const V y = b.first + product;
-    return {y, ((b.first - y) + product) + (b.second + rest)};
+    const exact::Sum<V> y = exact::fast_two_sum(b.high, product);
+    return {y.high, y.low + (b.low + rest)};
   }
 
   // The same from the terms of a table in memory.
@@ -74,8 +64,8 @@ struct SExpm1 : Guarded<float(float)> {
     const V growth = lanes::horner(r, 0x1.55557ep-3f, 0x1.00001ep-1f);
     const V tail = multiply_add(r * r, growth, lost);
     const V rest = multiply_add(row.first, tail, multiply_add(row.second, r, row.second));
-    const Exact y = leading_terms(scale * row.first, r);
-    return y.first + multiply_add(scale, rest, y.second);
+    const exact::Sum<V> y = leading_terms(scale * row.first, r);
+    return y.high + multiply_add(scale, rest, y.low);
   }
 
   V core(V argument) const {

@@ -68,10 +68,10 @@ struct Binary<float> {
 };
 
 template <class T>
-struct Format;
+struct NumberLayout;
 
 template <>
-struct Format<double> {
+struct NumberLayout<double> {
   static constexpr int fraction_bits = 52;
   static constexpr int bias = 1023;
   // The high part of a table's logarithm is a multiple of this, so that it adds to that of the
@@ -80,7 +80,7 @@ struct Format<double> {
 };
 
 template <>
-struct Format<float> {
+struct NumberLayout<float> {
   static constexpr int fraction_bits = 23;
   static constexpr int bias = 127;
   static constexpr double grid = 0x1p-16;

@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "kernels/exact/exact.h"
 #include "kernels/frame.h"
 #include "kernels/lanes.h"
 #include "kernels/logarithm/bases.h"
@@ -44,16 +45,14 @@ inline constexpr int registers = 2;
 
 // Images of 1 and of the parts of a number.
 template <class T>
-struct BitLayout : log_constants::Format<T> {
-  using Base = log_constants::Format<T>;
+struct BitLayout : log_constants::NumberLayout<T> {
+  using Base = log_constants::NumberLayout<T>;
   using Integer = typename Lanes<T>::Integer;
   static constexpr Integer exponent_step = Integer{1} << Base::fraction_bits;
   static constexpr Integer one = Base::bias * exponent_step;
   static constexpr Integer fraction = exponent_step - 1;
   // The end of the fraction without which products with c are exact.
   static constexpr int trailing_bits = Base::fraction_bits == 52 ? 26 : 12;
-  static constexpr Integer half_trailing = Integer{1} << (trailing_bits - 1);
-  static constexpr Integer leading = -(Integer{1} << trailing_bits);
   static constexpr T shifter = static_cast<T>(3) * (Integer{1} << (Base::fraction_bits - 1));
 };
 
@@ -107,8 +106,8 @@ inline lanes::f32 add_up(lanes::f32 high, lanes::f32 lead, lanes::f32 low, lanes
 }
 inline lanes::f64 add_up(lanes::f64 high, lanes::f64 lead, lanes::f64 low, lanes::f64 x,
                          lanes::f64 p) {
-  const lanes::f64 sum = high + lead;
-  return sum + multiply_add(x, p, low + (lead - (sum - high)));
+  const exact::Sum<lanes::f64> sum = exact::fast_two_sum(high, lead);
+  return sum.high + multiply_add(x, p, low + sum.low);
 }
 
 // high + r - r^2/2 + r^3 p + low, the largest first. In cells as large as these the square is large
@@ -116,10 +115,12 @@ inline lanes::f64 add_up(lanes::f64 high, lanes::f64 lead, lanes::f64 low, lanes
 template <class T>
 inline V<T> add_up_apart(Pair<T> log, V<T> r, V<T> p) {
   const V<T> half = broadcast(T{-0.5});
-  const V<T> square = r * r, square_low = multiply_add(r, r, -square);
-  const V<T> first = log.first + r, second = multiply_add(square, half, first);
-  const V<T> lost = multiply_add(square, half, first - second) + (r - (first - log.first));
-  return second + (lost + multiply_add(square_low, half, multiply_add(square * r, p, log.second)));
+  const exact::Sum<V<T>> square = exact::two_product(r, r);
+  const exact::Sum<V<T>> first = exact::fast_two_sum(log.first, r);
+  const V<T> second = multiply_add(square.high, half, first.high);
+  const V<T> lost = multiply_add(square.high, half, first.high - second) + first.low;
+  const V<T> cubic = multiply_add(square.high * r, p, log.second);
+  return second + (lost + multiply_add(square.low, half, cubic));
 }
 
 // At 512 bits the count of operations bounds the speed, below it the length of their chain.
@@ -148,7 +149,7 @@ inline V<T> by_rows(V<T> x, R rest, E excess) {
   const Pair<T> row = lanes::gather_entries<T>(Base::rows, bits(t) & ((1 << row_bits) - 1));
   Pair<T> sum = add_exponent<Base, T>(less(lanes::biased_exponent(x), excess), row);
 
-  const V<T> leading = from_bits((bits(m) + F::half_trailing) & F::leading);
+  const V<T> leading = exact::nearest_leading<F::trailing_bits>(m);
   const V<T> scaled = c * Base::slope;
   const V<T> v_high = leading * scaled - Base::slope, v_low = (m - leading) * scaled;
   const V<T> v = v_high + v_low;
@@ -212,9 +213,8 @@ inline V<T> by_cells(V<T> x, R rest, E excess) {
   } else if constexpr (std::is_same_v<T, float>) {
     return sum.first + multiply_add(r, broadcast(Base::log_e), multiply_add(r, p, sum.second));
   } else {
-    const V<T> lead = r * Base::log_e;
-    const V<T> lead_low = multiply_add(r, broadcast(Base::log_e), -lead);
-    return add_up(sum.first, lead, lead_low + sum.second, r, p);
+    const exact::Sum<V<T>> lead = exact::two_product(r, broadcast(Base::log_e));
+    return add_up(sum.first, lead.high, lead.low + sum.second, r, p);
   }
 }
 

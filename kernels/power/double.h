@@ -1,7 +1,6 @@
 // The double powers: 2^(y log2 x) on the vector path, and of one pair of numbers for any result.
 //
-// Accuracy. `accurate` below 0.6 ulp, otherwise below 1 ulp; of one pair always as `accurate`,
-//           denormal results rounded once.
+// Accuracy. see docs/accuracy.md; below 0.6 ulp, denormal results rounded once.
 #pragma once
 
 #include "kernels/exponential/tables/exp_tables.h"
@@ -21,12 +20,12 @@ inline constexpr double kExp2[] = {0x1.5d87fe78a6731p-10, 0x1.3b2ab6fba4e77p-7, 
                                    0x1.ebfbdff82c58fp-3, 0x1.62e42fefa39efp-1};
 
 // y log in two parts that are not normalised, as those of the logarithm.
-inline Parts product(f64 y, Parts log) {
+inline Sum product(f64 y, Sum log) {
   if constexpr (lanes::has_fma) {
-    const f64 high = y * log.high;
-    return {high, multiply_add(y, log.low, multiply_add(y, log.high, -high))};
+    const Sum product = exact::two_product(y, log.high);
+    return {product.high, multiply_add(y, log.low, product.low)};
   } else {
-    const f64 y_high = short_part(y);
+    const f64 y_high = exact::leading<half_bits>(y);
     return {y_high * log.high, (y - y_high) * log.high + y * log.low};
   }
 }
@@ -37,8 +36,9 @@ struct ScaledPower {
   i64 shifted;
 };
 
-inline ScaledPower exp2(Parts p) {
-  const f64 t = (p.high + p.low) + kShifter;
+inline ScaledPower exp2(Sum p) {
+  // A short first part has a second one of no weight here, which is a sum less to wait for.
+  const f64 t = (lanes::has_fma ? p.high + p.low : p.high) + kShifter;
   const i64 shifted = lanes::bits(t);
   const f64 f = (p.high - (t - kShifter)) + p.low;
   // In halves: the port that transposes rows has those of the logarithm to do.
@@ -46,9 +46,8 @@ inline ScaledPower exp2(Parts p) {
   return {row.first, multiply_add(f * lanes::horner(f, kExp2), row.first, row.second), shifted};
 }
 
-template <bool accurate>
 inline Checked<double> power(f64 x, f64 y) {
-  const Parts p = product(y, log2<accurate>(x));
+  const Sum p = product(y, log2(x));
   const ScaledPower power = exp2(p);
   const i64 exponent = (power.shifted & -128) << 45;
   return {lanes::from_bits(lanes::bits(power.high + power.low) + exponent),
@@ -69,8 +68,8 @@ inline double denormal_sum(double high, double low, int exponent) {
   const double scale = power_of_two<double>(exponent + 1022);
   const double h = high * scale, l = low * scale;
   if (h + l >= 1) return (h + l) * 0x1p-1022;
-  const double sum = 1 + h;
-  const double rounded = (sum + (((1 - sum) + h) + l)) - 1;
+  const exact::Sum<double> sum = exact::fast_two_sum(1.0, h);
+  const double rounded = (sum.high + (sum.low + l)) - 1;
   if ((rounded - h) - l != 0) static_cast<void>(opaque(underflowed<double>()));
   return rounded * 0x1p-1022;
 }
@@ -88,10 +87,10 @@ inline double exp2_of_one(double high, double low) {
 }
 
 // log2 of a positive x, denormal or not.
-inline Parts log2_of_one(double x) {
-  if (x >= std::numeric_limits<double>::min()) return log2<true>(broadcast(x));
+inline Sum log2_of_one(double x) {
+  if (x >= std::numeric_limits<double>::min()) return log2(broadcast(x));
   constexpr double scale = 0x1.0p+200;  // 1.6069380442589903e60
-  const Parts log = log2<true>(broadcast(x * scale));
+  const Sum log = log2(broadcast(x * scale));
   const f64 high = log.high - 200.0;
   return {high, ((log.high - high) - 200.0) + log.low};
 }
@@ -102,7 +101,7 @@ inline double power_of_one(double x, double y) {
   const double size = magnitude(y);
   if (size >= 0x1p+64) return (x > 1) == (y > 0) ? overflowed<double>() : underflowed<double>();
   if (size < 0x1p-65) return 1 + y;
-  const Parts p = product(broadcast(y), log2_of_one(x));
+  const Sum p = product(broadcast(y), log2_of_one(x));
   return exp2_of_one(p.high[0], p.low[0]);
 }
 

@@ -1,8 +1,8 @@
-// Pow: x^y, single and double; the double has an HA kernel of its own.
+// Pow: x^y, single and double.
 //
 // Method.   2^(y log2 x), the logarithm and the product in two parts (d) or in double (s); see
-//           pow_log2.h, pow_double.h, pow_single.h.
-// Accuracy. see docs/accuracy.md; d HA below 0.6 ulp, LA and EP below 1 ulp; s below 0.51 ulp.
+//           log2.h, double.h, single.h.
+// Accuracy. see docs/accuracy.md; d below 0.6 ulp, s below 0.51 ulp.
 // Special.  IEEE values; 0 to a negative power and a negative x to a fraction code 1, overflow
 //           code 3, underflow nothing. pow(-1, +-inf) = 1; pow(x, 0) = pow(1, y) = 1, NaN too.
 
@@ -18,10 +18,11 @@ struct SPow : Guarded<float(float, float)> {
   Outcome<float> scalar(float x, float y) const { return pow_scalar(x, y); }
 };
 
-template <bool accurate>
+// The HA kernel is one of its own by its address alone: what its accuracy costs, the other has too.
+template <char kernel>
 struct DPow : Guarded<double(double, double)> {
   static constexpr Traits traits{.group = dpow::registers};
-  Checked<double> core(V x, V y) const { return dpow::power<accurate>(x, y); }
+  Checked<double> core(V x, V y) const { return dpow::power(x, y); }
   LaneSet special(V x, V y) const { return dpow::special(x, y); }
   Outcome<double> scalar(double x, double y) const { return pow_scalar(x, y); }
 };
@@ -29,7 +30,7 @@ struct DPow : Guarded<double(double, double)> {
 }  // namespace
 
 QOR_FILL_ROW(s, Pow, binary, SPow)
-QOR_FILL_KERNEL(d, Pow, binary, A, DPow<false>)
-QOR_FILL_KERNEL(d, Pow, binary, B, DPow<true>)
+QOR_FILL_KERNEL(d, Pow, binary, A, DPow<'A'>)
+QOR_FILL_KERNEL(d, Pow, binary, B, DPow<'B'>)
 
 }  // namespace qor::kernels

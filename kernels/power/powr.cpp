@@ -20,7 +20,7 @@ struct SPowr : Guarded<float(float, float)> {
 
 struct DPowr : Guarded<double(double, double)> {
   static constexpr Traits traits{.group = dpow::registers};
-  Checked<double> core(V x, V y) const { return dpow::power<true>(x, y); }
+  Checked<double> core(V x, V y) const { return dpow::power(x, y); }
   LaneSet special(V x, V y) const { return dpow::special(x, y); }
   Outcome<double> scalar(double x, double y) const { return powr_scalar(x, y); }
 };

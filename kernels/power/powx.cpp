@@ -82,7 +82,7 @@ struct General : Guarded<T(T)> {
     if constexpr (sizeof(T) == sizeof(float)) {
       return spow::power(x, lanes::broadcast(b));
     } else {
-      return dpow::power<true>(x, lanes::broadcast(b));
+      return dpow::power(x, lanes::broadcast(b));
     }
   }
   LaneSet special(V x) const {

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 
+#include "kernels/exact/exact.h"
 #include "kernels/frame/rows.h"
 #include "kernels/root/inverse_root.h"
 #include "kernels/root/limits.h"
@@ -30,14 +31,13 @@ template <class T>
 struct HypotConstants;
 template <>
 struct HypotConstants<float> {
-  [[maybe_unused]] static constexpr int32_t short_part =
-      -0x80000;  // 5 bits: their square and sums are exact
-  [[maybe_unused]] static constexpr int32_t half_part = -0x1000;  // 12 bits: their square is exact
+  static constexpr int all_but_few = 19;  // 5 bits are left: their square and sums are exact
+  static constexpr int half = 12;         // 12 bits are left: their square is exact
 };
 template <>
 struct HypotConstants<double> {
-  [[maybe_unused]] static constexpr int64_t short_part = -0x400000000000;  // 7 bits
-  [[maybe_unused]] static constexpr int64_t half_part = -0x8000000;        // 26 bits
+  static constexpr int all_but_few = 46;  // 7 bits
+  static constexpr int half = 27;         // 26 bits
 };
 
 template <class T>
@@ -45,48 +45,22 @@ struct Hypot : Guarded<T(T, T)> {
   using typename Guarded<T(T, T)>::V;
   using typename Guarded<T(T, T)>::I;
   using typename Guarded<T(T, T)>::LaneSet;
-  using Pair = lanes::Two<V>;
+  using Sum = exact::Sum<V>;
   using Constants = HypotConstants<T>;
 
-  static V part(V x, Bits<T> mask) { return lanes::from_bits(lanes::bits(x) & mask); }
-
-  // x^2 in two parts, exact but for the last bits of the second.
-  static Pair square(V x) {
-    if constexpr (lanes::has_fma) {
-      const V high = x * x;
-      return {high, multiply_add(x, x, -high)};
-    } else {
-      const V high = part(x, Constants::short_part);
-      return {high * high, (x - high) * (x + high)};
-    }
-  }
-
   // x^2 + y^2 in two parts, the first nearest.
-  static Pair sum_of_squares(V x, V y) {
-    const Pair xx = square(x), yy = square(y);
-    const V sum = xx.first + yy.first;
-    const V of_y = sum - xx.first;
-    const V lost = (xx.first - (sum - of_y)) + (yy.first - of_y);
-    const V rest = lost + (xx.second + yy.second);
-    const V high = sum + rest;
-    return {high, (sum - high) + rest};
-  }
-
-  // s - g^2, exact, g nearly the root of s.
-  static V residual(V s, V g) {
-    if constexpr (lanes::has_fma) {
-      return multiply_add(-g, g, s);
-    } else {
-      const V high = part(g, Constants::half_part);
-      return (s - high * high) - (g - high) * (g + high);
-    }
+  static Sum sum_of_squares(V x, V y) {
+    const Sum xx = exact::square<Constants::all_but_few>(x);
+    const Sum yy = exact::square<Constants::all_but_few>(y);
+    const Sum sum = exact::two_sum(xx.high, yy.high);
+    return exact::fast_two_sum(sum.high, sum.low + (xx.low + yy.low));
   }
 
   V core(V x, V y) const {
-    const Pair s = sum_of_squares(x, y);
-    const V root = lanes::sqrt(s.first);
-    const V missing = residual(s.first, root) + s.second;
-    return multiply_add(missing, inverse_root_start(s.first) * T{0.5}, root);
+    const Sum s = sum_of_squares(x, y);
+    const V root = lanes::sqrt(s.high);
+    const V missing = exact::minus_square<Constants::half>(s.high, root) + s.low;
+    return multiply_add(missing, inverse_root_start(s.high) * T{0.5}, root);
   }
 
   LaneSet special(V x, V y) const {

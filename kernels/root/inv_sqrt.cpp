@@ -9,8 +9,8 @@
 // Special.  +-0 -> +-inf, code 2; below 0 -> NaN, code 1; +inf -> +0; NaN -> quiet NaN.
 
 #include <cmath>
-#include <type_traits>
 
+#include "kernels/exact/exact.h"
 #include "kernels/frame/rows.h"
 #include "kernels/root/inverse_root.h"
 #include "kernels/root/limits.h"
@@ -27,12 +27,6 @@ inline constexpr limits::Range kFast<float> = limits::root::sinv_sqrt;
 
 using lanes::multiply_add;
 
-template <class V>
-V part(V x, int64_t mask) {
-  const auto bits = lanes::bits(x);
-  return lanes::from_bits(bits & static_cast<std::remove_cvref_t<decltype(bits[0])>>(mask));
-}
-
 // y (1 + e)^(-1/2)
 template <class V, class T, size_t count>
 V corrected(V y, V e, const T (&series)[count]) {
@@ -41,7 +35,7 @@ V corrected(V y, V e, const T (&series)[count]) {
 
 inline lanes::f32 inverse_root(lanes::f32 x) {
   if constexpr (lanes::has_fma) {
-    const auto y = part(inverse_root_start(x), -0x1000);  // 12 bits
+    const auto y = exact::leading<12>(inverse_root_start(x));  // 12 bits
     return corrected(y, multiply_add(x, y * y, -1.0f), tables::inverse_root_float);
   } else {
     return lanes::sqrt(1.0f / x);
@@ -50,11 +44,11 @@ inline lanes::f32 inverse_root(lanes::f32 x) {
 
 inline lanes::f64 inverse_root(lanes::f64 x) {
   if constexpr (lanes::has_fma) {
-    const auto y = part(inverse_root_start(x), -0x8000000);  // 26 bits
+    const auto y = exact::leading<27>(inverse_root_start(x));  // 26 bits
     return corrected(y, multiply_add(x, y * y, -1.0), tables::inverse_root_double);
   } else {
-    const auto y = part(inverse_root_start(x), -0x10000000000), square = y * y;  // 13 and 26 bits
-    const auto leading = part(x, -0x8000000);                                    // 26 bits
+    const auto y = exact::leading<40>(inverse_root_start(x)), square = y * y;  // 13 and 26 bits
+    const auto leading = exact::leading<27>(x);                                // 26 bits
     const auto e = (leading * square - 1.0) + (x - leading) * square;
     return corrected(y, e, tables::inverse_root_double_cut);
   }

@@ -10,12 +10,12 @@ namespace {
 constexpr int kInvalidArgument = 22;
 constexpr int kOutOfRange = 34;
 
-bool power_of_two(size_t value) { return value != 0 && (value & (value - 1)) == 0; }
+bool is_power_of_two(size_t value) { return value != 0 && (value & (value - 1)) == 0; }
 
 }  // namespace
 
 void* qor_serv_allocate(size_t size, size_t alignment) {
-  if (!power_of_two(alignment)) return nullptr;
+  if (!is_power_of_two(alignment)) return nullptr;
   if (alignment < sizeof(void*)) alignment = sizeof(void*);
   void* block = nullptr;
   return posix_memalign(&block, alignment, size == 0 ? 1 : size) == 0 ? block : nullptr;

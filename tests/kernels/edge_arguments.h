@@ -67,6 +67,30 @@ void add_edges_of_powers(Batch<T>& batch) {
   }
 }
 
+// Bases near 1, whose logarithms have the fewest bits to spare, to powers just below a power of two
+// at either end of the range, where an ulp is smallest: some at every distance from 1, and those
+// that a search found.
+template <class T>
+void add_small_logarithms(Batch<T>& batch) {
+  constexpr T found[][2] = {
+      {T(0x1.00200ff59b474p+0), T(-0x1.59a3c6194035bp+20)},
+      {T(0x1.00208eb806de6p+0), T(0x1.540a89029da0cp+20)},
+      {T(0x1.00202ee97518bp+0), T(-0x1.57ffe6e7446a1p+20)},
+      {T(0x1.ffffffffffffap-1), T(0x1.cd2c956f5e1bcp+59)},
+      {T(0x1.0000004000095p+0), T(0x1.59e1271187052p+35)},
+  };
+  for (const auto& [x, y] : found) add(batch, x, y);
+  const int last = format_of<T>.max_exponent * 31 / 32;
+  std::mt19937_64 random(11);
+  for (int i = 0; i < 4096; ++i) {
+    const int e = -3 - i % (format_of<T>.digits - 4);
+    const T away = std::ldexp(1 + static_cast<T>(random() % 1000) / 1000, e);
+    const T x = (i & 64) != 0 ? 1 - away : 1 + away;
+    const T product = static_cast<T>((i & 128) != 0 ? last : -last) - T(0.005);
+    add(batch, x, product / std::log2(x));
+  }
+}
+
 // Lengths whose one side is beside a limit of the vector path.
 template <class T>
 void add_edges_of_hypot(Batch<T>& batch) {
@@ -117,7 +141,10 @@ Batch<T> edge_arguments(const Row<T>& row) {
   Batch<T> batch;
   if (row.shape.inputs == 2 && row.bound(HA) == 0) add_pairs(batch);
   if (base == "Ln" || base == "Log2" || base == "Log10") add_edges_of_logarithms(batch);
-  if (base == "Pow" || base == "Powr") add_edges_of_powers(batch);
+  if (base == "Pow" || base == "Powr") {
+    add_edges_of_powers(batch);
+    add_small_logarithms(batch);
+  }
   if (base == "Hypot") add_edges_of_hypot(batch);
   if (base == "Fmod" || base == "Remainder") add_edges_of_quotients(batch);
   return batch;
