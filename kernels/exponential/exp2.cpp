@@ -35,15 +35,16 @@ struct SExp2 : Guarded<float(float)> {
 
   static constexpr float shifter = 0x1.8p+23f / exp_core::steps<float, 64>;
 
-  // (2^r - 1) / r
-  static V tail(V r) {
-    if constexpr (exp_core::short_tables<float>) return lanes::horner(r, tables::exp2_float_16);
-    return lanes::horner(r, 0x1.ebfbf8p-3f, 0x1.62e486p-1f);
-  }
-
+  // With (2^r - 1) / r - 1.
   V core(V x) const {
     const auto [r, shifted] = exp_core::reduce(x, shifter);
-    return exp_core::times_power<64>(tail(r) * r, shifted);
+    if constexpr (exp_core::short_tables<float>) {
+      const V rest = lanes::horner(r, tables::exp2_float_16);
+      return exp_core::times_short_power(r, rest, r, shifted);
+    } else {
+      const V rest = lanes::horner(r, 0x1.ebfbf8p-3f, 0x1.62e486p-1f - 1.0f);
+      return exp_core::times_growth<64>(r, rest, shifted);
+    }
   }
 
   LaneSet special(V x) const {
@@ -71,7 +72,9 @@ struct DExp2 : Guarded<double(double)> {
       const V rest = lanes::horner(r, tables::exp2_double_16) * r;
       return exp_core::times_short_power(r * broadcast(0.5), rest, shifted);
     } else {
-      return exp_core::times_power<64>(lanes::horner(r, kBinary) * r, shifted);
+      const V rest =
+          lanes::horner(r, kBinary[0], kBinary[1], kBinary[2], kBinary[3], kBinary[4] - 1.0);
+      return exp_core::times_growth<64>(r, rest, shifted);
     }
   }
 
