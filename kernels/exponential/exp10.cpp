@@ -31,8 +31,8 @@ exp_scalar::ScaledSum parts(double x) {
 
 // ---- Single ---------------------------------------------------------------------------------
 
-struct SExp10 : Guarded<float(float)> {
-  static constexpr Traits traits{.group = exp_core::registers};
+struct SExp10 : Tiered<float(float)> {
+  static constexpr Traits traits{.group = exp_core::registers, .nan_passes = true};
   // log10(2) / 128
   static constexpr auto step = exp_core::step_of_level<128>(
       exp_core::Step<float>{0x1.a934fp+8f, 0x1.8p+23f, 0x1.348p-9f, -0x1.f657bp-20f},
@@ -55,6 +55,13 @@ struct SExp10 : Guarded<float(float)> {
     return lanes::above(lanes::bits(lanes::abs(x)), limits::sexp10::fast_image);
   }
 
+  Wide<float> wide(V x, LaneSet special_lanes) const {
+    using namespace limits::sexp10;
+    return exp_core::wide<float>(x, special_lanes,
+                                 {next_magnitude(overflow), next_magnitude(underflow)},
+                                 [&](V ordinary) { return core(ordinary); });
+  }
+
   Outcome<float> scalar(float x) const {
     using namespace limits::sexp10;
     if (exp_scalar::special(x)) return exp_scalar::at_special(x);
@@ -66,8 +73,8 @@ struct SExp10 : Guarded<float(float)> {
 
 // ---- Double ---------------------------------------------------------------------------------
 
-struct DExp10 : Guarded<double(double)> {
-  static constexpr Traits traits{.group = exp_core::registers};
+struct DExp10 : Tiered<double(double)> {
+  static constexpr Traits traits{.group = exp_core::registers, .nan_passes = true};
   // log10(2) / 128
   static constexpr auto step = exp_core::step_of_level<128>(exp_core::Step<double>{
       0x1.a934f0979a371p+8, 0x1.88p+52, 0x1.3441350ap-9, -0x1.0c0219dc1da99p-46});
@@ -90,6 +97,13 @@ struct DExp10 : Guarded<double(double)> {
 
   LaneSet special(V x) const {
     return lanes::high_word_above(lanes::bits(lanes::abs(x)), limits::dexp10::fast_high_word);
+  }
+
+  Wide<double> wide(V x, LaneSet special_lanes) const {
+    using namespace limits::dexp10;
+    return exp_core::wide<double>(x, special_lanes,
+                                  {next_magnitude(overflow), next_magnitude(underflow)},
+                                  [&](V ordinary) { return core(ordinary); });
   }
 
   Outcome<double> scalar(double x) const {

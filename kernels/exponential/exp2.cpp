@@ -30,8 +30,8 @@ exp_scalar::ScaledSum parts(double x) {
 
 // ---- Single ---------------------------------------------------------------------------------
 
-struct SExp2 : Guarded<float(float)> {
-  static constexpr Traits traits{.group = exp_core::registers};
+struct SExp2 : Tiered<float(float)> {
+  static constexpr Traits traits{.group = exp_core::registers, .nan_passes = true};
 
   static constexpr float shifter = 0x1.8p+23f / exp_core::steps<float, 64>;
 
@@ -51,6 +51,12 @@ struct SExp2 : Guarded<float(float)> {
     return lanes::above(lanes::bits(lanes::abs(x)), limits::sexp2::fast_image);
   }
 
+  Wide<float> wide(V x, LaneSet special_lanes) const {
+    using namespace limits::sexp2;
+    return exp_core::wide<float>(x, special_lanes, {overflow, underflow},
+                                 [&](V ordinary) { return core(ordinary); });
+  }
+
   Outcome<float> scalar(float x) const {
     using namespace limits::sexp2;
     if (exp_scalar::special(x)) return exp_scalar::at_special(x);
@@ -62,8 +68,8 @@ struct SExp2 : Guarded<float(float)> {
 
 // ---- Double ---------------------------------------------------------------------------------
 
-struct DExp2 : Guarded<double(double)> {
-  static constexpr Traits traits{.group = exp_core::registers};
+struct DExp2 : Tiered<double(double)> {
+  static constexpr Traits traits{.group = exp_core::registers, .nan_passes = true};
   static constexpr double shifter = exp_scalar::shifter / exp_core::steps<double, 64>;
 
   V core(V x) const {
@@ -80,6 +86,12 @@ struct DExp2 : Guarded<double(double)> {
 
   LaneSet special(V x) const {
     return lanes::high_word_above(lanes::bits(lanes::abs(x)), limits::dexp2::fast_high_word);
+  }
+
+  Wide<double> wide(V x, LaneSet special_lanes) const {
+    using namespace limits::dexp2;
+    return exp_core::wide<double>(x, special_lanes, {overflow, underflow},
+                                  [&](V ordinary) { return core(ordinary); });
   }
 
   Outcome<double> scalar(double x) const {
