@@ -34,13 +34,12 @@ std::array<double, 2> parts_with_relative_rest(int j, int n) {
 }
 
 // The same as two arrays, 16 rows.
-template <class T>
-void print_sixteenths(const char* type, const char* high, const char* low) {
-  std::vector<T> numbers[2];
+void print_sixteenths(const char* high, const char* low) {
+  std::vector<double> numbers[2];
   for (int j = 0; j < 16; ++j) {
-    for (int which = 0; which < 2; ++which) numbers[which].push_back(parts<T>(j, 16)[which]);
+    for (int which = 0; which < 2; ++which) numbers[which].push_back(parts<double>(j, 16)[which]);
   }
-  std::printf("\n// 2^(j/16): the nearest %s, and the %s nearest to the rest.\n", type, type);
+  std::printf("\n// 2^(j/16): the nearest double, and the double nearest to the rest.\n");
   qor::tools::print_array(high, numbers[0]);
   qor::tools::print_array(low, numbers[1]);
 }
@@ -74,11 +73,11 @@ Real logarithm(double x) {
   return y;
 }
 
-// (base^r - the first `terms` terms of its series) / r^terms - less, by that series.
+// (base^r - the first `terms` terms of its series) / r^terms times `factor` - less, by that series.
 struct Tail {
   Real log_base;
   int terms;
-  double less = 0.0;
+  double less = 0.0, factor = 1.0;
 
   Real operator()(const Real& r) const {
     constexpr int last = 60;
@@ -88,7 +87,7 @@ struct Tail {
       sum = sum + term;
       term = term * log_base * r / Real(static_cast<double>(k));
     }
-    return sum - Real(less);
+    return sum * Real(factor) - Real(less);
   }
 };
 
@@ -111,8 +110,9 @@ void print_polynomials() {
   };
   print_polynomial<float>("(e^r - 1 - r) / r^2", "exp_float_16", Tail{e, 2}, half_step(e, 16), 2,
                           2);
-  print_polynomial<float>("(2^r - 1) / r", "exp2_float_16", Tail{two, 1}, half_step(two, 16), 2, 1);
-  print_polynomial<float>("(10^r - 1) / r - 2", "exp10_float_16", Tail{ten, 1, 2.0},
+  print_polynomial<float>("(2^r - 1) / r - 1", "exp2_float_16", Tail{two, 1, 1.0},
+                          half_step(two, 16), 2, 1);
+  print_polynomial<float>("(10^r - 1) / (2 r) - 1", "exp10_float_16", Tail{ten, 1, 1.0, 0.5},
                           half_step(ten, 16), 3, 1);
   print_polynomial<double>("(e^r - 1 - r) / r^2", "exp_double_16", Tail{e, 2}, half_step(e, 16), 5,
                            2);
@@ -136,9 +136,8 @@ int main() {
   print_table("2^(j/128): the nearest float, and the float nearest to the rest.",
               "TablePair<float>", "exp2_float_128", 128,
               [](int j) { return parts<float>(j, 128); });
-  print_sixteenths<float>("float", "exp2_float_16_high", "exp2_float_16_low");
   print_sixteenths_for_images();
-  print_sixteenths<double>("double", "exp2_double_16_high", "exp2_double_16_low");
+  print_sixteenths("exp2_double_16_high", "exp2_double_16_low");
   print_table("2^(j/64): the nearest double, and the double nearest to the rest.",
               "TablePair<double>", "exp2_double_64", 64,
               [](int j) { return parts<double>(j, 64); });

@@ -131,14 +131,6 @@ void print_base(const char* name, Logarithm logarithm) {
   print_register_cells<16, float, Base<float>>(s, log);
 }
 
-// Row i: a reciprocal c of 1 + i / 64, of 12 bits, ln(1 / c) in two parts, and 0.
-std::array<double, 4> scalar_row(int i) {
-  const double c = std::nearbyint(0x1p12 / (1 + i / 64.0)) / 0x1p12;
-  const auto logs =
-      parts<double, constants::Natural<double>>({"ln", mpfr_log}, Real(1.0) / Real(c), 0);
-  return {c, logs[0], logs[1], 0.0};
-}
-
 }  // namespace
 
 int main() {
@@ -149,8 +141,5 @@ int main() {
   print_base<constants::Natural>("ln", mpfr_log);
   print_base<constants::Decimal>("log10", mpfr_log10);
   print_base<constants::Binary>("log2", mpfr_log2);
-  qor::tools::print_table(
-      "c, the 12-bit number nearest to 1 / (1 + i/64), and ln(1 / c): high part, low part.",
-      "TableQuad<double>", "ln_scalar_rows", 65, scalar_row);
   qor::tools::print_tail();
 }

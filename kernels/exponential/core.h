@@ -4,6 +4,10 @@
 // (with a longer polynomial), else of as many steps as the function asks for.
 #pragma once
 
+#include <bit>
+#include <cstdint>
+#include <limits>
+
 #include "kernels/exponential/tables/exp_tables.h"
 #include "kernels/frame.h"
 #include "kernels/lanes.h"
@@ -106,37 +110,53 @@ constexpr Step<float> step_of_level(Step<float> step, lanes::TablePair<float> sh
   return {step.per_unit / ratio, step.shifter, short_step.high, short_step.low};
 }
 
-// 2^(shifted / steps) (1 + q).
+// The table's row of a shifted index, where the tables are in memory.
 template <int table_steps>
-inline f32 times_power(f32 q, i32 shifted) {
-  if constexpr (short_tables<float>) {
-    const f32 high = lanes::look_up(tables::exp2_float_16_high, shifted);
-    const f32 low = lanes::look_up(tables::exp2_float_16_low, shifted);
-    return scaled<4>(multiply_add(q, high, low) + high, shifted);
-  } else if constexpr (table_steps == 64) {
-    const auto row = lanes::gather_entries(tables::exp2_float_64, shifted & 63);
-    return power<6>(shifted) * (row.first + multiply_add(q, row.first, row.second));
-  } else {
-    static_assert(table_steps == 128);
-    const auto row = lanes::gather_entries(tables::exp2_float_128, shifted & 127);
-    return power<7>(shifted) * (row.first + multiply_add(q, row.first, row.second));
-  }
+inline lanes::Two<f32> power_row(i32 shifted) {
+  static_assert(table_steps == 64 || table_steps == 128);
+  if constexpr (table_steps == 64)
+    return lanes::gather_entries(tables::exp2_float_64, shifted & 63);
+  return lanes::gather_entries(tables::exp2_float_128, shifted & 127);
 }
-
 template <int table_steps>
-inline f64 times_power(f64 q, i64 shifted) {
+inline lanes::Two<f64> power_row(i64 shifted) {
   static_assert(table_steps == 64 || table_steps == 128);
   if constexpr (table_steps == 64) {
-    const auto row = lanes::gather_entries(tables::exp2_double_64, shifted & 63);
-    return scaled<6>(multiply_add(q, row.first, row.second) + row.first, shifted);
-  } else {
-    const auto row = lanes::gather_entries(tables::exp2_double_128, shifted & 127);
-    return scaled<7>(multiply_add(q, row.first, row.second) + row.first, shifted);
+    return lanes::gather_entries(tables::exp2_double_64, shifted & 63);
   }
+  return lanes::gather_entries(tables::exp2_double_128, shifted & 127);
 }
 
-// The same by the short table, for q = lead + rest with an exact lead: q is not small enough there
-// for a rounding of its own, so what its sum with the power loses is kept.
+// 2^(shifted / steps) (1 + q), by a table in memory.
+template <int table_steps, class V, class I>
+inline V times_power(V q, I shifted) {
+  const auto [high, low] = power_row<table_steps>(shifted);
+  return scaled<std::countr_zero(unsigned{table_steps})>(high + multiply_add(q, high, low),
+                                                         shifted);
+}
+
+// 2^(shifted / steps) (1 + r + rest r), |rest| below 1/3: the sum never falls while r rises, since
+// what the roundings of `rest` change is small against the steps of r itself. (A product with
+// 1 + rest, rounded, may gain an ulp where |r| loses less than that.)
+template <int table_steps, class V, class I>
+inline V times_growth(V r, V rest, I shifted) {
+  if constexpr (lanes::has_fma) return times_power<table_steps>(multiply_add(rest, r, r), shifted);
+  const auto [high, low] = power_row<table_steps>(shifted);
+  const V high_r = high * r;
+  const V sum = (low + high_r) + rest * high_r;
+  return scaled<std::countr_zero(unsigned{table_steps})>(sum + high, shifted);
+}
+
+// 2^(shifted / 16) (1 + lead + factor x), by the short table.
+inline f32 times_short_power(f32 lead, f32 factor, f32 x, i32 shifted) {
+  const f32 base = lanes::look_up(tables::exp2_float_16_bases, shifted);
+  const f32 rest = lanes::look_up(tables::exp2_float_16_rests, shifted);
+  const f32 power = lanes::from_bits(bits(base) + (shifted << 19));
+  return multiply_add(power, lead + multiply_add(factor, x, rest), power);
+}
+
+// 2^(shifted / 16) (1 + lead + rest) with an exact lead: the sum is not small enough for a rounding
+// of its own, so what its sum with the power loses is kept.
 inline f64 times_short_power(f64 lead, f64 rest, i64 shifted) {
   const f64 high = lanes::look_up(tables::exp2_double_16_high, shifted);
   const f64 low = lanes::look_up(tables::exp2_double_16_low, shifted);

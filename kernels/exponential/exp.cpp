@@ -28,15 +28,15 @@ struct SExp : Tiered<float(float)> {
       exp_core::Step<float>{0x1.715476p+7f, 0x1.8p+23f, 0x1.63p-8f, -0x1.bd0106p-20f},
       tables::exp_step_16);
 
-  // (e^r - 1 - r) / r^2
-  static V tail(V r) {
-    if constexpr (exp_core::short_tables<float>) return lanes::horner(r, tables::exp_float_16);
-    return broadcast(0.5f);
-  }
-
   V core(V x) const {
     const auto [r, shifted] = exp_core::reduce(x, step);
-    return exp_core::times_power<128>(lanes::multiply_add(r * r, tail(r), r), shifted);
+    if constexpr (exp_core::short_tables<float>) {
+      const V tail = lanes::horner(r, tables::exp_float_16);
+      return exp_core::times_short_power(r, tail, r * r, shifted);
+    } else {
+      const V tail = broadcast(0.5f);
+      return exp_core::times_power<128>(lanes::multiply_add(r * r, tail, r), shifted);
+    }
   }
 
   LaneSet special(V x) const {

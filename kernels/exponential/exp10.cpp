@@ -31,28 +31,35 @@ exp_scalar::ScaledSum parts(double x) {
 
 // ---- Single ---------------------------------------------------------------------------------
 
-struct SExp10 : Guarded<float(float)> {
-  static constexpr Traits traits{.group = exp_core::registers};
+struct SExp10 : Tiered<float(float)> {
+  static constexpr Traits traits{.group = exp_core::registers, .nan_passes = true};
   // log10(2) / 128
   static constexpr auto step = exp_core::step_of_level<128>(
       exp_core::Step<float>{0x1.a934fp+8f, 0x1.8p+23f, 0x1.348p-9f, -0x1.f657bp-20f},
       tables::exp10_step_16);
 
-  // 10^r - 1
-  static V growth(V r) {
-    if constexpr (exp_core::short_tables<float>) {
-      return lanes::multiply_add(lanes::horner(r, tables::exp10_float_16), r, r + r);
-    }
-    return lanes::horner(r, 0x1.535252p+1f, 0x1.26bb2ep+1f) * r;
-  }
-
+  // By 2 r and (10^r - 1) / (2 r) - 1.
   V core(V x) const {
     const auto [r, shifted] = exp_core::reduce(x, step);
-    return exp_core::times_power<128>(growth(r), shifted);
+    const V twice = r + r;
+    if constexpr (exp_core::short_tables<float>) {
+      const V rest = lanes::horner(r, tables::exp10_float_16);
+      return exp_core::times_short_power(twice, rest, twice, shifted);
+    } else {
+      const V rest = lanes::horner(r, 0x1.535252p+0f, 0x1.26bb2ep+0f - 1.0f);
+      return exp_core::times_growth<128>(twice, rest, shifted);
+    }
   }
 
   LaneSet special(V x) const {
     return lanes::above(lanes::bits(lanes::abs(x)), limits::sexp10::fast_image);
+  }
+
+  Wide<float> wide(V x, LaneSet special_lanes) const {
+    using namespace limits::sexp10;
+    return exp_core::wide<float>(x, special_lanes,
+                                 {next_magnitude(overflow), next_magnitude(underflow)},
+                                 [&](V ordinary) { return core(ordinary); });
   }
 
   Outcome<float> scalar(float x) const {
@@ -66,8 +73,8 @@ struct SExp10 : Guarded<float(float)> {
 
 // ---- Double ---------------------------------------------------------------------------------
 
-struct DExp10 : Guarded<double(double)> {
-  static constexpr Traits traits{.group = exp_core::registers};
+struct DExp10 : Tiered<double(double)> {
+  static constexpr Traits traits{.group = exp_core::registers, .nan_passes = true};
   // log10(2) / 128
   static constexpr auto step = exp_core::step_of_level<128>(exp_core::Step<double>{
       0x1.a934f0979a371p+8, 0x1.88p+52, 0x1.3441350ap-9, -0x1.0c0219dc1da99p-46});
@@ -80,14 +87,23 @@ struct DExp10 : Guarded<double(double)> {
                                          lanes::multiply_add(growth, r, -(small + small)), shifted);
     } else {
       const auto [r, shifted] = exp_core::reduce(x, step);
-      const V p = lanes::horner(r, 0x1.144c03efafb54p-1, 0x1.2bd767584db59p+0, 0x1.0470591ccea8bp+1,
-                                0x1.53524c73ce8e3p+1, 0x1.26bb1bbb55516p+1);
-      return exp_core::times_power<128>(p * r, shifted);
+      // By 2 r and (10^r - 1) / (2 r) - 1.
+      const V rest =
+          lanes::horner(r, 0x1.144c03efafb54p-2, 0x1.2bd767584db59p-1, 0x1.0470591ccea8bp+0,
+                        0x1.53524c73ce8e3p+0, 0x1.26bb1bbb55516p+0 - 1.0);
+      return exp_core::times_growth<128>(r + r, rest, shifted);
     }
   }
 
   LaneSet special(V x) const {
     return lanes::high_word_above(lanes::bits(lanes::abs(x)), limits::dexp10::fast_high_word);
+  }
+
+  Wide<double> wide(V x, LaneSet special_lanes) const {
+    using namespace limits::dexp10;
+    return exp_core::wide<double>(x, special_lanes,
+                                  {next_magnitude(overflow), next_magnitude(underflow)},
+                                  [&](V ordinary) { return core(ordinary); });
   }
 
   Outcome<double> scalar(double x) const {

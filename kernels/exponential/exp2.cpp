@@ -30,24 +30,31 @@ exp_scalar::ScaledSum parts(double x) {
 
 // ---- Single ---------------------------------------------------------------------------------
 
-struct SExp2 : Guarded<float(float)> {
-  static constexpr Traits traits{.group = exp_core::registers};
+struct SExp2 : Tiered<float(float)> {
+  static constexpr Traits traits{.group = exp_core::registers, .nan_passes = true};
 
   static constexpr float shifter = 0x1.8p+23f / exp_core::steps<float, 64>;
 
-  // (2^r - 1) / r
-  static V tail(V r) {
-    if constexpr (exp_core::short_tables<float>) return lanes::horner(r, tables::exp2_float_16);
-    return lanes::horner(r, 0x1.ebfbf8p-3f, 0x1.62e486p-1f);
-  }
-
+  // With (2^r - 1) / r - 1.
   V core(V x) const {
     const auto [r, shifted] = exp_core::reduce(x, shifter);
-    return exp_core::times_power<64>(tail(r) * r, shifted);
+    if constexpr (exp_core::short_tables<float>) {
+      const V rest = lanes::horner(r, tables::exp2_float_16);
+      return exp_core::times_short_power(r, rest, r, shifted);
+    } else {
+      const V rest = lanes::horner(r, 0x1.ebfbf8p-3f, 0x1.62e486p-1f - 1.0f);
+      return exp_core::times_growth<64>(r, rest, shifted);
+    }
   }
 
   LaneSet special(V x) const {
     return lanes::above(lanes::bits(lanes::abs(x)), limits::sexp2::fast_image);
+  }
+
+  Wide<float> wide(V x, LaneSet special_lanes) const {
+    using namespace limits::sexp2;
+    return exp_core::wide<float>(x, special_lanes, {overflow, underflow},
+                                 [&](V ordinary) { return core(ordinary); });
   }
 
   Outcome<float> scalar(float x) const {
@@ -61,8 +68,8 @@ struct SExp2 : Guarded<float(float)> {
 
 // ---- Double ---------------------------------------------------------------------------------
 
-struct DExp2 : Guarded<double(double)> {
-  static constexpr Traits traits{.group = exp_core::registers};
+struct DExp2 : Tiered<double(double)> {
+  static constexpr Traits traits{.group = exp_core::registers, .nan_passes = true};
   static constexpr double shifter = exp_scalar::shifter / exp_core::steps<double, 64>;
 
   V core(V x) const {
@@ -71,12 +78,20 @@ struct DExp2 : Guarded<double(double)> {
       const V rest = lanes::horner(r, tables::exp2_double_16) * r;
       return exp_core::times_short_power(r * broadcast(0.5), rest, shifted);
     } else {
-      return exp_core::times_power<64>(lanes::horner(r, kBinary) * r, shifted);
+      const V rest =
+          lanes::horner(r, kBinary[0], kBinary[1], kBinary[2], kBinary[3], kBinary[4] - 1.0);
+      return exp_core::times_growth<64>(r, rest, shifted);
     }
   }
 
   LaneSet special(V x) const {
     return lanes::high_word_above(lanes::bits(lanes::abs(x)), limits::dexp2::fast_high_word);
+  }
+
+  Wide<double> wide(V x, LaneSet special_lanes) const {
+    using namespace limits::dexp2;
+    return exp_core::wide<double>(x, special_lanes, {overflow, underflow},
+                                  [&](V ordinary) { return core(ordinary); });
   }
 
   Outcome<double> scalar(double x) const {

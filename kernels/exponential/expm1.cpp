@@ -21,7 +21,8 @@ using lanes::bits;
 using lanes::broadcast;
 using lanes::multiply_add;
 
-struct SExpm1 : Guarded<float(float)> {
+struct SExpm1 : Tiered<float(float)> {
+  static constexpr Traits traits{.nan_passes = true};
   // ln 2 / 64
   static constexpr auto step = exp_core::step_of_level<64>(
       exp_core::Step<float>{0x1.715476p+6f, 0x1.8p+23f, 0x1.63p-7f, -0x1.bd0106p-19f},
@@ -86,6 +87,19 @@ struct SExpm1 : Guarded<float(float)> {
 
   LaneSet special(V x) const {
     return lanes::above(bits(x), limits::sexpm1::fast_image) | lanes::not_finite(x);
+  }
+
+  Wide<float> wide(V x, LaneSet special_lanes) const {
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    const LaneSet infinite = lanes::equal(lanes::abs(x), broadcast(infinity));
+    const LaneSet below = special_lanes & lanes::negative(x);
+    const LaneSet above = lanes::at_least(x, next_magnitude(limits::sexpm1::overflow));
+    V y = core(lanes::select(special_lanes, 0.0f, x));
+    y = lanes::select(above, infinity, y);
+    y = lanes::select(below, -1.0f, y);
+    return {.value = y,
+            .left = special_lanes.without(above | below),
+            .overflow = above.without(infinite)};
   }
 
   // Large arguments and special ones: an exponential, where the 1 is lost anyway.

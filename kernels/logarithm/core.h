@@ -13,6 +13,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 
 #include "kernels/exact/exact.h"
@@ -253,6 +254,18 @@ inline lanes::LaneSet<float> special(lanes::f32 x) {
 }
 inline lanes::LaneSet<double> special(lanes::f64 x) {
   return lanes::outside(bits(x), limits::dlog::first_high_word, limits::dlog::last_high_word);
+}
+
+// Lanes that are not above -1, or large.
+inline lanes::LaneSet<float> special_of_log1p(lanes::f32 x) {
+  constexpr int32_t sign_bit = std::numeric_limits<int32_t>::min();
+  return lanes::above(bits(x), limits::slog1p::last_image) |
+         lanes::above(bits(x) ^ sign_bit, limits::slog1p::negative_image);
+}
+inline lanes::LaneSet<double> special_of_log1p(lanes::f64 x) {
+  constexpr int64_t sign_bit = std::numeric_limits<int64_t>::min();
+  return lanes::high_word_above(bits(x), limits::dlog1p::last_high_word) |
+         lanes::high_word_above(bits(x) ^ sign_bit, limits::dlog1p::negative_high_word);
 }
 
 }  // namespace qor::kernels::log_vector

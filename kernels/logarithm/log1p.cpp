@@ -4,9 +4,10 @@
 // Accuracy. see docs/accuracy.md; below 1 ulp, small and denormal arguments included.
 // Special.  +-0 -> +-0; -1 -> -inf code 2; x < -1 -> NaN code 1; +inf -> +inf; NaN -> quiet NaN.
 
+#include <limits>
+
 #include "kernels/frame/rows.h"
 #include "kernels/logarithm/core.h"
-#include "kernels/logarithm/scalar.h"
 
 namespace qor::kernels {
 namespace {
@@ -14,47 +15,52 @@ namespace {
 using lanes::bits;
 using lanes::from_bits;
 
-// ln(1 + x) with the sign of x, which is that of the result, -0 included.
 template <class T>
-typename lanes::Lanes<T>::V log1p(typename lanes::Lanes<T>::V x) {
-  constexpr auto sign_bit = std::numeric_limits<typename lanes::Lanes<T>::Integer>::min();
-  const auto h = x + T{1};
-  const log_vector::Rest<T> rest = {x - (h - T{1})};
-  const auto y = log_vector::logarithm<log_vector::Natural<T>>(h, rest);
-  return from_bits(bits(y) | (bits(x) & sign_bit));
-}
+struct Log1p : Tiered<T(T)> {
+  using typename Tiered<T(T)>::V;
+  using typename Tiered<T(T)>::LaneSet;
+  using Integer = typename lanes::Lanes<T>::Integer;
+  static constexpr Traits traits{.nan_passes = true};
+  static constexpr Integer sign_bit = std::numeric_limits<Integer>::min();
 
-// The arguments are -1 and less, large, infinite or NaN: the sum with 1 is exact or far from it.
-template <class T>
-Outcome<T> log1p_scalar(T x) {
-  return log_scalar::logarithm<log_constants::Natural>(x + T{1});
-}
+  static log_vector::Rest<T> rest(V x, V h) { return {x - (h - T{1})}; }
 
-struct SLog1p : Guarded<float(float)> {
-  static constexpr int32_t sign_bit = std::numeric_limits<int32_t>::min();
+  // The sign of x is that of the result, -0 included.
+  static V with_sign_of(V x, V y) { return from_bits(bits(y) | (bits(x) & sign_bit)); }
 
-  V core(V x) const { return log1p<float>(x); }
-  LaneSet special(V x) const {
-    return lanes::above(bits(x), limits::slog1p::last_image) |
-           lanes::above(bits(x) ^ sign_bit, limits::slog1p::negative_image);
+  V core(V x) const {
+    const V h = x + T{1};
+    return with_sign_of(x, log_vector::logarithm<log_vector::Natural<T>>(h, rest(x, h)));
   }
-  Outcome<float> scalar(float x) const { return log1p_scalar(x); }
-};
 
-struct DLog1p : Guarded<double(double)> {
-  static constexpr int64_t sign_bit = std::numeric_limits<int64_t>::min();
+  LaneSet special(V x) const { return log_vector::special_of_log1p(x); }
 
-  V core(V x) const { return log1p<double>(x); }
-  LaneSet special(V x) const {
-    return lanes::high_word_above(bits(x), limits::dlog1p::last_high_word) |
-           lanes::high_word_above(bits(x) ^ sign_bit, limits::dlog1p::negative_high_word);
+  // Large arguments, which have no rest, are brought down by a power of two.
+  Complete<T> wide(V x, LaneSet special_lanes) const {
+    constexpr T infinity = std::numeric_limits<T>::infinity();
+    constexpr T exponent = 64, down = 0x1p-64;
+    const LaneSet infinite = lanes::equal(x, lanes::broadcast(infinity));
+    const LaneSet pole = lanes::equal(x, lanes::broadcast(T{-1}));
+    const LaneSet domain = (special_lanes & lanes::negative(x)).without(pole);
+    const LaneSet large = special_lanes.without(infinite | pole | domain);
+
+    const V ordinary = lanes::select(special_lanes, T{1}, x);
+    const V h = ordinary + T{1};
+    const V small = lanes::select(large, x, lanes::broadcast(T{1})) * down;
+    V y = log_vector::logarithm<log_vector::Natural<T>>(
+        lanes::select(special_lanes, small, h), rest(ordinary, h),
+        log_vector::Excess<T>{lanes::select(special_lanes, -exponent, T{0})});
+    y = with_sign_of(ordinary, y);
+    y = lanes::select(infinite, infinity, y);
+    y = lanes::select(pole, -infinity, y);
+    y = lanes::select(domain, default_nan<T>, y);
+    return {.value = y, .domain = domain, .pole = pole};
   }
-  Outcome<double> scalar(double x) const { return log1p_scalar(x); }
 };
 
 }  // namespace
 
-QOR_FILL_ROW(s, Log1p, unary, SLog1p)
-QOR_FILL_ROW(d, Log1p, unary, DLog1p)
+QOR_FILL_ROW(s, Log1p, unary, Log1p<float>)
+QOR_FILL_ROW(d, Log1p, unary, Log1p<double>)
 
 }  // namespace qor::kernels

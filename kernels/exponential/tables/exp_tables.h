@@ -208,10 +208,6 @@ alignas(64) inline constexpr TablePair<float> exp2_float_128[128] = {
   {0x1.fd3c22p+0f, 0x1.71ee3ep-25f},
 };
 
-// 2^(j/16): the nearest float, and the float nearest to the rest.
-inline constexpr float exp2_float_16_high[16] = {0x1p+0f, 0x1.0b5586p+0f, 0x1.172b84p+0f, 0x1.2387a6p+0f, 0x1.306fep+0f, 0x1.3dea64p+0f, 0x1.4bfdaep+0f, 0x1.5ab07ep+0f, 0x1.6a09e6p+0f, 0x1.7a1148p+0f, 0x1.8ace54p+0f, 0x1.9c4918p+0f, 0x1.ae89fap+0f, 0x1.c199bep+0f, 0x1.d5818ep+0f, 0x1.ea4afap+0f};
-inline constexpr float exp2_float_16_low[16] = {0x0p+0f, 0x1.9f3122p-25f, -0x1.c15742p-27f, 0x1.ceac48p-25f, 0x1.4636e2p-25f, 0x1.824684p-25f, -0x1.593abcp-25f, -0x1.5bd5ecp-27f, 0x1.9fcef4p-26f, -0x1.829fdp-25f, 0x1.15506ep-27f, 0x1.51f848p-27f, -0x1.a94b14p-26f, -0x1.3d56b2p-27f, -0x1.822dbcp-27f, 0x1.52486cp-27f};
-
 // Of 2^(j/16): the image of the nearest float less j << 19; the rest, relative.
 inline constexpr float exp2_float_16_bases[16] = {0x1p+0f, 0x1.fb5586p-1f, 0x1.f72b84p-1f, 0x1.f387a6p-1f, 0x1.f06fep-1f, 0x1.edea64p-1f, 0x1.ebfdaep-1f, 0x1.eab07ep-1f, 0x1.ea09e6p-1f, 0x1.ea1148p-1f, 0x1.eace54p-1f, 0x1.ec4918p-1f, 0x1.ee89fap-1f, 0x1.f199bep-1f, 0x1.f5818ep-1f, 0x1.fa4afap-1f};
 inline constexpr float exp2_float_16_rests[16] = {0x0p+0f, 0x1.8d96d2p-25f, -0x1.9c0c22p-27f, 0x1.964902p-25f, 0x1.125002p-25f, 0x1.370be4p-25f, -0x1.0a3552p-25f, -0x1.00d8acp-27f, 0x1.26055cp-26f, -0x1.05cb44p-25f, 0x1.67a1cap-28f, 0x1.a3b5e4p-28f, -0x1.f9c306p-27f, -0x1.6961b4p-28f, -0x1.a5217cp-28f, 0x1.61428ep-28f};
@@ -627,11 +623,11 @@ inline constexpr TablePair<float> exp10_step_16 = {0x1.344136p-6f, -0x1.ec10cp-3
 // (e^r - 1 - r) / r^2, |r| <= 0.02166; error times |r|^2 below 2^-36.5.
 inline constexpr float exp_float_16[3] = {0x1.55565cp-5f, 0x1.5556dep-3f, 0x1p-1f};
 
-// (2^r - 1) / r, |r| <= 0.03125; error times |r|^1 below 2^-28.7.
-inline constexpr float exp2_float_16[3] = {0x1.c6b29ap-5f, 0x1.ebff92p-3f, 0x1.62e43p-1f};
+// (2^r - 1) / r - 1, |r| <= 0.03125; error times |r|^1 below 2^-28.7.
+inline constexpr float exp2_float_16[3] = {0x1.c6b29ap-5f, 0x1.ebff92p-3f, -0x1.3a37ap-2f};
 
-// (10^r - 1) / r - 2, |r| <= 0.009407; error times |r|^1 below 2^-35.1.
-inline constexpr float exp10_float_16[4] = {0x1.2bd894p+0f, 0x1.0471eap+1f, 0x1.53524cp+1f, 0x1.35d8dep-2f};
+// (10^r - 1) / (2 r) - 1, |r| <= 0.009407; error times |r|^1 below 2^-36.1.
+inline constexpr float exp10_float_16[4] = {0x1.2bd894p-1f, 0x1.0471eap+0f, 0x1.53524cp+0f, 0x1.35d8dep-3f};
 
 // (e^r - 1 - r) / r^2, |r| <= 0.02166; error times |r|^2 below 2^-64.4.
 inline constexpr double exp_double_16[6] = {0x1.a01b0c2edab7cp-13, 0x1.6c17ed4cc4834p-10, 0x1.11111110e10a8p-7, 0x1.55555554e9468p-5, 0x1.5555555555556p-3, 0x1.0000000000001p-1};
