@@ -105,7 +105,7 @@ struct Hypot : Guarded<T(T, T)> {
     const auto gap = (bits_of(larger) >> (digits - 1)) - (bits_of(smaller) >> (digits - 1));
     if (smaller == 0 || gap > digits + 1) return {larger + smaller};
     constexpr int n = std::numeric_limits<T>::max_exponent * 11 / 16;
-    const int up = larger < 1 ? n : -n;
+    const int up = larger >= 1 ? -n : larger < power_of_two<T>(-n * 2 / 3) ? n : n / 2;
     const T scale = power_of_two<T>(up);
     return {core(broadcast(larger * scale), broadcast(smaller * scale))[0] * power_of_two<T>(-up)};
   }

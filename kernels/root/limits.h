@@ -26,10 +26,10 @@ inline constexpr Range spow3o2{0x15800000, 0x6A214517};    // from 2^-84 to the 
 inline constexpr Range dpow3o2{0x15600000, 0x6A9965FD};    // from 2^-681 to just below 2^(2048/3)
 }  // namespace root
 
-// Of both arguments: squares neither overflow nor lose bits below.
+// Of both arguments: squares neither overflow nor have low parts that are denormal.
 namespace hypot {
-inline constexpr Range middle_float{0x26000000, 0x5E7FFFFF};   // 2^-51 to 2^62
-inline constexpr Range middle_double{0x21F00000, 0x5FCFFFFF};  // 2^-480 to 2^510
+inline constexpr Range middle_float{0x2B800000, 0x5E7FFFFF};   // 2^-40 to 2^62
+inline constexpr Range middle_double{0x23400000, 0x5FCFFFFF};  // 2^-459 to 2^510
 }  // namespace hypot
 
 }  // namespace qor::kernels::limits
