@@ -3,7 +3,7 @@
 // Method.   The squares and their sum in two parts each; the root of the first part and a last step
 //           with the exact residual. Arguments outside a middle range of exponents are scaled
 //           first.
-// Accuracy. see docs/accuracy.md; below 0.52 ulp, denormal results below 1 ulp; Pythagorean triples
+// Accuracy. see docs/accuracy.md; below 1 ulp, denormal results included; Pythagorean triples
 //           are exact.
 // Special.  an infinity gives +inf, with NaN too; NaN -> quiet NaN; overflow reports nothing.
 
