@@ -42,10 +42,9 @@ PageLine page_line(const WorstCase& line) {
   std::string kernel = line.kernel, at;
   std::ranges::replace(kernel, '+', ' ');
   for (const double x : line.at) at.append(at.empty() ? "" : ", ").append(number("%a", x));
-  std::string arguments = "all 2^32";
-  if (line.found != Found::swept) {
-    arguments = std::string(name_of(line.found)).append(" ").append(std::to_string(line.count));
-  }
+  std::string arguments = line.count == uint64_t{1} << 32 ? "all 2^32" : std::to_string(line.count);
+  if (line.found != Found::swept)
+    arguments = std::string(name_of(line.found)).append(" ").append(arguments);
   return {line.function,
           kernel,
           line.level,
