@@ -14,14 +14,10 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
-#include <set>
-#include <sstream>
 
-#include "bench/least_times.h"
-#include "bench/run_levels.h"
+#include "bench/function_rows.h"
 #include "bench/vector_math/peers.h"
 #include "reference/evaluate.h"
-#include "tools/page.h"
 
 namespace {
 
@@ -146,46 +142,13 @@ void print_lines(const Row<T>& row, const std::string& level, const LeastTimes& 
   }
 }
 
-void run_level(const qor::bench::Options& options, const std::string& only) {
-  _arkSetMode(QOR_MODE_ERRORS_IGNORE);
-  std::set<std::string> names;
-  std::istringstream list(only);
-  for (std::string name; std::getline(list, name, ',');) names.insert(name);
-  const auto for_all = [&](auto action) {
-    for (const auto& any : qor::reference::rows()) {
-      std::visit(
-          [&](const auto& row) {
-            if (only.empty() || names.contains(row.name())) action(row);
-          },
-          any);
-    }
-  };
-  for_all([&](const auto& row) { add_row(row, options.level); });
-  LeastTimes times;
-  qor::bench::run_registered(options.passed_on, times);
-  for_all([&](const auto& row) { print_lines(row, options.level, times); });
-}
-
 }  // namespace
 
 int main(int count, char** words) {
-  std::string only;
-  qor::bench::Options options = qor::bench::parse(count, words, {{"--only", &only}});
-  if (!options.level.empty()) {
-    run_level(options, only);
-    return 0;
-  }
-  if (!only.empty()) options.passed_on.insert(options.passed_on.end(), {"--only", only});
-  std::vector<PageLine> lines;
-  std::printf("%s\n", qor::tools::to_text(kTitles).c_str());
-  qor::bench::run_on_levels(options, [&](const std::string&, const auto& texts) {
-    for (const std::string& text : texts) {
-      std::printf("%s\n", text.c_str());
-      lines.push_back(qor::tools::from_text(text));
-    }
-  });
-  if (options.page.empty()) return 0;
-  qor::tools::write_page(options.page, "Vector math", kHead, kTitles, lines,
-                         [](const PageLine&, const PageLine&) { return true; });
-  return 0;
+  return qor::bench::benchmark_rows(
+      count, words, {"Vector math", kHead, kTitles},
+      [](const auto& row, const std::string& level) { add_row(row, level); },
+      [](const auto& row, const std::string& level, const LeastTimes& times) {
+        print_lines(row, level, times);
+      });
 }

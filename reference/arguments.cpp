@@ -6,6 +6,8 @@
 namespace qor::reference {
 namespace {
 
+constexpr struct { double first, last; } kNearOne = {0.1, 10.1};
+
 // The last number before the class of the result changes, for every change that a walk in half
 // binades sees.
 template <class T>
@@ -77,10 +79,13 @@ Batch<T> hard_pairs(const Row<T>& row) {
 template <class T>
 Arguments<T>::Arguments(const Row<T>& row, uint64_t seed) : row_(row), engine_(seed) {
   edges_ = {-std::numeric_limits<T>::max(), std::numeric_limits<T>::max()};
-  if (row.shape.numbers_in() != 1) return;
-  const std::vector<T> changes = class_edges<T>(*row.reference);
-  edges_.insert(edges_.end(), changes.begin(), changes.end());
-  for (double edge : branch_edges(row.name())) edges_.push_back(static_cast<T>(edge));
+  if (row.shape.numbers_in() == 1) {
+    const std::vector<T> changes = class_edges<T>(*row.reference);
+    edges_.insert(edges_.end(), changes.begin(), changes.end());
+  }
+  const kernels::limits::Edges edges = branch_edges(row.name());
+  for (const double edge : edges.first) edges_.push_back(static_cast<T>(edge));
+  for (const double edge : edges.second) second_edges_.push_back(static_cast<T>(edge));
   std::sort(edges_.begin(), edges_.end());
   std::erase_if(edges_, [](T x) { return !std::isfinite(x); });
 }
@@ -133,7 +138,12 @@ T Arguments<T>::near(T x) {
 // Positive and not far from one.
 template <class T>
 T Arguments<T>::near_one() {
-  return static_cast<T>(0.1 + 10 * unit());
+  return static_cast<T>(kNearOne.first + (kNearOne.last - kNearOne.first) * unit());
+}
+template <class T>
+T Arguments<T>::kept_in_domain(T x) const {
+  if (row_.reference->pairing != Pairing::near_one) return x;
+  return std::clamp(x, static_cast<T>(kNearOne.first), static_cast<T>(kNearOne.last));
 }
 
 template <class T>
@@ -149,7 +159,8 @@ T Arguments<T>::first() {
   }
 }
 
-// A number for the pair: of any exponent, of a near one, a near number or a small integer.
+// A number for the pair: of any exponent, of a near one, near an edge or the first, or a small
+// integer.
 template <class T>
 T Arguments<T>::second(T first) {
   if (row_.reference->pairing == Pairing::power) return exponent_for(first);
@@ -163,6 +174,10 @@ T Arguments<T>::second(T first) {
       return std::isfinite(other) ? near(below(2) == 0 ? other : -other) : by_exponent();
     }
     case 2:
+      if (!second_edges_.empty() && below(2) == 0) {
+        const T edge = near(second_edges_[below(second_edges_.size())]);
+        return below(2) == 0 ? edge : -edge;
+      }
       return near(below(2) == 0 ? first : -first);
     default:
       return static_cast<T>(static_cast<int>(below(2001)) - 1000);
@@ -189,20 +204,29 @@ void Arguments<T>::add_scalars(Batch<T>& batch) {
   } else {
     constexpr T kExponents[] = {3, -2, T(1) / 3, T(2.5),  T(-0.1), T(7.25), T(0.999), T(-1.5),
                                 2, 1,  T(0.5),   T(-0.5), T(1.5),  -1,      0};
-    for (T& scalar : batch.scalar) scalar = kExponents[below(std::size(kExponents))];
+    const bool common = below(2) == 0;
+    for (T& scalar : batch.scalar) {
+      scalar = common ? kExponents[below(std::size(kExponents))] : exponent_for(first());
+    }
   }
 }
 
 template <class T>
-Batch<T> Arguments<T>::random(size_t count) {
+Batch<T> Arguments<T>::with_others(std::vector<T> first_numbers) {
   Batch<T> batch;
-  for (size_t i = 0; i < count * static_cast<size_t>(row_.shape.input_parts); ++i) {
-    const T x = first();
-    batch.in[0].push_back(x);
-    if (row_.shape.inputs == 2) batch.in[1].push_back(second(x));
+  batch.in[0] = std::move(first_numbers);
+  if (row_.shape.inputs == 2) {
+    for (const T x : batch.in[0]) batch.in[1].push_back(second(x));
   }
   if (row_.shape.scalars > 0) add_scalars(batch);
   return batch;
+}
+
+template <class T>
+Batch<T> Arguments<T>::random(size_t count) {
+  std::vector<T> numbers(count * static_cast<size_t>(row_.shape.input_parts));
+  for (T& x : numbers) x = first();
+  return with_others(std::move(numbers));
 }
 
 template <class T>

@@ -8,6 +8,7 @@
 #include <random>
 #include <vector>
 
+#include "kernels/edges.h"
 #include "reference/rows.h"
 
 namespace qor::reference {
@@ -27,6 +28,10 @@ T at_position(int64_t position) {
   constexpr Image kSign = Image{1} << (8 * sizeof(T) - 1);
   return position < 0 ? std::bit_cast<T>(static_cast<Image>(kSign | static_cast<Image>(-position)))
                       : std::bit_cast<T>(static_cast<Image>(position));
+}
+template <class T>
+std::array<T, 3> with_neighbours(T x) {
+  return {at_position<T>(position(x) - 1), x, at_position<T>(position(x) + 1)};
 }
 template <class T>
 inline constexpr int64_t last_position =
@@ -54,6 +59,12 @@ class Arguments {
   // others evenly between two edges or close to one; for two as the function's pairing says.
   Batch<T> random(size_t count);
 
+  // Elements with these first numbers, the others drawn to them.
+  Batch<T> with_others(std::vector<T> first_numbers);
+
+  // The nearest number that the function's pairing allows.
+  T kept_in_domain(T x) const;
+
   // `count` elements between -20 and 20 where the results are finite: what the time of a call
   // is measured with.
   Batch<T> ordinary(size_t count);
@@ -72,13 +83,26 @@ class Arguments {
 
   const Row<T>& row_;
   std::mt19937_64 engine_;
-  std::vector<T> edges_;  // ascending
+  std::vector<T> edges_;         // of the first number, ascending
+  std::vector<T> second_edges_;  // of the second
 };
 
 extern template class Arguments<float>;
 extern template class Arguments<double>;
 
-// Where the kernels of a row change their way, from the kernels' own limits.
-std::vector<double> branch_edges(std::string_view row);
+// From the limits of the kernels' families: where the kernels of a row change their way, and where
+// the tables of a function change rows. Empty for what has none.
+kernels::limits::Edges branch_edges(std::string_view row);
+kernels::limits::Seams table_seams(std::string_view function);
+
+// The seams of a row's function as numbers of its type, ascending, those of one argument or of the
+// base of a power: all within the range of ordinary results, those of a binade in some binades.
+template <class T>
+std::vector<T> seams(const Row<T>& row);
+
+// Elements at the edges of two arguments and both sides of seams (of very many some), and where
+// exact functions may go wrong: beside what hard arguments have.
+template <class T>
+Batch<T> edge_arguments(const Row<T>& row);
 
 }  // namespace qor::reference

@@ -2,14 +2,13 @@
 // kernels are measured and tested against.
 //
 // One line of reference.cpp per base name says how MPFR computes the function, which error it may
-// have, which codes it may report and by what name peers have it. A row of the list without its
-// line does not compile.
+// have, which codes it reports, by what name peers have it, how the processor estimates it and
+// where it rises. A row of the list without its line does not compile.
 #pragma once
 
 #include <mpfr.h>
 
-#include <cstdint>
-#include <initializer_list>
+#include "reference/estimates.h"
 
 namespace qor::reference {
 
@@ -32,22 +31,33 @@ enum class Pairing {
   near_one,        // all positive and near one: no sum cancels
 };
 
+// An element: its numbers, and its exact result (the first output) rounded to the format.
+struct Element {
+  const double* in;
+  int count;
+  double result;
+  const Format& format;
+};
+
+// The error code that an element is due, 0 for none.
+using DueCode = int (*)(const Element&);
+
+// Whether the first result rises (+1) or falls (-1) with a single argument, below 0 and above.
+struct Slopes {
+  int below = 0, above = 0;
+};
+inline constexpr Slopes rising{1, 1}, falling{-1, -1}, valley{-1, 1}, neither{};
+
 struct Reference {
   Compute compute;
   double bound_s,
-      bound_d;       // HA error in ulp, exclusive; 0: the result is the correctly rounded one
-  uint32_t codes;    // bit c: code c may be reported
+      bound_d;  // promised HA error in ulp, exclusive; 0: the result is the correctly rounded one
+  DueCode due_code;
   const char* libm;  // the C library's name of the double function, null without one
-  double (*in_double)(double) = nullptr;  // the function within a few ulp of double
+  Estimates estimates = {};
+  Slopes slopes = neither;
   Pairing pairing = Pairing::near_exponents;
-  double (*second_in_double)(double) = nullptr;  // as in_double, for the second output
 };
-
-constexpr uint32_t codes(std::initializer_list<int> list) {
-  uint32_t mask = 0;
-  for (int code : list) mask |= 1u << code;
-  return mask;
-}
 
 namespace references {
 extern const Reference Exp, Exp2, Exp10, Expm1, Ln, Log2, Log10, Log1p, Logb;
@@ -81,6 +91,9 @@ class Value {
 
   // Output k, correctly rounded.
   T rounded(int k) const;
+
+  // The code that the element computed last is due.
+  int due_code(const Reference& reference, const T* in, int inputs) const;
 
   // The distance of `computed` from output k in ulp, the spacing of T's numbers in the binade of
   // the output, or of denormals below. Infinity where a NaN, an infinity or the sign of a zero is

@@ -32,6 +32,7 @@ Row<T> make_row(char letter, std::string_view base, std::array<char, slots> kern
           &reference,
           [](int slot, const Call<T>& call) { S::run(table[slot], call); },
           [](int slot, const Call<T>& call) { S::run_strided(strided_table[slot], call); },
+          [](void* kernel, const Call<T>& call) { S::run(reinterpret_cast<Kernel>(kernel), call); },
           costs};
 }
 

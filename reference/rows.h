@@ -44,6 +44,7 @@ struct Row {
   std::array<char, slots> kernels;  // which kernel serves a slot: A, B or C
   const Reference* reference;
   Run run, run_strided;  // through the row of the function, and of its strided mate
+  void (*run_kernel)(void* kernel, const Call<T>& call);  // a contiguous kernel found elsewhere
   const float* costs;
 
   std::string name() const { return std::string(1, letter).append(base); }

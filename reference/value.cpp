@@ -52,6 +52,13 @@ T Value<T>::rounded(int k) const {
 }
 
 template <class T>
+int Value<T>::due_code(const Reference& reference, const T* in, int inputs) const {
+  double numbers[most_inputs];
+  std::copy_n(in, inputs, numbers);
+  return reference.due_code({numbers, inputs, static_cast<double>(rounded(0)), format_of<T>});
+}
+
+template <class T>
 double Value<T>::error(int k, T computed) const {
   constexpr double kWrong = std::numeric_limits<double>::infinity();
   constexpr Format format = format_of<T>;

@@ -7,15 +7,15 @@
 namespace qor::tools {
 namespace {
 
+std::string quoted(const std::string& word) { return std::string("'").append(word).append("'"); }
+
+}  // namespace
+
 bool processor_has(const std::string& level) {
   if (level == "v3") return __builtin_cpu_supports("x86-64-v3") != 0;
   if (level == "v4") return __builtin_cpu_supports("x86-64-v4") != 0;
   return true;
 }
-
-std::string quoted(const std::string& word) { return std::string("'").append(word).append("'"); }
-
-}  // namespace
 
 std::vector<std::string> runnable_levels(const std::string& folder) {
   std::vector<std::string> levels;

@@ -6,6 +6,9 @@
 
 namespace qor::tools {
 
+// Whether this machine runs a level.
+bool processor_has(const std::string& level);
+
 // The levels below `folder` (build/<preset>/levels) that this machine can run, in order.
 std::vector<std::string> runnable_levels(const std::string& folder);
 

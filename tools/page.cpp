@@ -45,8 +45,7 @@ PageLine from_text(const std::string& text) {
 }
 
 void write_page(const std::string& path, const std::string& title, const char* head,
-                const PageLine& titles, const std::vector<PageLine>& measured,
-                bool (*replaces)(const PageLine& fresh, const PageLine& old)) {
+                const PageLine& titles, const std::vector<PageLine>& measured) {
   std::vector<PageLine> lines;
   std::istringstream before(read_section(path, title));
   for (std::string text; std::getline(before, text);) lines.push_back(from_text(text));
@@ -56,7 +55,7 @@ void write_page(const std::string& path, const std::string& title, const char* h
     });
     if (old == lines.end()) {
       lines.push_back(fresh);
-    } else if (replaces(fresh, *old)) {
+    } else {
       *old = fresh;
     }
   }

@@ -17,9 +17,8 @@ std::string to_text(const PageLine& line);
 PageLine from_text(const std::string& text);
 
 // Writes the section anew, in the order of the row list. A measured line takes the place of the one
-// with its key if `replaces` says so; lines of functions that are no more go.
+// with its key; lines of functions that are no more go.
 void write_page(const std::string& path, const std::string& title, const char* head,
-                const PageLine& titles, const std::vector<PageLine>& measured,
-                bool (*replaces)(const PageLine& fresh, const PageLine& old));
+                const PageLine& titles, const std::vector<PageLine>& measured);
 
 }  // namespace qor::tools

@@ -2,7 +2,7 @@
 // edges.
 #pragma once
 
-#include <cstdint>
+#include "kernels/edges.h"
 
 namespace qor::kernels::limits {
 
@@ -62,5 +62,37 @@ inline constexpr double small = 0x1p-5;             // |x| below: no table
 inline constexpr double saturated = -0x1.2cp+5;     // below: -1
 inline constexpr double overflow = dexp::overflow;  // above: +infinity
 }  // namespace dexpm1
+
+inline constexpr Edges exponential_edges[] = {
+    {{"sExp"},
+     {from_image(sexp::fast_image), -from_image(sexp::fast_image), sexp::overflow, sexp::underflow,
+      sexp::denormal, from_image(sexp::tiny_exponent << 23)}},
+    {{"dExp"},
+     {last_of(dexp::fast_high_word), -last_of(dexp::fast_high_word), dexp::overflow,
+      dexp::underflow, dexp::denormal, first_of(dexp::tiny_exponent << 20)}},
+    {{"sExp2"},
+     {from_image(sexp2::fast_image), -from_image(sexp2::fast_image), sexp2::overflow,
+      sexp2::underflow, sexp2::denormal}},
+    {{"dExp2"},
+     {last_of(dexp2::fast_high_word), -last_of(dexp2::fast_high_word), dexp2::overflow,
+      dexp2::underflow, dexp2::denormal}},
+    {{"sExp10"},
+     {from_image(sexp10::fast_image), -from_image(sexp10::fast_image), sexp10::overflow,
+      sexp10::underflow, sexp10::denormal}},
+    {{"dExp10"},
+     {last_of(dexp10::fast_high_word), -last_of(dexp10::fast_high_word), dexp10::overflow,
+      dexp10::underflow, dexp10::denormal}},
+    {{"sExpm1"}, {from_image(sexpm1::fast_image), sexpm1::overflow}},
+    {{"dExpm1"},
+     {dexpm1::tiny, -dexpm1::tiny, dexpm1::small, -dexpm1::small, dexpm1::saturated,
+      dexpm1::overflow}},
+};
+
+// Half steps of the tables of 128 powers; those of 64 and 16 are among them.
+inline constexpr Seams exponential_seams[] = {
+    {{"Exp", "Expm1"}, 0x1.62e42fefa39efp-9},  // ln 2 / 256
+    {{"Exp2"}, 0x1p-8},
+    {{"Exp10"}, 0x1.34413509f79ffp-10},  // log10(2) / 256
+};
 
 }  // namespace qor::kernels::limits

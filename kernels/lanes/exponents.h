@@ -38,14 +38,15 @@ inline f64 exponent(f64 x) {
 }
 
 // x / 2^denormal_exponent, for denormal x > 0 or 0: by its bits, since arithmetic on denormals may
-// take a hundred times longer.
+// take a hundred times longer. Other lanes get some number, and raise no flag but inexact.
 template <class T>
 inline constexpr int denormal_exponent =
     std::numeric_limits<T>::min_exponent - std::numeric_limits<T>::digits;
 inline f32 denormal_units(f32 x) { return to_float(bits(x)); }
 inline f64 denormal_units(f64 x) {
   constexpr double shifter = 0x1p+52;
-  return from_bits(bits(x) | std::bit_cast<int64_t>(shifter)) - shifter;
+  constexpr int64_t fraction = 0xFFFFFFFFFFFFF;
+  return from_bits((bits(x) & fraction) | std::bit_cast<int64_t>(shifter)) - shifter;
 }
 
 // x times a power of 2, in [0.75, 1.5), for normal x > 0.

@@ -100,7 +100,7 @@ inline Pair<T> add_exponent(V<T> e, Pair<T> row) {
 }
 
 // high + lead + (low + x p): the last two are far below the lead, and high is 0 or |high| > |lead|.
-// Single keeps the error below 0.82 ulp, double below 0.55 (single at all arguments).
+// In double the error of the first sum is kept.
 inline lanes::f32 add_up(lanes::f32 high, lanes::f32 lead, lanes::f32 low, lanes::f32 x,
                          lanes::f32 p) {
   return high + (lead + multiply_add(x, p, low));

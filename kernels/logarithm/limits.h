@@ -2,7 +2,7 @@
 // edges.
 #pragma once
 
-#include <cstdint>
+#include "kernels/edges.h"
 
 namespace qor::kernels::limits {
 
@@ -29,5 +29,18 @@ namespace dlog1p {
 inline constexpr int32_t last_high_word = 0x7F3FFFFF;      // below 2^1013
 inline constexpr int32_t negative_high_word = 0x3FEFFFFF;  // of -x, x above -1
 }  // namespace dlog1p
+
+inline constexpr Edges logarithm_edges[] = {
+    {{"sLn", "sLog2", "sLog10", "sLogb"},
+     {from_image(slog::first_image), from_image(slog::last_image)}},
+    {{"dLn", "dLog2", "dLog10", "dLogb"},
+     {first_of(dlog::first_high_word), last_of(dlog::last_high_word)}},
+    {{"sLog1p"}, {-from_image(slog1p::negative_image), from_image(slog1p::last_image)}},
+    {{"dLog1p"}, {-last_of(dlog1p::negative_high_word), last_of(dlog1p::last_high_word)}},
+};
+
+// Half rows of 1024 reciprocals; cells of the mantissa, 128 at most, are among them.
+inline constexpr Seams logarithm_seams[] = {{{"Ln", "Log2", "Log10"}, 0, 11},
+                                            {{"Log1p"}, 0, 11, 1.0}};
 
 }  // namespace qor::kernels::limits

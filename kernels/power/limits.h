@@ -2,8 +2,6 @@
 // edges. Images of floats, high words of doubles; `first` and `last` are inside.
 #pragma once
 
-#include <cstdint>
-
 #include "kernels/root/limits.h"
 
 namespace qor::kernels::limits {
@@ -20,5 +18,19 @@ inline constexpr Range base = positive_normal_double;
 inline constexpr Range exponent{0x0DF00000, 0x43EFFFFF};
 inline constexpr int32_t product_high_word = 0x408F3FFF;  // |y log2 x| up to about 1000
 }  // namespace dpow
+
+inline constexpr Edges power_edges[] = {
+    {{"sPow", "sPowr", "sPowx"},
+     {from_image(spow::base.first), from_image(spow::base.last)},
+     {from_image(spow::exponent.last)},
+     {spow::exponent_of_result + 0.5}},
+    {{"dPow", "dPowr", "dPowx"},
+     {first_of(dpow::base.first), last_of(dpow::base.last)},
+     {first_of(dpow::exponent.first), last_of(dpow::exponent.last)},
+     {last_of(dpow::product_high_word)}},
+};
+
+// Half cells of 1024.
+inline constexpr Seams power_seams[] = {{{"Pow", "Powr", "Powx"}, 0, 11}};
 
 }  // namespace qor::kernels::limits

@@ -2,7 +2,7 @@
 //
 // Method.   2^(y log2 x), the logarithm and the product in two parts (d) or in double (s); see
 //           log2.h, double.h, single.h.
-// Accuracy. see docs/accuracy.md; d below 0.6 ulp, s below 0.51 ulp.
+// Accuracy. see docs/accuracy.md; d below 0.6 ulp, s below 1 ulp.
 // Special.  IEEE values; 0 to a negative power and a negative x to a fraction code 1, overflow
 //           code 3, underflow nothing. pow(-1, +-inf) = 1; pow(x, 0) = pow(1, y) = 1, NaN too.
 

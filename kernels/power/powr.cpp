@@ -1,7 +1,7 @@
 // Powr: x^y as e^(y ln x), for x not negative, single and double.
 //
 // Method.   The vector paths of Pow.
-// Accuracy. see docs/accuracy.md; d below 0.6 ulp, s below 0.51 ulp.
+// Accuracy. see docs/accuracy.md; below 1 ulp.
 // Special.  As IEEE 754 has powr: a negative x, 0^0, inf^0 and 1^inf give NaN, code 1; 0 to a
 //           negative power +inf, code 1 (to -inf: no code); overflow code 3; a denormal result or 0
 //           code 4. NaN -> quiet NaN, with 0 as the other argument too.

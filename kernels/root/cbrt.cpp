@@ -1,7 +1,7 @@
 // Cbrt, InvCbrt: the cube root and its reciprocal, single and double.
 //
 // Method.   see rational_power.h.
-// Accuracy. see docs/accuracy.md; below 0.52 ulp; the root of a cube is exact.
+// Accuracy. see docs/accuracy.md; below 1 ulp; the root of a cube is exact.
 // Special.  Cbrt: +-0, +-inf -> itself. InvCbrt: +-0 -> +-inf, code 2; +-inf -> +-0. The sign goes
 //           through; NaN -> quiet NaN.
 

@@ -3,7 +3,7 @@
 // Method.   The squares and their sum in two parts each; the root of the first part and a last step
 //           with the exact residual. Arguments outside a middle range of exponents are scaled
 //           first.
-// Accuracy. see docs/accuracy.md; below 0.52 ulp, denormal results below 1 ulp; Pythagorean triples
+// Accuracy. see docs/accuracy.md; below 1 ulp, denormal results included; Pythagorean triples
 //           are exact.
 // Special.  an infinity gives +inf, with NaN too; NaN -> quiet NaN; overflow reports nothing.
 
@@ -79,7 +79,7 @@ struct Hypot : Guarded<T(T, T)> {
     const auto gap = (bits_of(larger) >> (digits - 1)) - (bits_of(smaller) >> (digits - 1));
     if (smaller == 0 || gap > digits + 1) return {larger + smaller};
     constexpr int n = std::numeric_limits<T>::max_exponent * 11 / 16;
-    const int up = larger < 1 ? n : -n;
+    const int up = larger >= 1 ? -n : larger < power_of_two<T>(-n * 2 / 3) ? n : n / 2;
     const T scale = power_of_two<T>(up);
     return {core(broadcast(larger * scale), broadcast(smaller * scale))[0] * power_of_two<T>(-up)};
   }

@@ -5,7 +5,7 @@
 //           x is taken in two parts for e, the products of the first exact; and a single result is
 //           the root of the reciprocal, two roundings one after the other, which keeps the order of
 //           numbers.
-// Accuracy. see docs/accuracy.md; below 0.52 ulp, the root of the reciprocal below 0.86.
+// Accuracy. see docs/accuracy.md; below 1 ulp.
 // Special.  +-0 -> +-inf, code 2; below 0 -> NaN, code 1; +inf -> +0; NaN -> quiet NaN.
 
 #include <cmath>

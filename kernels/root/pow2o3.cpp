@@ -1,7 +1,7 @@
 // Pow2o3: the square of the cube root, of the magnitude, single and double.
 //
 // Method.   see rational_power.h.
-// Accuracy. see docs/accuracy.md; below 0.52 ulp; of a cube exact.
+// Accuracy. see docs/accuracy.md; below 1 ulp; of a cube exact.
 // Special.  +-0 -> +0; +-inf -> +inf; a negative number counts as its magnitude and reports
 // nothing;
 //           NaN -> quiet NaN.

@@ -3,7 +3,7 @@
 // Method.   see rational_power.h. Outside the range where the result is normal, x is scaled by a
 // power
 //           of 4 first.
-// Accuracy. see docs/accuracy.md; below 0.52 ulp, denormal results below 1 ulp.
+// Accuracy. see docs/accuracy.md; below 1 ulp, denormal results included.
 // Special.  +-0 -> +0; +inf -> +inf; overflow -> +inf and underflow report nothing; below 0 -> NaN,
 //           code 1; NaN -> quiet NaN.
 

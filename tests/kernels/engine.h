@@ -5,6 +5,7 @@
 
 #include <cfenv>
 #include <cstring>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -103,6 +104,28 @@ Batch<T> mixed_batch(const Row<T>& row, size_t n) {
     }
   }
   return batch;
+}
+
+// The elements of a batch with these indices.
+template <class T>
+Batch<T> chosen(const Row<T>& row, const Batch<T>& batch, const std::vector<size_t>& indices) {
+  Batch<T> part{{}, batch.scalar};
+  const auto parts = static_cast<size_t>(row.shape.input_parts);
+  for (size_t k = 0; k < static_cast<size_t>(row.shape.inputs); ++k) {
+    for (const size_t i : indices) {
+      const T* const from = &batch.in[k][i * parts];
+      part.in[k].insert(part.in[k].end(), from, from + parts);
+    }
+  }
+  return part;
+}
+
+template <class T>
+std::string text_of(const Row<T>& row, const Numbers<T>& numbers) {
+  std::ostringstream text;
+  text << row.name() << std::hexfloat;
+  for (int k = 0; k < row.shape.numbers_in(); ++k) text << ' ' << numbers[static_cast<size_t>(k)];
+  return text.str();
 }
 
 // Elements of results whose bits differ from those of `expected`; a NaN is its bits too.
