@@ -33,8 +33,7 @@
 //     code as domain, pole, overflow, underflow: the frame raises the flag that goes with the code
 //     (trait code_flags) and reports it;
 //   - names in `left` what only the scalar routine does. With none left it answers Complete, and
-//   the
-//     function has no scalar routine.
+//     the function has no scalar routine.
 //
 // With the trait nan_passes NaN are the frame's: `wide` sees the stand-in in their place. Otherwise
 // mind that ordered comparisons raise a flag at a NaN (lanes::above, equal, unordered do not).

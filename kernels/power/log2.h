@@ -3,9 +3,8 @@
 // Method.   x = 2^k z; a cell of z gives a short reciprocal c and -log2 c in two parts, the first a
 //           multiple of 2^-42; r = z c - 1 is exact. log2 x = (k - log2 c) + log2(1 + r), summed
 //           largest first with the lost bits kept.
-// Accuracy. relative, below 2^-67 without fused multiply-add and below 2^-66 with it. The worst
-// case
-//           is beside the cell of 1, where the logarithm is as small as r and the square of r, far
+// Accuracy. relative, below 2^-67 without fused multiply-add and below 2^-66 with it. The worst is
+//           beside the cell of 1, where the logarithm is as small as r and the square of r, far
 //           from 1 a small term, is 2^-12 of it.
 #pragma once
 

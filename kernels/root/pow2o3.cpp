@@ -2,9 +2,8 @@
 //
 // Method.   see rational_power.h.
 // Accuracy. see docs/accuracy.md; below 1 ulp; of a cube exact.
-// Special.  +-0 -> +0; +-inf -> +inf; a negative number counts as its magnitude and reports
-// nothing;
-//           NaN -> quiet NaN.
+// Special.  +-0 -> +0; +-inf -> +inf; a negative number counts as its magnitude and
+//           reports nothing; NaN -> quiet NaN.
 
 #include "kernels/frame/rows.h"
 #include "kernels/root/limits.h"

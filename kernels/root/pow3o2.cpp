@@ -1,8 +1,7 @@
 // Pow3o2: the cube of the square root, single and double.
 //
-// Method.   see rational_power.h. Outside the range where the result is normal, x is scaled by a
-// power
-//           of 4 first.
+// Method.   see rational_power.h. Outside the range where the result is normal, x is scaled
+//           by a power of 4 first.
 // Accuracy. see docs/accuracy.md; below 1 ulp, denormal results included.
 // Special.  +-0 -> +0; +inf -> +inf; overflow -> +inf and underflow report nothing; below 0 -> NaN,
 //           code 1; NaN -> quiet NaN.
