@@ -30,8 +30,8 @@
 //   - puts an ordinary argument into special lanes (select by `special`) before it calls the core's
 //     steps: with another scale, where that makes a denormal normal;
 //   - selects the values of the others (pass_through where an infinity passes) and names those with
-//     a code as domain, pole, overflow, underflow: the frame raises the flag that goes with the code
-//     (trait code_flags) and reports it;
+//     a code as domain, pole, overflow, underflow: the frame raises the flag that goes with
+//     the code (trait code_flags) and reports it;
 //   - names in `left` what only the scalar routine does. With none left it answers Complete, and
 //     the function has no scalar routine.
 //
