@@ -54,7 +54,8 @@ template <class Real>
 void search_uniform_sorted(int64_t nx, const Real* x, int64_t nsite, const Real* site, Real step,
                            int32_t* cell) {
   // Fewer sites to a cell are searched one by one: the more a register holds the less that costs.
-  constexpr Real kMany = sizeof(Real) == sizeof(double) ? 16 : 128;
+  constexpr bool is_double = sizeof(Real) == sizeof(double);
+  constexpr Real kMany = is_double ? 16 : CellLanes<Real>::count < 8 ? 32 : 128;
   const UniformCells<Real> cells(nx, x, step);
   const int64_t groups = nsite / site_group, count = groups * site_group;
   const Real width = static_cast<Real>(count) / kMany * step;

@@ -34,6 +34,21 @@ struct Strip {
   int64_t stride;
 };
 
+// The first `count` values of a row in `row_lanes` lanes, the others 0.
+template <class Real, int row_lanes>
+void copy_row(const Real* from, int64_t count, Real* to) {
+  constexpr int width = register_lanes<Real>;
+  for (int l = 0; l < row_lanes; l += width) {
+    const int64_t left = count - l;
+    if (left >= width) {
+      store(to + l, load(from + l));
+    } else {
+      store(to + l, left > 0 ? lanes::load_first(from + l, static_cast<int>(left), Real{0})
+                             : Register<Real>{});
+    }
+  }
+}
+
 // Variables j to j + variables - 1 of `count` observations from `first` on, in rows of `lanes`
 // values; lanes beyond the variables are 0. `buffer` has room for count * lanes values, and is used
 // when the rows do not lie so in the data.
@@ -49,10 +64,8 @@ Strip<Real> load_values(const Observations<Real>& data, int64_t first, int64_t c
   } else {
     const Real* rows = data.x + first * data.p + j;
     if (variables == lanes) return {rows, data.p};
-    std::fill_n(buffer, count * lanes, Real{0});
-    for (int64_t i = 0; i < count; ++i) {
-      for (int64_t l = 0; l < variables; ++l) buffer[i * lanes + l] = rows[i * data.p + l];
-    }
+    for (int64_t i = 0; i < count; ++i)
+      copy_row<Real, lanes>(rows + i * data.p, variables, buffer + i * lanes);
   }
   return {buffer, lanes};
 }
