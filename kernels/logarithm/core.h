@@ -256,6 +256,20 @@ inline lanes::LaneSet<double> special(lanes::f64 x) {
   return lanes::outside(bits(x), limits::dlog::first_high_word, limits::dlog::last_high_word);
 }
 
+// A logarithm that is these steps alone, with a base of bases.h.
+template <class T, template <class> class Base, int registers_of_a_step>
+struct Logarithm : Tiered<T(T)> {
+  static constexpr Traits traits{.group = registers_of_a_step, .nan_passes = true};
+
+  V<T> core(V<T> x) const { return logarithm<Base<T>>(x); }
+  lanes::LaneSet<T> special(V<T> x) const { return log_vector::special(x); }
+  Complete<T> wide(V<T> x, lanes::LaneSet<T> special_lanes) const {
+    return log_vector::wide<T>(x, special_lanes, [](V<T> m, auto excess) {
+      return logarithm<Base<T>>(m, NoRest{}, excess);
+    });
+  }
+};
+
 // Lanes that are not above -1, or large.
 inline lanes::LaneSet<float> special_of_log1p(lanes::f32 x) {
   constexpr int32_t sign_bit = std::numeric_limits<int32_t>::min();

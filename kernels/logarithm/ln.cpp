@@ -2,8 +2,9 @@
 //
 // Method.   see core.h; single without register tables: x = 2^e (1 + r) with |r| <= 1/3, and
 //           a polynomial at r.
-// Accuracy. see docs/accuracy.md; below 1 ulp (s), below 0.55 ulp (d), denormals included; ln 1 =
-// 0. Special.  +-0 -> -inf code 2; x < 0 -> NaN code 1; +inf -> +inf; NaN -> quiet NaN.
+// Accuracy. see docs/accuracy.md; below 1 ulp (s), below 0.55 ulp (d), denormals included; ln 1 is
+//           exact.
+// Special.  +-0 -> -inf code 2; x < 0 -> NaN code 1; +inf -> +inf; NaN -> quiet NaN.
 
 #include "kernels/frame/rows.h"
 #include "kernels/logarithm/core.h"
@@ -44,18 +45,7 @@ struct SLn : Tiered<float(float)> {
   }
 };
 
-struct DLn : Tiered<double(double)> {
-  static constexpr Traits traits{.nan_passes = true};
-  using Base = log_vector::Natural<double>;
-
-  V core(V x) const { return log_vector::logarithm<Base>(x); }
-  LaneSet special(V x) const { return log_vector::special(x); }
-  Complete<double> wide(V x, LaneSet special_lanes) const {
-    return log_vector::wide<double>(x, special_lanes, [](V m, auto excess) {
-      return log_vector::logarithm<Base>(m, log_vector::NoRest{}, excess);
-    });
-  }
-};
+using DLn = log_vector::Logarithm<double, log_vector::Natural, 1>;
 
 }  // namespace
 

@@ -11,19 +11,7 @@ namespace qor::kernels {
 namespace {
 
 template <class T>
-struct Log10 : Tiered<T(T)> {
-  using Base = log_vector::Decimal<T>;
-  static constexpr Traits traits{.group = log_vector::registers, .nan_passes = true};
-  using typename Tiered<T(T)>::V;
-
-  V core(V x) const { return log_vector::logarithm<Base>(x); }
-  lanes::LaneSet<T> special(V x) const { return log_vector::special(x); }
-  Complete<T> wide(V x, lanes::LaneSet<T> special_lanes) const {
-    return log_vector::wide<T>(x, special_lanes, [](V m, auto excess) {
-      return log_vector::logarithm<Base>(m, log_vector::NoRest{}, excess);
-    });
-  }
-};
+using Log10 = log_vector::Logarithm<T, log_vector::Decimal, log_vector::registers>;
 
 }  // namespace
 
