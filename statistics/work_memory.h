@@ -45,7 +45,7 @@ class WorkMemory {
     Piece* before;
   };
   static constexpr int64_t kUnit{services::work_alignment};
-  static constexpr int64_t kOnStack = 16 * kUnit;  // all that a call over few variables takes
+  static constexpr int64_t kOnStack = 64 * kUnit;  // most of what a call over few variables takes
   static_assert(kUnit >= int64_t{sizeof(Piece)});
 
   Piece* last_ = nullptr;

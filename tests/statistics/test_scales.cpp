@@ -193,7 +193,7 @@ TYPED_TEST(Scales, OfPartsThatAreMerged) {
 // Memory that ends where a run is made again.
 TYPED_TEST(Scales, MemoryEnds) {
   using Real = TypeParam;
-  constexpr int64_t p = 600;  // more than a piece of work memory on the stack has room for
+  constexpr int64_t p = 600;  // the stack has room for the first pieces of work memory alone
   for (const int64_t from : {0, 500}) {
     auto s = small_sample<Real>(1100, p, true);
     for (size_t i = static_cast<size_t>(p * from); i < s.rows.size(); ++i) {
@@ -210,7 +210,8 @@ TYPED_TEST(Scales, MemoryEnds) {
         return status;
       };
     });
-    EXPECT_EQ(failures, from == 0 ? 5 : 9);
+    const long on_stack = sizeof(Real) == sizeof(float) ? 3 : 2;
+    EXPECT_EQ(failures, (from == 0 ? 5 : 9) - on_stack);
   }
 }
 
