@@ -14,10 +14,6 @@ target_compile_options(qor_warnings INTERFACE
 add_library(qor_arithmetic INTERFACE)
 target_compile_options(qor_arithmetic INTERFACE
   $<$<COMPILE_LANGUAGE:C,CXX>:-ffp-contract=off -fno-fast-math>)
-# Clang would do arithmetic of lanes that are not asked for, and raise their flags.
-target_compile_options(qor_arithmetic INTERFACE
-  $<$<COMPILE_LANG_AND_ID:C,Clang>:-ffp-exception-behavior=maytrap>
-  $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-ffp-exception-behavior=maytrap>)
 
 # Callers of the second platform may keep the stack aligned to 4 bytes only.
 set(QOR_IS_I386 OFF)
