@@ -23,30 +23,25 @@ const Entry* find(const Entry (&list)[count], limits::List<std::string_view> Ent
   return nullptr;
 }
 
+// The entry of the families' lists that names it, an empty one where none does.
+template <class Entry, class... Lists>
+Entry entry_of(std::string_view name, limits::List<std::string_view> Entry::*names,
+               const Lists&... lists) {
+  const Entry* found = nullptr;
+  ((found = found != nullptr ? found : find(lists, names, name)), ...);
+  return found != nullptr ? *found : Entry{};
+}
+
 }  // namespace
 
 limits::Edges branch_edges(std::string_view row) {
-  const limits::Edges* found = nullptr;
-  const auto look = [&](const auto& list) {
-    if (found == nullptr) found = find(list, &limits::Edges::rows, row);
-  };
-  look(limits::exponential_edges);
-  look(limits::logarithm_edges);
-  look(limits::power_edges);
-  look(limits::root_edges);
-  return found == nullptr ? limits::Edges{} : *found;
+  return entry_of(row, &limits::Edges::rows, limits::exponential_edges, limits::logarithm_edges,
+                  limits::power_edges, limits::root_edges);
 }
 
 limits::Seams table_seams(std::string_view function) {
-  const limits::Seams* found = nullptr;
-  const auto look = [&](const auto& list) {
-    if (found == nullptr) found = find(list, &limits::Seams::functions, function);
-  };
-  look(limits::exponential_seams);
-  look(limits::logarithm_seams);
-  look(limits::power_seams);
-  look(limits::root_seams);
-  return found == nullptr ? limits::Seams{} : *found;
+  return entry_of(function, &limits::Seams::functions, limits::exponential_seams,
+                  limits::logarithm_seams, limits::power_seams, limits::root_seams);
 }
 
 }  // namespace qor::reference
